@@ -1,0 +1,17 @@
+#include "MimeSourceFactory_ORVBrowser.h"
+
+// Resources of a static library must be linked in; the macro works only outside namespaces.
+static void link_in_icons() { Q_INIT_RESOURCE(icons); }
+
+QStringList MimeSourceFactory_ORVBrowser::names()
+{
+    return {"filenew", "fileopen", "filesave", "print", "undo", "redo", "editcut", "editcopy", "editpaste", "searchfind"};
+}
+
+QPixmap MimeSourceFactory_ORVBrowser::data(const QString& name)
+{
+    if (!names().contains(name))
+        return {};
+    link_in_icons();
+    return QPixmap(":/icons/" + name);
+}

@@ -1,0 +1,50 @@
+#include "file_dialogs.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace {
+
+QString tr(const char* text) { return QCoreApplication::translate("ORVBrowser", text); }
+
+}    // namespace
+
+QString default_file(const std::string& dataset, const char* suffix)
+{
+    const QString folder = qEnvironmentVariable("PWD", QDir::currentPath());
+    return folder + "/" + QString::fromStdString(dataset) + suffix;
+}
+
+QString ask_filename(QWidget* parent, const file_question& question, const QString& start_name)
+{
+    QFileDialog dialog(parent, question.caption, QFileInfo(start_name).path(), question.filter);
+    dialog.setObjectName(question.object_name);
+    dialog.setAcceptMode(question.mode);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);    // may_write() asks
+    dialog.selectFile(start_name);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    return dialog.selectedFiles().value(0);
+}
+
+bool may_write(QWidget* parent, const QString& filename)
+{
+    if (!QFileInfo::exists(filename))
+        return true;
+    QMessageBox question(QMessageBox::Question, tr("Overwrite File? -- ORVBrowser"),
+                         tr("A file called %1 already exists. Do you want to overwrite it?").arg(filename),
+                         QMessageBox::Yes | QMessageBox::No, parent);
+    question.button(QMessageBox::Yes)->setText(tr("&Yes"));
+    question.button(QMessageBox::No)->setText(tr("&No"));
+    question.setDefaultButton(QMessageBox::Yes);
+    question.setEscapeButton(QMessageBox::No);
+    return question.exec() == QMessageBox::Yes;
+}
+
+std::string native_name(const QString& filename) { return QFile::encodeName(filename).toStdString(); }

@@ -1,0 +1,27 @@
+// file_dialogs.h - the program's questions for a file name, and its one question before a file is replaced.
+#pragma once
+#include <QFileDialog>
+#include <QString>
+#include <QWidget>
+
+#include <string>
+
+struct file_question {
+    QFileDialog::AcceptMode mode;    // open or save
+    QString filter;
+    QString object_name;
+    QString caption;
+};
+
+// The file of this name in the working directory: $PWD/<dataset><suffix>.
+[[nodiscard]] QString default_file(const std::string& dataset, const char* suffix);
+
+// The file name that the person chose, or "" when the dialog was cancelled. A file to open need not
+// exist: the caller says so in its own words.
+[[nodiscard]] QString ask_filename(QWidget* parent, const file_question& question, const QString& start_name);
+
+// True iff there is no file of this name, or the person wants it overwritten.
+[[nodiscard]] bool may_write(QWidget* parent, const QString& filename);
+
+// A file name as the system's own functions take it.
+[[nodiscard]] std::string native_name(const QString& filename);

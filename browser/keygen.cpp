@@ -1,0 +1,23 @@
+#include "keygen.h"
+
+#include "ORV_roidb.h"
+
+#include <cstdlib>
+
+namespace {
+
+int field(const std::string& key, std::size_t offset) { return std::atoi(key.substr(offset, 3).c_str()); }
+
+}    // namespace
+
+std::string digit3(int a) { return roidb::digit(a, 3); }
+
+std::string keygen(pos4i p) { return roidb::keygen(p); }
+
+pos4i decode(std::string key)
+{
+    const int t = field(key, 0);
+    const int z = field(key, 3);
+    const int x = field(key, 6);
+    return {x, field(key, 9), z, t};
+}

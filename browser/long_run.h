@@ -1,0 +1,33 @@
+// long_run.h - one long operation of the window, which lets pending events be processed while it works.
+//
+// The handlers that run then may do anything a person can do: open another recording, close the
+// window, remove ROIs. A run asks alive() after each process_events() and ends without touching the
+// recording once that is false. What it holds of the recording across process_events() are copies,
+// or is looked up again when roidb_plus::revision() has changed. Rasters stay readable until the
+// outermost run ends or reaches a checkpoint().
+#pragma once
+#include "orvbrowser.h"
+
+#include <QPointer>
+
+class LongRun {
+public:
+    explicit LongRun(ORVBrowser& window);
+    ~LongRun();
+    LongRun(const LongRun&) = delete;
+    LongRun& operator=(const LongRun&) = delete;
+
+    // True iff the window and the recording of this run are still open.
+    [[nodiscard]] bool alive() const noexcept;
+
+    // Lets pending events be processed, then answers alive().
+    [[nodiscard]] bool process_events();
+
+    // Frees the rasters that have left the cache, when no other run may hold one.
+    // REQUIRES: this run holds no raster
+    void checkpoint();
+
+private:
+    QPointer<ORVBrowser> _window;
+    unsigned long _recording;
+};

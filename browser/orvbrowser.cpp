@@ -1,0 +1,105 @@
+// The window's start and end, and what its other files share.
+#include "orvbrowser.h"
+
+#include <QCloseEvent>
+
+namespace {
+
+// How deep handlers may wait for handlers, each started while the one before processes events. A key
+// held down would otherwise pile them up until the stack ends.
+constexpr int max_event_depth = 8;
+
+}    // namespace
+
+ORVBrowser::ORVBrowser(QWidget* parent, const char* name, Qt::WindowFlags flags) : QWidget(parent, flags)
+{
+    setObjectName(name ? name : "ORVBrowser");
+    createWidgets();
+    languageChange();
+    resize(QSize(620, 878).expandedTo(minimumSizeHint()));
+    connectWidgets();
+    textLabel3->setBuddy(tabWidget_control_panel);
+    init();
+}
+
+ORVBrowser::~ORVBrowser() { destroy(); }
+
+void ORVBrowser::init()
+{
+    setTrackingButtonsEnabled(false);
+    for (QWidget* control : {static_cast<QWidget*>(pushButton_auto), static_cast<QWidget*>(pushButton_stop),
+                             static_cast<QWidget*>(pushButton_reset), static_cast<QWidget*>(lineEdit_focal_plane),
+                             static_cast<QWidget*>(lineEdit_time_point), static_cast<QWidget*>(slider_time_point),
+                             static_cast<QWidget*>(slider_focal_plane)})
+        control->setEnabled(false);
+    m_roidb = nullptr;
+    m_imgdb = nullptr;
+    m_q_roiimgdb = nullptr;
+    initColors();
+    m_time_point = 0;
+    m_focal_plane = 0;
+
+    m_dataset = "dataset";
+    m_roi_ext = "fwd";
+    m_dic_base = "/image";
+    m_dataset1 = m_dataset2 = m_dataset3 = m_dataset;
+    m_org_dir = "";
+    m_img_head = "-img0";
+    m_lnk_base = "/home/orvbrowser/Result/t008_z073/LNK_";
+    m_roi_ext_dir = "/" + m_roi_ext + "/";
+    m_roi_ext1 = m_roi_ext;
+    m_img_base = m_dic_base + m_dataset1 + m_org_dir + m_dataset2 + m_img_head;
+    m_roi_base = m_lnk_base + m_dataset3 + m_roi_ext_dir;
+
+    setMinTimePoint(0);
+    setMaxTimePoint(150);
+    setMinFocalPlane(0);
+    setMaxFocalPlane(55);
+    m_cache_time = 10;
+    setDataset(m_dataset);
+    setMouseTracking(true);
+    frame_canvas->setMouseTracking(true);
+}
+
+void ORVBrowser::destroy() { pushButton_close_clicked(); }
+
+void ORVBrowser::setApplication(QApplication* app) { m_app = app; }
+
+void ORVBrowser::closeEvent(QCloseEvent* e)
+{
+    if (m_runs > 0) {
+        m_closing = true;
+        m_auto = false;
+        m_auto_split = false;
+    }
+    QWidget::closeEvent(e);
+}
+
+void ORVBrowser::processEvents()
+{
+    if (m_event_depth >= max_event_depth)
+        return;
+    const QPointer<ORVBrowser> self(this);    // a handler may delete the window
+    ++m_event_depth;
+    (m_app ? m_app : QCoreApplication::instance())->processEvents();
+    if (self)
+        --m_event_depth;
+}
+
+void ORVBrowser::show_changes()
+{
+    dirty = true;
+    repaint();
+}
+
+void ORVBrowser::finish()
+{
+    show_changes();
+    processEvents();
+}
+
+void ORVBrowser::release_dropped_rasters()
+{
+    if (m_runs == 0 && m_q_roiimgdb)
+        m_q_roiimgdb->release_dropped();
+}

@@ -1,0 +1,84 @@
+// The picture on the canvas: the image of the current position and the outlines of its ROIs.
+#include "keygen.h"
+#include "orvbrowser.h"
+#include "roi_colors.h"
+
+#include <QFile>
+#include <QPaintEvent>
+#include <QPainter>
+
+void ORVBrowser::paintEvent(QPaintEvent*)
+{
+    if (!m_imgdb)
+        return;
+    const bool moved = m_time_point != m_drawn_time_point || m_focal_plane != m_drawn_focal_plane;
+    if (!moved && !dirty)
+        return;
+    dirty = false;
+    m_drawn_time_point = m_time_point;
+    m_drawn_focal_plane = m_focal_plane;
+    myPaint();
+    frame_canvas->set_picture(m_pix);
+}
+
+void ORVBrowser::myPaint()
+{
+    if (!m_imgdb)
+        return;
+    m_pix = m_imgdb->img(m_time_point, m_focal_plane, QFile::decodeName(image_filename().c_str()), m_cache_time);
+    if (m_pix.isNull()) {    // the ROIs are shown all the same
+        m_pix = QPixmap(frame_canvas->size());
+        m_pix.fill(palette().color(QPalette::Window));
+    }
+    drawROI(m_pix);
+    if (m_show_centroid)
+        drawLineage(m_pix);
+    release_dropped_rasters();
+}
+
+void ORVBrowser::drawROI(QPixmap& pix)
+{
+    if (!isOpen())
+        return;
+    QPainter painter(&pix);
+    m_roidb->seek(m_time_point, m_focal_plane, 0);
+    for (roi r; m_roidb->find_plus(m_time_point, m_focal_plane, r);)
+        paint_roi(painter, r);
+}
+
+int ORVBrowser::color_index(const roi& r, const string& key)
+{
+    int s = isSelected(key) ? SELECTED : DEFAULT;
+    if (m_removed_roi_set.contains(key))
+        s |= REMOVED;
+    if (m_mouse_over_roi_set.contains(key))
+        s |= HIGHLIGHT;
+    if (isFwdTracked(key))
+        s |= FORWARD;
+    if (isBwdTracked(key))
+        s |= BACKWARD;
+    if (!m_lineage_mode_roi_set.empty()) {
+        const std::string& chosen = *m_lineage_mode_roi_set.begin();
+        const std::string unit = head(r);
+        if (unit == chosen)
+            s |= LINEAGE;
+        else if (reach(unit, chosen))
+            s |= FORWARD | BACKWARD;
+    }
+    if (isElite(head(key)))
+        s |= ELITE;
+    return s;
+}
+
+void ORVBrowser::paint_roi(QPainter& painter, const roi& r)
+{
+    const int s = color_index(r, keygen(r));
+    if (m_show_tracked_rois_mode && (s & (FORWARD | BACKWARD)) == 0)
+        return;
+    painter.setPen(QPen(color[s], 1, Qt::SolidLine));
+    const QPolygon& outline = m_q_roiimgdb->qrimg(r)->qpointarray();
+    if (outline.size() == 1)
+        painter.drawPoint(outline.first());
+    else
+        painter.drawPolygon(outline);
+}

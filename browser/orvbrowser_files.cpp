@@ -1,0 +1,88 @@
+// ROI files: opening a recording from one, saving it, and dropping the ROIs marked as removed.
+#include "file_dialogs.h"
+#include "orvbrowser.h"
+
+#include <QFileInfo>
+
+#include <iostream>
+
+namespace {
+
+const QString roi_filter = QStringLiteral("roi file (*.roi)");
+
+}    // namespace
+
+bool ORVBrowser::openRoiFile(const string& filename)
+{
+    if (!QFileInfo::exists(QFile::decodeName(filename.c_str()))) {
+        std::cerr << "No such file or directory: " << filename << std::endl;
+        return false;
+    }
+    setCursor(Qt::WaitCursor);
+    // Read first: what is open stays open when the file cannot be read.
+    auto roidb = std::make_unique<roidb_plus>("");
+    const bool was_read = roidb->read_plus(filename);
+    if (was_read)
+        open_recording(std::move(roidb));
+    setCursor(Qt::ArrowCursor);
+    return was_read;
+}
+
+void ORVBrowser::open_recording(std::unique_ptr<roidb_plus> roidb)
+{
+    // The old bounds hold until the new ones are set: nothing of the positions in between is shown.
+    setUpdatesEnabled(false);
+    close_common();
+    m_roidb = std::move(roidb);
+    setDataset(m_roidb->name());
+    build_imgdb();
+    m_img_base = make_img_base(m_dataset);
+    build_q_roiimgdb();
+    read_common();
+    take_time_bounds();
+    setCurrentTimePoint(0);
+    setUpdatesEnabled(true);
+}
+
+void ORVBrowser::pushButton_read_roifile_clicked()
+{
+    const QString filename = ask_filename(
+        this, {QFileDialog::AcceptOpen, roi_filter, "open file dialog", tr("Choose a filename to read")},
+        default_file(m_dataset, ".roi"));
+    if (!filename.isEmpty() && !openRoiFile(native_name(filename)) && m_roidb)
+        take_time_bounds();
+    finish();
+}
+
+void ORVBrowser::pushButton_save_roifile_clicked()
+{
+    pushButton_save_roifile->setEnabled(false);
+    const QString filename = ask_filename(
+        this, {QFileDialog::AcceptSave, roi_filter, "save file dialog", tr("Choose a filename to save under")},
+        default_file(m_dataset, ".roi"));
+    if (!filename.isEmpty() && may_write(this, filename))
+        save_rois(native_name(filename));
+    pushButton_save_roifile->setEnabled(true);
+}
+
+void ORVBrowser::save_rois(const string& filename)
+{
+    if (!m_roidb) {
+        std::cerr << "No recording is open: nothing to save in " << filename << std::endl;
+        return;
+    }
+    setCursor(Qt::WaitCursor);
+    m_roidb->write(filename);    // says so itself when it fails
+    setCursor(Qt::ArrowCursor);
+}
+
+void ORVBrowser::pushButton_drop_false_positive_clicked()
+{
+    if (!m_roidb)
+        return;
+    setCursor(Qt::WaitCursor);
+    for (const std::string& key : m_removed_roi_set)
+        m_roidb->remove(key);
+    finish();
+    setCursor(Qt::ArrowCursor);
+}

@@ -1,0 +1,252 @@
+// Keys, wheel and pointer, and the modes that tell what a click does.
+#include "keygen.h"
+#include "orvbrowser.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWheelEvent>
+
+#include <iostream>
+
+namespace {
+
+void toggle(std::set<std::string>& keys, const std::string& key)
+{
+    if (keys.erase(key) == 0)
+        keys.insert(key);
+}
+
+}    // namespace
+
+bool ORVBrowser::isSelected(string key) { return m_selected_roi_set.contains(key); }
+
+bool ORVBrowser::isFwdTracked(string key) { return m_fwd_roi_set.contains(key); }
+
+bool ORVBrowser::isBwdTracked(string key) { return m_bwd_roi_set.contains(key); }
+
+bool ORVBrowser::isElite(string key) { return m_elite_head_roi_set.contains(key); }
+
+std::string ORVBrowser::xyROI(int x, int y)
+{
+    if (!isOpen())
+        return {};
+    std::string hit;
+    m_roidb->seek(m_time_point, m_focal_plane, 0);
+    for (roi r; hit.empty() && m_roidb->find_plus(m_time_point, m_focal_plane, r);) {
+        const q_roiimg& raster = *m_q_roiimgdb->qrimg(r);
+        if (raster.value(x - raster.top_left().x(), y - raster.top_left().y()) > 0)
+            hit = keygen(r);
+    }
+    release_dropped_rasters();
+    return hit;
+}
+
+// Each mode remembers the cursor that was shown before it, and shows it again when it ends.
+void ORVBrowser::set_mode(bool& mode, bool on)
+{
+    QCursor& before = m_cursor_before[&mode];
+    if (!mode)    // a run that is going on shows the wait cursor only until it ends
+        before = cursor().shape() == Qt::WaitCursor ? QCursor(Qt::ArrowCursor) : cursor();
+    mode = on;
+    setCursor(on ? QCursor(Qt::PointingHandCursor) : before);
+}
+
+void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, on); }
+
+void ORVBrowser::setLineageMode(bool on) { set_mode(m_lineage_mode, on); }
+
+void ORVBrowser::setAddLineageMode(bool on) { set_mode(m_add_lineage_mode, on); }
+
+void ORVBrowser::setRemoveLineageMode(bool on) { set_mode(m_remove_lineage_mode, on); }
+
+void ORVBrowser::setMergeMode(bool on) { set_mode(m_merge_mode, on); }
+
+void ORVBrowser::setSplitMode(bool on)
+{
+    if (!on)
+        m_split_parents.clear();
+    set_mode(m_split_mode, on);
+}
+
+void ORVBrowser::setShowTrackedRoisMode(bool on) { m_show_tracked_rois_mode = on; }
+
+void ORVBrowser::keyPressEvent(QKeyEvent* e)
+{
+    const bool has_lineage_head = !m_lineage_mode_roi_set.empty();
+    switch (e->key()) {
+    case Qt::Key_A:
+        if (has_lineage_head)
+            setAddLineageMode(!m_add_lineage_mode);
+        break;
+    case Qt::Key_C:
+        m_show_centroid = !m_show_centroid;
+        show_changes();
+        break;
+    case Qt::Key_D:
+    case Qt::Key_Left:
+        if (!m_auto)
+            timePrev();
+        break;
+    case Qt::Key_E:
+        setLineageMode(false);
+        setManualEliteMode(!m_manual_elite);
+        break;
+    case Qt::Key_F:
+    case Qt::Key_Right:
+        if (!m_auto)
+            timeNext();
+        break;
+    case Qt::Key_L:
+    case Qt::Key_W:
+        toggle_lineage_mode();
+        break;
+    case Qt::Key_M:
+    case Qt::Key_X:
+        setMergeMode(!m_merge_mode);
+        break;
+    case Qt::Key_R:
+        setRemoveLineageMode(!m_remove_lineage_mode);
+        break;
+    case Qt::Key_S:
+        if (has_lineage_head)
+            setSplitMode(!m_split_mode);
+        break;
+    case Qt::Key_T:
+        setShowTrackedRoisMode(!m_show_tracked_rois_mode);
+        show_changes();
+        break;
+    case Qt::Key_Z:
+        do_zTracking();
+        break;
+    case Qt::Key_Up:
+        focusUp();
+        break;
+    case Qt::Key_Down:
+        focusDown();
+        break;
+    default:
+        break;
+    }
+    processEvents();
+}
+
+void ORVBrowser::toggle_lineage_mode()
+{
+    setManualEliteMode(false);
+    if (!m_lineage_mode) {
+        setLineageMode(true);
+        return;
+    }
+    setLineageMode(false);
+    m_lineage_mode_roi_set.clear();
+    setAddLineageMode(false);
+    setRemoveLineageMode(false);
+    show_changes();
+}
+
+void ORVBrowser::wheelEvent(QWheelEvent* e)
+{
+    if (!m_imgdb)
+        return;
+    if (e->angleDelta().y() > 0)
+        focusUp();
+    else
+        focusDown();
+    processEvents();
+}
+
+void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
+{
+    if (!isOpen())
+        return;
+    const QPoint at = e->position().toPoint() - frame_canvas->pos();
+    if (!frame_canvas->rect().contains(at))
+        return;
+    set<string> under_pointer;
+    if (std::string key = xyROI(at.x(), at.y()); !key.empty())
+        under_pointer.insert(std::move(key));
+    if (under_pointer != m_mouse_over_roi_set) {
+        m_mouse_over_roi_set = std::move(under_pointer);
+        dirty = true;
+    }
+    if (dirty)
+        repaint();
+    processEvents();
+}
+
+void ORVBrowser::mousePressEvent(QMouseEvent* e)
+{
+    if (!m_roidb)
+        return;
+    const QPoint at = e->position().toPoint() - frame_canvas->pos();
+    const std::string key = xyROI(at.x(), at.y());
+    const bool left = e->button() == Qt::LeftButton;
+    if (key.empty() && !m_split_mode) {
+        finish();
+        return;
+    }
+    if (m_manual_elite || m_lineage_mode || m_remove_lineage_mode || m_add_lineage_mode) {
+        if (left)
+            click_in_lineage_modes(key);
+    } else if (!m_merge_mode && !m_split_mode) {
+        mark_roi(key, e->button());
+    } else if (!m_merge_mode) {
+        click_in_split_mode(key, left, at);
+    } else if (left) {
+        click_in_merge_mode(key);
+    }
+    finish();
+}
+
+// The one-shot modes that act on the unit under the pointer; the first that is armed takes the click.
+void ORVBrowser::click_in_lineage_modes(const string& key)
+{
+    const std::string unit = head(key);
+    if (m_manual_elite) {
+        toggle(m_elite_head_roi_set, unit);
+        setManualEliteMode(false);
+    } else if (m_lineage_mode) {
+        m_lineage_mode_roi_set = {unit};
+        setLineageMode(false);
+    } else if (m_remove_lineage_mode) {
+        m_lineage_mode_roi_set = {unit};
+        for (const std::string& parent : parents(unit))
+            release_child(parent, unit);
+        setRemoveLineageMode(false);
+    } else {
+        if (!m_lineage_mode_roi_set.empty())
+            link(*m_lineage_mode_roi_set.begin(), unit);
+        setAddLineageMode(false);
+    }
+}
+
+void ORVBrowser::mark_roi(const string& key, Qt::MouseButton button)
+{
+    if (button == Qt::RightButton)
+        toggle(m_removed_roi_set, key);
+    if (button != Qt::LeftButton)
+        return;
+    toggle(m_selected_roi_set, key);
+    if (isSelected(key))
+        std::cout << "roi(" << key << ") head(" << head(key) << ")" << std::endl;
+}
+
+// The first clicks pick the parents; once there are two, the next click, anywhere, splits at its point.
+void ORVBrowser::click_in_split_mode(const string& key, bool left, QPoint at)
+{
+    if (m_split_parents.size() > 1) {
+        if (!m_lineage_mode_roi_set.empty())
+            manualSplit(*m_lineage_mode_roi_set.begin(), m_split_parents, at.x(), at.y(), m_focal_plane);
+        m_split_parents.clear();
+        setSplitMode(false);
+    } else if (left && !key.empty()) {
+        m_split_parents.insert(head(key));
+    }
+}
+
+void ORVBrowser::click_in_merge_mode(const string& key)
+{
+    if (!m_lineage_mode_roi_set.empty())
+        mergeUnits(head(*m_lineage_mode_roi_set.begin()), head(key));
+    setMergeMode(false);
+}

@@ -1,0 +1,261 @@
+// Opening and closing a recording, the time point and the focal plane, and their controls.
+#include "keygen.h"
+#include "long_run.h"
+#include "orvbrowser.h"
+
+#include "ORV_roiio.h"
+
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <iostream>
+
+namespace {
+
+constexpr int first_focal_plane = 20;    // where a recording opens
+
+// Like std::clamp, but with any bounds: while they are being set one may already have passed the other.
+int within(int value, int low, int high) { return std::max(low, std::min(value, high)); }
+
+// What a person typed: empty is 0, and what is no number leaves the old value.
+int typed_number(const QString& text, int old)
+{
+    if (text.isEmpty())
+        return 0;
+    bool is_number = false;
+    const int number = text.toInt(&is_number, 10);
+    return is_number ? number : old;
+}
+
+}    // namespace
+
+std::string ORVBrowser::digit3(int n) { return ::digit3(n); }
+
+std::string ORVBrowser::make_img_base(string dataset)
+{
+    std::string root = qgetenv("ORVBROWSER_IMAGE_ROOT").toStdString();
+    if (root.empty())
+        root = "/image/";
+    if (!root.ends_with('/'))
+        root += '/';
+    return root + dataset + "/";
+}
+
+std::string ORVBrowser::image_filename() const
+{
+    return m_img_base + ::digit3(m_time_point) + "-" + ::digit3(m_focal_plane) + ".jpg";
+}
+
+void ORVBrowser::setMaxTimePoint(int t)
+{
+    m_max_time_point = t;
+    slider_time_point->setMaximum(t);
+}
+
+void ORVBrowser::setMinTimePoint(int t)
+{
+    m_min_time_point = t;
+    slider_time_point->setMinimum(t);
+}
+
+void ORVBrowser::setMaxFocalPlane(int z)
+{
+    m_max_focal_plane = z;
+    slider_focal_plane->setMaximum(z);
+}
+
+void ORVBrowser::setMinFocalPlane(int z)
+{
+    m_min_focal_plane = z;
+    slider_focal_plane->setMinimum(z);
+}
+
+// The slider and the field mirror the position; were they to answer with signals of their own, one
+// step would build the picture three times.
+void ORVBrowser::set_position(int& position, int value, QSlider& slider, QLineEdit& field)
+{
+    position = value;
+    const QSignalBlocker quiet_slider(slider);
+    const QSignalBlocker quiet_field(field);
+    slider.setValue(value);
+    const QString text = QString::number(value);
+    if (field.text() != text)    // keeps the cursor of who is typing
+        field.setText(text);
+    show_changes();
+}
+
+void ORVBrowser::setCurrentTimePoint(int t)
+{
+    set_position(m_time_point, within(t, m_min_time_point, m_max_time_point), *slider_time_point,
+                 *lineEdit_time_point);
+}
+
+void ORVBrowser::setCurrentFocalPlane(int z)
+{
+    set_position(m_focal_plane, within(z, m_min_focal_plane, m_max_focal_plane), *slider_focal_plane,
+                 *lineEdit_focal_plane);
+}
+
+void ORVBrowser::timeNext()
+{
+    if (m_time_point < m_max_time_point)
+        setCurrentTimePoint(m_time_point + 1);
+}
+
+void ORVBrowser::timePrev()
+{
+    if (m_time_point > m_min_time_point)
+        setCurrentTimePoint(m_time_point - 1);
+}
+
+void ORVBrowser::focusUp()
+{
+    if (m_focal_plane > m_min_focal_plane)
+        setCurrentFocalPlane(m_focal_plane - 1);
+}
+
+void ORVBrowser::focusDown()
+{
+    if (m_focal_plane < m_max_focal_plane)
+        setCurrentFocalPlane(m_focal_plane + 1);
+}
+
+void ORVBrowser::slider_time_point_valueChanged(int v) { setCurrentTimePoint(v); }
+
+void ORVBrowser::slider_focal_plane_valueChanged(int v) { setCurrentFocalPlane(v); }
+
+void ORVBrowser::lineEdit_time_point_textChanged(const QString& s)
+{
+    setCurrentTimePoint(typed_number(s, m_time_point));
+}
+
+void ORVBrowser::lineEdit_focal_plane_textChanged(const QString& s)
+{
+    setCurrentFocalPlane(typed_number(s, m_focal_plane));
+}
+
+void ORVBrowser::setDataset(string name)
+{
+    m_dataset = std::move(name);
+    const QString text = QString::fromStdString(m_dataset);
+    if (lineEdit_dataset->text() != text)
+        lineEdit_dataset->setText(text);
+    show_changes();
+}
+
+void ORVBrowser::lineEdit_dataset_textChanged(const QString& s)
+{
+    const std::string name = s.toStdString();
+    // A name that is no valid text would come back from the field changed.
+    if (s != QString::fromStdString(m_dataset))
+        setDataset(name);
+    m_dataset1 = m_dataset2 = m_dataset3 = name;
+}
+
+void ORVBrowser::build_roidb()
+{
+    ++m_recording;
+    m_roidb = std::make_unique<roidb_plus>(m_dataset);
+    LongRun run(*this);
+    for (int t = m_min_time_point; t <= m_max_time_point; ++t) {
+        for (int z = m_min_focal_plane; z <= m_max_focal_plane; ++z) {
+            if (!run.process_events())
+                return;
+            const std::string name = m_roi_base + digit3(t) + "-" + digit3(z) + "." + m_roi_ext;
+            iroifstream plane;
+            plane.open(name);
+            if (!plane) {
+                std::cerr << "Cannot open " << name << std::endl;
+                continue;
+            }
+            plane.seek_roi();
+            for (roi r; plane >> r;)
+                if (r.x() != 0 || r.y() != 0)
+                    m_roidb->entry_plus(r);
+        }
+    }
+    finish();
+}
+
+void ORVBrowser::build_imgdb() { m_imgdb = std::make_unique<ImageDB>(); }
+
+void ORVBrowser::build_q_roiimgdb() { m_q_roiimgdb = std::make_unique<q_roiimgdb>(); }
+
+void ORVBrowser::pushButton_read_clicked()
+{
+    read_common();
+    build_roidb();
+    if (!m_roidb)    // a handler closed it again
+        return;
+    build_imgdb();
+    build_q_roiimgdb();
+    finish();
+}
+
+void ORVBrowser::read_common()
+{
+    setCurrentTimePoint(0);
+    setCurrentFocalPlane(first_focal_plane);
+    reset_recording_state();
+    lineEdit_dataset->setEnabled(false);
+    lineEdit_focal_plane->setEnabled(true);
+    lineEdit_time_point->setEnabled(true);
+    slider_time_point->setEnabled(true);
+    slider_focal_plane->setEnabled(true);
+    setTrackingButtonsEnabled(true);
+    pushButton_auto->setEnabled(true);
+    pushButton_reset->setEnabled(true);
+    pushButton_stop->setEnabled(true);
+    frame_canvas->setFocus();
+}
+
+// The heads picked in the add and remove modes and the candidates of the splits stay.
+void ORVBrowser::reset_recording_state()
+{
+    for (bool* flag : {&m_auto, &m_auto_make_units, &m_make_units, &m_manual_elite, &m_lineage_mode,
+                       &m_show_tracked_rois_mode, &m_add_lineage_mode, &m_remove_lineage_mode, &m_auto_split,
+                       &m_show_centroid, &m_merge_mode, &m_split_mode, &dirty})
+        *flag = false;
+    for (auto* keys : {&m_selected_roi_set, &m_removed_roi_set, &m_mouse_over_roi_set, &m_fwd_roi_set,
+                       &m_bwd_roi_set, &m_make_unit_roi_set, &m_linkage_set, &m_lineage_mode_roi_set,
+                       &m_split_parents, &m_elite_head_roi_set})
+        keys->clear();
+    m_smallest_enclosing_circle.clear();
+    m_head_members.clear();
+    m_members_head.clear();
+    m_linkage_multimap.clear();
+    // A button or a cursor that still showed a flag would now tell a lie.
+    const QSignalBlocker quiet(pushButton_auto);
+    pushButton_auto->setChecked(false);
+    if (m_runs == 0)
+        setCursor(Qt::ArrowCursor);
+}
+
+void ORVBrowser::close_common()
+{
+    ++m_recording;
+    lineEdit_focal_plane->setEnabled(false);
+    lineEdit_time_point->setEnabled(false);
+    setTrackingButtonsEnabled(false);
+    pushButton_auto->setEnabled(false);
+    pushButton_reset->setEnabled(false);
+    pushButton_stop->setEnabled(false);
+    m_roidb.reset();
+    m_imgdb.reset();
+    m_q_roiimgdb.reset();
+    lineEdit_dataset->setEnabled(true);
+    setCurrentTimePoint(0);
+    setCurrentFocalPlane(0);
+    m_pix = QPixmap();
+    frame_canvas->set_picture(m_pix);
+}
+
+void ORVBrowser::pushButton_close_clicked() { close_common(); }
+
+void ORVBrowser::pushButton_exit_clicked() { QCoreApplication::quit(); }
+
+void ORVBrowser::take_time_bounds()
+{
+    setMaxTimePoint(m_roidb->t_max());
+    setMinTimePoint(m_roidb->t_min());
+}

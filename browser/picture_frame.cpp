@@ -1,0 +1,21 @@
+#include "picture_frame.h"
+
+#include <QPainter>
+
+PictureFrame::PictureFrame(QWidget* parent) : QFrame(parent) { setAttribute(Qt::WA_OpaquePaintEvent); }
+
+void PictureFrame::set_picture(const QPixmap& picture)
+{
+    _picture = picture;
+    update();
+}
+
+void PictureFrame::paintEvent(QPaintEvent* e)
+{
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), palette().window());
+        painter.drawPixmap(0, 0, _picture);
+    }
+    QFrame::paintEvent(e);
+}

@@ -1,0 +1,52 @@
+#include "q_roiimgdb.h"
+
+#include "keygen.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kept_time_points = 3;    // on either side of the one in use
+
+std::string time_key(int t) { return keygen(pos4i(0, 0, 0, t)); }
+
+}    // namespace
+
+q_roiimgdb::~q_roiimgdb() { drop(db.begin(), db.end()); }
+
+q_roiimg* q_roiimgdb::qrimg(const roi& r)
+{
+    std::string key = keygen(r);
+    if (const auto found = db.find(key); found != db.end())
+        return found->second;
+    auto raster = std::make_unique<q_roiimg>(r);
+    raster->map();
+    drop_far_from(r.t());
+    return db.emplace(std::move(key), raster.release()).first->second;
+}
+
+void q_roiimgdb::remove(pos4i pos)
+{
+    if (const auto found = db.find(keygen(pos)); found != db.end())
+        drop(found, std::next(found));
+}
+
+void q_roiimgdb::remove_from(int t) { drop(db.lower_bound(time_key(t)), db.end()); }
+
+void q_roiimgdb::drop_far_from(int t)
+{
+    const int t_min = std::max(t - kept_time_points, 0);
+    const auto low = db.lower_bound(time_key(0));
+    const auto kept = db.lower_bound(time_key(t_min));
+    // Negative time points sort before or after their neighbours: the ranges may be the wrong way round.
+    if (low != db.end() && low->first < time_key(t_min))
+        drop(low, kept);
+    remove_from(t + kept_time_points + 1);
+}
+
+void q_roiimgdb::drop(position first, position last)
+{
+    for (auto entry = first; entry != last; ++entry)
+        _dropped.emplace_back(entry->second);
+    db.erase(first, last);
+}

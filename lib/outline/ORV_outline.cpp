@@ -1,0 +1,170 @@
+#include "ORV_outline.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+
+namespace {
+
+// The steps '0' to '3' turn left one after the other: up, left, down, right.
+constexpr int down_step = 2;
+constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
+
+// Seen from a vertex in the direction of each step: the pixel ahead to the left
+// and the one ahead to the right. A vertex has the coordinates of the pixel that
+// it is the top-left corner of.
+constexpr pos2i ahead_left[] = {{-1, -1}, {-1, 0}, {0, 0}, {0, -1}};
+constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
+
+class mask_walker {
+public:
+    mask_walker(std::span<const unsigned char> mask, int width, int height)
+        : _mask(mask), _visited(mask.size(), 0), _width(width), _height(height)
+    {
+    }
+
+    // REQUIRES: start is the topmost, then leftmost pixel of its region, not visited yet
+    [[nodiscard]] outlined_region region_at(pos2i start)
+    {
+        const int pixels = visit_region(start);
+        return {start, walk(start), pixels};
+    }
+
+    [[nodiscard]] bool is_unvisited(int x, int y) const noexcept
+    {
+        const std::size_t i = index(x, y);
+        return _mask[i] && !_visited[i];
+    }
+
+private:
+    [[nodiscard]] std::size_t index(int x, int y) const noexcept
+    {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x);
+    }
+
+    [[nodiscard]] bool contains(pos2i p) const noexcept
+    {
+        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height && _mask[index(p.x(), p.y())];
+    }
+
+    // Marks the whole region, run by run; its number of pixels.
+    int visit_region(pos2i start)
+    {
+        int pixels = 0;
+        _seeds.assign(1, start);
+        while (!_seeds.empty()) {
+            const pos2i seed = _seeds.back();
+            _seeds.pop_back();
+            if (!is_unvisited(seed.x(), seed.y()))
+                continue;
+            pixels += visit_run(seed);
+        }
+        return pixels;
+    }
+
+    int visit_run(pos2i seed)
+    {
+        const int y = seed.y();
+        int left = seed.x();
+        while (left > 0 && is_unvisited(left - 1, y))
+            --left;
+        int right = left;    // one past the run
+        for (; right < _width && is_unvisited(right, y); ++right)
+            _visited[index(right, y)] = 1;
+        if (y > 0)
+            seed_runs(left, right, y - 1);
+        if (y + 1 < _height)
+            seed_runs(left, right, y + 1);
+        return right - left;
+    }
+
+    // Remembers the first pixel of every unvisited run of row y between left and right.
+    void seed_runs(int left, int right, int y)
+    {
+        bool in_run = false;
+        for (int x = left; x < right; ++x) {
+            const bool fresh = is_unvisited(x, y);
+            if (fresh && !in_run)
+                _seeds.emplace_back(x, y);
+            in_run = fresh;
+        }
+    }
+
+    // Around the region of the pixel start, from that pixel's top-left corner. No
+    // other pixel of the region has that corner, so the walk meets it only at its end.
+    [[nodiscard]] std::string walk(pos2i start) const
+    {
+        std::string chain;
+        pos2i vertex = start;
+        int step = down_step;
+        do {
+            chain += static_cast<char>('0' + step);
+            vertex = vertex + steps[step];
+            step = next_step(vertex, step);
+        } while (!(vertex == start));
+        return chain;
+    }
+
+    // The left turn comes first: where two pixels touch only at this corner, the
+    // walk stays with the one it came along.
+    [[nodiscard]] int next_step(pos2i vertex, int step) const noexcept
+    {
+        if (!contains(vertex + ahead_left[step]))
+            return (step + 1) % 4;
+        if (!contains(vertex + ahead_right[step]))
+            return step;
+        return (step + 3) % 4;
+    }
+
+    std::span<const unsigned char> _mask;
+    std::vector<unsigned char> _visited;
+    std::vector<pos2i> _seeds;
+    int _width;
+    int _height;
+};
+
+}    // namespace
+
+std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
+{
+    assert(width >= 0 && height >= 0);
+    assert(mask.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    std::vector<outlined_region> regions;
+    mask_walker walker(mask, width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            if (walker.is_unvisited(x, y))
+                regions.push_back(walker.region_at({x, y}));
+    return regions;
+}
+
+long long enclosed_pixels(const std::string& chain) noexcept
+{
+    long long x = 0;
+    long long area = 0;
+    for (const char c : chain) {
+        switch (c) {
+        case '0':
+            area += x;
+            break;
+        case '1':
+            --x;
+            break;
+        case '2':
+            area -= x;
+            break;
+        case '3':
+            ++x;
+            break;
+        default:
+            break;
+        }
+    }
+    return area;
+}
+
+bool is_closed(const std::string& chain) noexcept
+{
+    const auto count = [&chain](char step) { return std::count(chain.begin(), chain.end(), step); };
+    return count('0') == count('2') && count('1') == count('3');
+}

@@ -1,0 +1,33 @@
+// ORV_outline.h - from a pixel mask to the outlines of its regions.
+//
+// An outline is a chain code that walks the edges between pixels, counter-
+// clockwise on the screen (y grows downwards), so that the region lies to the
+// left of the walk: '2' down the left side, '3' right along the bottom, '0' up
+// the right side, '1' left along the top. A single pixel is "2301".
+#pragma once
+#include "ORV_pos.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+// One region of a mask: pixels that are connected through pixel edges.
+struct outlined_region {
+    pos2i start;          // its topmost, then leftmost pixel; the walk starts at that pixel's top-left corner
+    std::string chain;    // the outer outline, closed; holes are not walked
+    int pixels = 0;       // the region's own pixels, holes not counted
+};
+
+// The regions of a mask of width x height bytes, row by row, non-zero inside;
+// ordered by start (y, then x). Empty for an empty mask.
+// REQUIRES: mask.size() == width * height
+[[nodiscard]] std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width,
+                                                           int height);
+
+// The number of pixels that a closed outline encloses, holes included: positive
+// when it runs counter-clockwise on the screen. Characters other than '0' to '3'
+// are skipped. (Shoelace formula, edge by edge.)
+[[nodiscard]] long long enclosed_pixels(const std::string& chain) noexcept;
+
+// True iff the outline ends where it starts.
+[[nodiscard]] bool is_closed(const std::string& chain) noexcept;

@@ -1,0 +1,297 @@
+#include "roi_mask.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr unsigned char outline_mark = 2;
+
+// Where an outline has got to. Wider than int: a hostile outline may walk out of its range.
+struct walk_position {
+    long long x;
+    long long y;
+};
+
+// Collects the vertices of an outline, no two equal ones in a row, and the box around them.
+class vertex_collector {
+public:
+    explicit vertex_collector(pos2i start) : _left(start.x()), _top(start.y()), _right(_left), _bottom(_top) {}
+
+    void _add_point(long long x, long long y)
+    {
+        _left = std::min(_left, x);
+        _right = std::max(_right, x);
+        _top = std::min(_top, y);
+        _bottom = std::max(_bottom, y);
+        if (too_large())
+            return;
+        const pos2i point(static_cast<int>(x), static_cast<int>(y));
+        if (_points.empty() || !(_points.back() == point))
+            _points.push_back(point);
+    }
+
+    [[nodiscard]] bool too_large() const
+    {
+        using limits = std::numeric_limits<int>;
+        return _right - _left >= roi_mask::max_side || _bottom - _top >= roi_mask::max_side ||
+               _left < limits::min() || _top < limits::min() || _right > limits::max() || _bottom > limits::max();
+    }
+
+    [[nodiscard]] pos2i top_left() const { return {static_cast<int>(_left), static_cast<int>(_top)}; }
+    [[nodiscard]] pos2i bottom_right() const { return {static_cast<int>(_right), static_cast<int>(_bottom)}; }
+    [[nodiscard]] std::vector<pos2i> take_points() { return std::move(_points); }
+
+private:
+    long long _left, _top, _right, _bottom;
+    std::vector<pos2i> _points;
+};
+
+// Adds the vertices of one step. At a change of direction an extra vertex makes a corner, so that the
+// polygon follows the pixel boundary.
+void add_step(vertex_collector& polygon, walk_position& at, char previous, char step)
+{
+    switch (step) {
+    case '0':
+        if (previous == '1')
+            polygon._add_point(at.x - 1, at.y);
+        --at.y;
+        polygon._add_point(at.x - 1, at.y);
+        break;
+    case '1':
+        if (previous == '2')
+            polygon._add_point(at.x, at.y);
+        --at.x;
+        polygon._add_point(at.x, at.y);
+        break;
+    case '2':
+        if (previous == '3')
+            polygon._add_point(at.x, at.y - 1);
+        polygon._add_point(at.x, at.y);
+        ++at.y;
+        break;
+    default:
+        if (previous == '0')
+            polygon._add_point(at.x - 1, at.y - 1);
+        polygon._add_point(at.x, at.y - 1);
+        ++at.x;
+    }
+}
+
+bool is_step(char c) { return c >= '0' && c <= '3'; }
+
+}    // namespace
+
+roi_mask::roi_mask(roi r) : roi(std::move(r)), _top_left(_x, _y), _bottom_right(_x, _y) {}
+
+std::vector<pos2i> roi_mask::_make_polygon()
+{
+    vertex_collector polygon({_x, _y});
+    walk_position at{_x, _y};
+    char previous = '2';
+    for (const char step : _outline) {
+        if (!is_step(step))
+            continue;
+        add_step(polygon, at, previous, step);
+        previous = step;
+        if (polygon.too_large()) {
+            _too_large = true;
+            return {pos2i(_x, _y)};
+        }
+    }
+    _top_left = polygon.top_left();
+    _bottom_right = polygon.bottom_right();
+    _width = _bottom_right.x() - _top_left.x() + 1;
+    _height = _bottom_right.y() - _top_left.y() + 1;
+    return polygon.take_points();
+}
+
+void roi_mask::map()
+{
+    if (_image)
+        return;
+    _image = std::make_unique<unsigned char[]>(static_cast<std::size_t>(_width) * static_cast<std::size_t>(_height));
+    if (_too_large)
+        std::cerr << "Outline larger than " << max_side << " x " << max_side << " pixels: ROI at x " << _x << ", y "
+                  << _y << ", focal plane " << _z << ", time point " << _t << std::endl;
+    else
+        trace_outline();
+    count_size();
+}
+
+// Marks the outline with 2. Runs fill each row from its left boundary to the next mark; where the
+// outline is concave, runs from its right boundary clear what was filled too far.
+void roi_mask::trace_outline()
+{
+    int cx = _x - _top_left.x();
+    int cy = _y - _top_left.y();
+    char previous = '2';
+    for (const char step : _outline) {
+        switch (step) {
+        case '0':
+            --cy;
+            mark(cx - 1, cy);
+            erase({cx, cy});
+            break;
+        case '1':
+            --cx;
+            mark(cx, cy);
+            if (previous == '2')
+                draw({cx + 1, cy});
+            break;
+        case '2':
+            mark(cx, cy);
+            ++cy;
+            if (!is_marked(cx, cy) && !is_marked(cx + 1, cy))
+                draw({cx + 1, cy - 1});
+            break;
+        case '3':
+            mark(cx, cy - 1);
+            ++cx;
+            if (previous == '0')
+                draw({cx, cy - 1});
+            break;
+        default:
+            continue;
+        }
+        previous = step;
+    }
+}
+
+void roi_mask::count_size()
+{
+    long long sum_x = 0;
+    long long sum_y = 0;
+    _size = 0;
+    unsigned char* pixel = _image.get();
+    for (int y = 0; pixel && y < _height; ++y) {
+        int in_row = 0;
+        long long row_x = 0;
+        for (int x = 0; x < _width; ++x, ++pixel) {
+            const int in = *pixel != 0;
+            *pixel = static_cast<unsigned char>(in);
+            in_row += in;
+            row_x += in * x;
+        }
+        _size += in_row;
+        sum_x += row_x;
+        sum_y += static_cast<long long>(in_row) * y;
+    }
+    _cx = _top_left.x() + static_cast<double>(sum_x) / _size;
+    _cy = static_cast<double>(sum_y) / _size + _top_left.y();
+}
+
+void roi_mask::draw(pos2i p) { fill_run(p, 1); }
+
+void roi_mask::erase(pos2i p) { fill_run(p, 0); }
+
+void roi_mask::fill_run(pos2i p, unsigned char pixel)
+{
+    if (!_image || !inside(p.x(), p.y()))
+        return;
+    unsigned char* const row = _image.get() + static_cast<std::ptrdiff_t>(p.y()) * _width;
+    unsigned char* const run = row + p.x();
+    const auto to_edge = static_cast<std::size_t>(_width - p.x());
+    const void* const stop = std::memchr(run, outline_mark, to_edge);
+    std::memset(run, pixel, stop ? static_cast<std::size_t>(static_cast<const unsigned char*>(stop) - run) : to_edge);
+}
+
+int roi_mask::value(int x, int y) const noexcept
+{
+    if (!_image)
+        return -1;
+    return inside(x, y) ? _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x)] : 0;
+}
+
+bool roi_mask::inside(int x, int y) const noexcept { return x >= 0 && y >= 0 && x < _width && y < _height; }
+
+bool roi_mask::is_marked(int x, int y) const noexcept { return value(x, y) == outline_mark; }
+
+void roi_mask::mark(int x, int y) noexcept
+{
+    if (inside(x, y))
+        _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x)] = outline_mark;
+}
+
+namespace {
+
+// The image pixels that two boxes have in common; both corners belong to it.
+struct common_box {
+    int left, top, right, bottom;
+
+    [[nodiscard]] int width() const { return right - left + 1; }
+    [[nodiscard]] int height() const { return bottom - top + 1; }
+};
+
+std::optional<common_box> common(const roi_mask& a, const roi_mask& b)
+{
+    const common_box box{std::max(a.top_left().x(), b.top_left().x()), std::max(a.top_left().y(), b.top_left().y()),
+                         std::min(a.bottom_right().x(), b.bottom_right().x()),
+                         std::min(a.bottom_right().y(), b.bottom_right().y())};
+    if (box.right < box.left || box.bottom < box.top)
+        return std::nullopt;
+    return box;
+}
+
+// The rows of a mask within a box, counted from the top of the box. A raster without a mask covers
+// its whole box: it lends a row of ones.
+class mask_rows {
+public:
+    mask_rows(const roi_mask& mask, const common_box& box)
+    {
+        if (!mask.image()) {
+            _covered.assign(static_cast<std::size_t>(box.width()), 1);
+            _first = _covered.data();
+            return;
+        }
+        _stride = mask.width();
+        _first = mask.image() + (box.top - mask.top_left().y()) * _stride + (box.left - mask.top_left().x());
+    }
+
+    [[nodiscard]] const unsigned char* row(int i) const { return _first + i * _stride; }
+
+private:
+    const unsigned char* _first = nullptr;
+    std::ptrdiff_t _stride = 0;
+    std::vector<unsigned char> _covered;
+};
+
+int shared_in_row(const unsigned char* a, const unsigned char* b, int length)
+{
+    int shared = 0;
+    for (int i = 0; i < length; ++i)
+        shared += (a[i] != 0) & (b[i] != 0);
+    return shared;
+}
+
+}    // namespace
+
+int shared_pixels(const roi_mask& a, const roi_mask& b)
+{
+    const auto box = common(a, b);
+    if (!box)
+        return 0;
+    const mask_rows rows_a(a, *box);
+    const mask_rows rows_b(b, *box);
+    int shared = 0;
+    for (int i = 0; i < box->height(); ++i)
+        shared += shared_in_row(rows_a.row(i), rows_b.row(i), box->width());
+    return shared;
+}
+
+bool share_a_pixel(const roi_mask& a, const roi_mask& b)
+{
+    const auto box = common(a, b);
+    if (!box)
+        return false;
+    const mask_rows rows_a(a, *box);
+    const mask_rows rows_b(b, *box);
+    for (int i = 0; i < box->height(); ++i)
+        if (shared_in_row(rows_a.row(i), rows_b.row(i), box->width()) != 0)
+            return true;
+    return false;
+}

@@ -1,0 +1,71 @@
+// demo_embryo.h - a growing embryo: nuclei that move, divide and touch.
+//
+// Positions and lengths are in pixel widths, all three axes alike; one focal
+// plane is plane_step pixel widths deep. Everything follows from the options and
+// their seed.
+#pragma once
+#include "ORV_pos.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Focal planes are 0.5 um apart, pixels are 0.105 um wide.
+constexpr double plane_step = 100.0 / 21.0;
+
+struct demo_options {
+    std::string name = "demo";    // the recording's, one word that can name a folder
+    std::uint64_t seed = 1;
+    int time_points = 12;
+    int planes = 40;
+    int nuclei = 30;    // at the last time point
+    int width = 400;    // pixels
+    int height = 400;
+    double missing_rate = 0.02;    // share of the outlines that the detector misses
+    double false_rate = 0.02;      // outlines of nothing, as a share of the others
+    double joined_rate = 0.03;     // share of the nuclei that set out for a neighbour, per time point
+    int jpeg_quality = 85;
+};
+
+// One nucleus at one time point: an ellipsoid with one axis along z.
+struct demo_nucleus {
+    int label = 0;    // from 1
+    pos3d centre;
+    double rx = 0, ry = 0, rz = 0;          // semi-axes
+    double cos_angle = 1, sin_angle = 0;    // of the semi-axis rx against the image's x
+    double brightness = 1;
+
+    // The offset from the centre in units of the semi-axes: its length is 1 on the surface.
+    [[nodiscard]] pos3d in_own_axes(pos3d offset) const noexcept;
+};
+
+// One nucleus through time; time points inclusive.
+struct demo_track {
+    int label = 0;
+    int first = 0;
+    int last = 0;
+    int parent = 0;    // 0: none
+};
+
+// Two nuclei that touch so closely that the detector sees one; time points inclusive.
+struct demo_contact {
+    int label = 0;
+    int other = 0;
+    int first = 0;
+    int last = 0;
+};
+
+struct demo_embryo {
+    std::vector<std::vector<demo_nucleus>> nuclei;    // per time point, ascending by label
+    std::vector<demo_track> tracks;                   // ascending by label
+    std::vector<demo_contact> contacts;               // ascending by first
+};
+
+// The ellipsoid that the nuclei stay in, centred in the recording.
+struct demo_space {
+    pos3d centre;
+    pos3d semi_axes;
+};
+[[nodiscard]] demo_space space_of(const demo_options& options) noexcept;
+
+[[nodiscard]] demo_embryo grow_embryo(const demo_options& options);
