@@ -10,4 +10,6 @@ public:
 
     // The icon of this name, such as "fileopen"; a null pixmap when there is none.
     [[nodiscard]] static QPixmap data(const QString& name);
+
+    [[nodiscard]] static QPixmap application_icon();
 };

@@ -2,6 +2,7 @@
 
 #include "ORV_roidb.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -20,4 +21,11 @@ pos4i decode(std::string key)
     const int z = field(key, 3);
     const int x = field(key, 6);
     return {x, field(key, 9), z, t};
+}
+
+bool is_roi_key(const std::string& key) noexcept
+{
+    constexpr std::size_t shortest = 12;
+    return key.size() >= shortest &&
+           std::all_of(key.begin(), key.end(), [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
 }

@@ -15,3 +15,7 @@ std::string keygen(pos4i p);
 // Cuts the key into fields of three characters; a field is read up to its first character that is no
 // digit, and is 0 without any. Throws std::out_of_range when the key has less than nine characters.
 pos4i decode(std::string key);
+
+// True iff decode() can read the key: at least twelve characters, all of them digits or signs. "N/A",
+// which stands for no unit, is none.
+bool is_roi_key(const std::string& key) noexcept;

@@ -28,3 +28,19 @@ void LongRun::checkpoint()
     if (alive() && _window->m_runs == 1 && _window->m_q_roiimgdb)
         _window->m_q_roiimgdb->release_dropped();
 }
+
+BusyRun::BusyRun(ORVBrowser& window) : LongRun(window)
+{
+    if (window.m_busy_runs++ > 0)
+        return;
+    window.setTrackingButtonsEnabled(false);
+    window.setCursor(Qt::WaitCursor);
+}
+
+BusyRun::~BusyRun()
+{
+    if (!_window || --_window->m_busy_runs > 0)
+        return;
+    _window->show_mode_cursor();
+    _window->setTrackingButtonsEnabled(_window->isOpen());
+}

@@ -27,7 +27,17 @@ public:
     // REQUIRES: this run holds no raster
     void checkpoint();
 
-private:
+protected:
     QPointer<ORVBrowser> _window;
+
+private:
     unsigned long _recording;
+};
+
+// A run that a person waits for: the wait cursor is shown and the tracking buttons are disabled until
+// the outermost such run ends.
+class BusyRun : public LongRun {
+public:
+    explicit BusyRun(ORVBrowser& window);
+    ~BusyRun();
 };

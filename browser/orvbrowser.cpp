@@ -27,10 +27,11 @@ ORVBrowser::~ORVBrowser() { destroy(); }
 void ORVBrowser::init()
 {
     setTrackingButtonsEnabled(false);
-    for (QWidget* control : {static_cast<QWidget*>(pushButton_auto), static_cast<QWidget*>(pushButton_stop),
-                             static_cast<QWidget*>(pushButton_reset), static_cast<QWidget*>(lineEdit_focal_plane),
-                             static_cast<QWidget*>(lineEdit_time_point), static_cast<QWidget*>(slider_time_point),
-                             static_cast<QWidget*>(slider_focal_plane)})
+    for (QWidget* control :
+         {static_cast<QWidget*>(pushButton_auto), static_cast<QWidget*>(pushButton_stop),
+          static_cast<QWidget*>(pushButton_reset), static_cast<QWidget*>(lineEdit_focal_plane),
+          static_cast<QWidget*>(lineEdit_time_point), static_cast<QWidget*>(slider_time_point),
+          static_cast<QWidget*>(slider_focal_plane)})
         control->setEnabled(false);
     m_roidb = nullptr;
     m_imgdb = nullptr;
@@ -96,6 +97,12 @@ void ORVBrowser::finish()
 {
     show_changes();
     processEvents();
+}
+
+void ORVBrowser::end_waiting()
+{
+    if (m_busy_runs == 0)    // else a run around this operation is still waited for
+        show_mode_cursor();
 }
 
 void ORVBrowser::release_dropped_rasters()

@@ -9,6 +9,7 @@
 #include "ImageDB.h"
 #include "ORV_pos.h"
 #include "ORV_roi.h"
+#include "file_dialogs.h"
 #include "picture_frame.h"
 #include "q_roiimgdb.h"
 #include "roidb_plus.h"
@@ -25,11 +26,13 @@
 #include <QTabWidget>
 #include <QWidget>
 
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 
 class LongRun;
 class QPainter;
@@ -126,7 +129,8 @@ public:
     virtual bool isLink(string parent, string child);
 
     // ---- Splitting (orvbrowser_split.cpp)
-    virtual unsigned int cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus, bool& minus);
+    virtual unsigned int cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus,
+                                            bool& minus);
     virtual pos3d search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH);
 
     // ---- Start and end (orvbrowser.cpp)
@@ -213,7 +217,8 @@ public slots:
     virtual void pushButton_clean_clicked();    // orvbrowser_marks.cpp
     virtual void pushButton_read_roifile_clicked();
 
-    // ---- Units and links (orvbrowser_units.cpp, orvbrowser_lineage.cpp, orvbrowser_reports.cpp, orvbrowser_merge.cpp)
+    // ---- Units and links (orvbrowser_units.cpp, orvbrowser_lineage.cpp, orvbrowser_reports.cpp,
+    // orvbrowser_merge.cpp)
     virtual void makeLinkage(int t);
     virtual void release_child(string parent, string child);
     virtual void link(string unit1, string unit2);
@@ -228,7 +233,8 @@ public slots:
     virtual void pushButton_auto_split_toggled(bool on);    // orvbrowser_split.cpp
     virtual void pushButton_drop_false_positive_clicked();
 
-    // ---- Looking at a unit, splitting, reports (orvbrowser_units.cpp, orvbrowser_split.cpp, orvbrowser_reports.cpp)
+    // ---- Looking at a unit, splitting, reports (orvbrowser_units.cpp, orvbrowser_split.cpp,
+    // orvbrowser_reports.cpp)
     virtual void view(string key);
     virtual void pushButton_split_clicked();
     virtual void splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus);
@@ -244,7 +250,7 @@ public slots:
 
     // ==== State ====
 protected:
-    int newVariable = 0;    // a placeholder that nothing reads or writes
+    int newVariable = 0;                             // a placeholder that nothing reads or writes
     std::multimap<string, string> m_head_members;    // unit head to each of its members
     bool m_auto_split = false;
     set<string> m_add_lineage_head_set;
@@ -286,8 +292,8 @@ protected:
     string m_dataset;
     int m_time_point = 0;
     int m_focal_plane = 0;
-    string m_setting_roi_ext1, m_lnk_base, m_roi_base, m_setting_roi_ext_dir, m_dataset1, m_dataset2, m_dataset3,
-        m_roi_ext1;
+    string m_setting_roi_ext1, m_lnk_base, m_roi_base, m_setting_roi_ext_dir, m_dataset1, m_dataset2,
+        m_dataset3, m_roi_ext1;
     int m_cache_time = 0;    // time points
     int m_setting_cache_time = 0;
     bool m_auto = false;    // tracking goes on by itself
@@ -307,6 +313,7 @@ protected:
 
 private:
     friend class LongRun;
+    friend class BusyRun;
 
     // ---- Widgets (orvbrowser_widgets.cpp)
     void createWidgets();
@@ -318,6 +325,7 @@ private:
     void processEvents();
     void show_changes();               // marks the picture as out of date and paints it at once
     void finish();                     // the same, and lets pending events be processed
+    void end_waiting();                // shows the cursor of before a wait
     void release_dropped_rasters();    // unless a run may hold one
 
     // ---- Navigation
@@ -329,9 +337,15 @@ private:
     // ---- Files
     void open_recording(std::unique_ptr<roidb_plus> roidb);
     void save_rois(const string& filename);
+    void restore_rois(const string& filename);
+    void read_marks(const file_question& question, const char* suffix, const char* keyword,
+                    set<string>& marks);
+    void save_marks(QPushButton& button, const file_question& question, const char* suffix,
+                    const char* keyword, const set<string>& marks);
 
     // ---- Input
     void set_mode(bool& mode, bool on);
+    void show_mode_cursor();
     void toggle_lineage_mode();
     void click_in_lineage_modes(const string& key);
     void mark_roi(const string& key, Qt::MouseButton button);
@@ -339,14 +353,41 @@ private:
     void click_in_merge_mode(const string& key);
 
     // ---- Canvas
-    [[nodiscard]] int color_index(const roi& r, const string& key);
-    void paint_roi(QPainter& painter, const roi& r);
+    [[nodiscard]] int color_index(const string& key, const set<string>& reached);
+    void paint_roi(QPainter& painter, const roi& r, const set<string>& reached);
+
+    // ---- Tracking
+    [[nodiscard]] bool is_reached(const roi& from, const roi& r, double mor_t, double mor_z);
+    void add_to_unit(const string& key);
+    bool for_each_marked(int t, const set<string>& keys, const std::function<void(roi&)>& visit);
+    void track(int t, int t_to, set<string>& reached);
+    void repeat_tracking(const std::function<bool(const LongRun&)>& step);
+
+    // ---- Units and lineage
+    using link_cursor = std::multimap<string, string>::const_iterator;
+    struct unit_links {
+        set<string> parents;
+        set<string> children;
+    };
+
+    void forget_unit(const string& unit);
+    void register_unit(const string& unit, const set<string>& members);
+    [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
+    [[nodiscard]] set<string> parents_into(int t) const;
+    [[nodiscard]] set<string> units_reached_at(int t, const string& unit);
+    [[nodiscard]] unit_links links_of(const string& unit, int t);
+    void release_links(const string& unit, const unit_links& links);
+    void report(const char* finding, const string& unit);
+    [[nodiscard]] bool is_on_view(const string& unit);
+    void paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark);
+    void paint_links(QPainter& painter, const string& unit);
 
     std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
-    int m_drawn_time_point = -1;    // the position of the picture in m_pix
+    int m_drawn_time_point = -1;                       // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
     int m_runs = 0;                   // the runs going on, one inside the other
+    int m_busy_runs = 0;              // those of them that a person waits for
     int m_event_depth = 0;            // handlers waiting for the events that they let be processed
     bool m_closing = false;
 };

@@ -25,7 +25,8 @@ void ORVBrowser::myPaint()
 {
     if (!m_imgdb)
         return;
-    m_pix = m_imgdb->img(m_time_point, m_focal_plane, QFile::decodeName(image_filename().c_str()), m_cache_time);
+    m_pix =
+        m_imgdb->img(m_time_point, m_focal_plane, QFile::decodeName(image_filename().c_str()), m_cache_time);
     if (m_pix.isNull()) {    // the ROIs are shown all the same
         m_pix = QPixmap(frame_canvas->size());
         m_pix.fill(palette().color(QPalette::Window));
@@ -40,14 +41,19 @@ void ORVBrowser::drawROI(QPixmap& pix)
 {
     if (!isOpen())
         return;
+    const set<string> reached = m_lineage_mode_roi_set.empty()
+                                    ? set<string>()
+                                    : units_reached_at(m_time_point, *m_lineage_mode_roi_set.begin());
     QPainter painter(&pix);
     m_roidb->seek(m_time_point, m_focal_plane, 0);
     for (roi r; m_roidb->find_plus(m_time_point, m_focal_plane, r);)
-        paint_roi(painter, r);
+        paint_roi(painter, r, reached);
 }
 
-int ORVBrowser::color_index(const roi& r, const string& key)
+// `reached` holds the units of the time point on view that descend from the lineage head or led to it.
+int ORVBrowser::color_index(const string& key, const set<string>& reached)
 {
+    const std::string unit = head(key);
     int s = isSelected(key) ? SELECTED : DEFAULT;
     if (m_removed_roi_set.contains(key))
         s |= REMOVED;
@@ -58,21 +64,19 @@ int ORVBrowser::color_index(const roi& r, const string& key)
     if (isBwdTracked(key))
         s |= BACKWARD;
     if (!m_lineage_mode_roi_set.empty()) {
-        const std::string& chosen = *m_lineage_mode_roi_set.begin();
-        const std::string unit = head(r);
-        if (unit == chosen)
+        if (unit == *m_lineage_mode_roi_set.begin())
             s |= LINEAGE;
-        else if (reach(unit, chosen))
+        else if (reached.contains(unit))
             s |= FORWARD | BACKWARD;
     }
-    if (isElite(head(key)))
+    if (isElite(unit))
         s |= ELITE;
     return s;
 }
 
-void ORVBrowser::paint_roi(QPainter& painter, const roi& r)
+void ORVBrowser::paint_roi(QPainter& painter, const roi& r, const set<string>& reached)
 {
-    const int s = color_index(r, keygen(r));
+    const int s = color_index(keygen(r), reached);
     if (m_show_tracked_rois_mode && (s & (FORWARD | BACKWARD)) == 0)
         return;
     painter.setPen(QPen(color[s], 1, Qt::SolidLine));

@@ -32,8 +32,8 @@ constexpr std::pair<int, const char*> default_colors[] = {
 };
 
 constexpr std::pair<const char*, int> keywords[] = {
-    {"FORWARD", FORWARD},   {"BACKWARD", BACKWARD}, {"HIGHLIGHT", HIGHLIGHT}, {"SELECTED", SELECTED},
-    {"REMOVED", REMOVED},   {"ELITE", ELITE},       {"LINEAGE", LINEAGE},
+    {"FORWARD", FORWARD}, {"BACKWARD", BACKWARD}, {"HIGHLIGHT", HIGHLIGHT}, {"SELECTED", SELECTED},
+    {"REMOVED", REMOVED}, {"ELITE", ELITE},       {"LINEAGE", LINEAGE},
 };
 
 // Keywords count wherever they stand in the key; a key without any names the default colour.

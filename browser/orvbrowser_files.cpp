@@ -1,5 +1,6 @@
 // ROI files: opening a recording from one, saving it, and dropping the ROIs marked as removed.
 #include "file_dialogs.h"
+#include "keygen.h"
 #include "orvbrowser.h"
 
 #include <QFileInfo>
@@ -24,7 +25,7 @@ bool ORVBrowser::openRoiFile(const string& filename)
     const bool was_read = roidb->read_plus(filename);
     if (was_read)
         open_recording(std::move(roidb));
-    setCursor(Qt::ArrowCursor);
+    end_waiting();
     return was_read;
 }
 
@@ -58,7 +59,8 @@ void ORVBrowser::pushButton_save_roifile_clicked()
 {
     pushButton_save_roifile->setEnabled(false);
     const QString filename = ask_filename(
-        this, {QFileDialog::AcceptSave, roi_filter, "save file dialog", tr("Choose a filename to save under")},
+        this,
+        {QFileDialog::AcceptSave, roi_filter, "save file dialog", tr("Choose a filename to save under")},
         default_file(m_dataset, ".roi"));
     if (!filename.isEmpty() && may_write(this, filename))
         save_rois(native_name(filename));
@@ -73,7 +75,7 @@ void ORVBrowser::save_rois(const string& filename)
     }
     setCursor(Qt::WaitCursor);
     m_roidb->write(filename);    // says so itself when it fails
-    setCursor(Qt::ArrowCursor);
+    end_waiting();
 }
 
 void ORVBrowser::pushButton_drop_false_positive_clicked()
@@ -82,7 +84,8 @@ void ORVBrowser::pushButton_drop_false_positive_clicked()
         return;
     setCursor(Qt::WaitCursor);
     for (const std::string& key : m_removed_roi_set)
-        m_roidb->remove(key);
+        if (is_roi_key(key))    // a file may have brought anything
+            m_roidb->remove(key);
     finish();
-    setCursor(Qt::ArrowCursor);
+    end_waiting();
 }

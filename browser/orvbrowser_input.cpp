@@ -51,6 +51,14 @@ void ORVBrowser::set_mode(bool& mode, bool on)
     setCursor(on ? QCursor(Qt::PointingHandCursor) : before);
 }
 
+// After a wait cursor: a mode that is armed shows its hand again.
+void ORVBrowser::show_mode_cursor()
+{
+    const bool is_armed = m_manual_elite || m_lineage_mode || m_add_lineage_mode || m_remove_lineage_mode ||
+                          m_merge_mode || m_split_mode;
+    setCursor(is_armed ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
 void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, on); }
 
 void ORVBrowser::setLineageMode(bool on) { set_mode(m_lineage_mode, on); }

@@ -227,8 +227,7 @@ void ORVBrowser::reset_recording_state()
     // A button or a cursor that still showed a flag would now tell a lie.
     const QSignalBlocker quiet(pushButton_auto);
     pushButton_auto->setChecked(false);
-    if (m_runs == 0)
-        setCursor(Qt::ArrowCursor);
+    end_waiting();
 }
 
 void ORVBrowser::close_common()

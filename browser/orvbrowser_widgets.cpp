@@ -21,7 +21,10 @@ const button_row file_buttons[] = {
     {&ORVBrowser::pushButton_read_info, "pushButton_read_info", {100, 20, 90, 40}, no_focus},
     {&ORVBrowser::pushButton_save_info, "pushButton_save_info", {100, 60, 90, 40}, no_focus},
     {&ORVBrowser::pushButton_save_roifile, "pushButton_save_roifile", {10, 60, 90, 40}, keyboard},
-    {&ORVBrowser::pushButton_drop_false_positive, "pushButton_drop_false_positive", {280, 20, 60, 80}, keyboard},
+    {&ORVBrowser::pushButton_drop_false_positive,
+     "pushButton_drop_false_positive",
+     {280, 20, 60, 80},
+     keyboard},
     {&ORVBrowser::pushButton_clean, "pushButton_clean", {350, 20, 60, 80}, no_focus},
     {&ORVBrowser::pushButton_restore, "pushButton_restore", {420, 20, 100, 80}, no_focus},
     {&ORVBrowser::pushButton_exit, "pushButton_exit", {530, 75, 55, 25}, keyboard},
@@ -154,7 +157,8 @@ void ORVBrowser::connectWidgets()
 {
     connect(lineEdit_dataset, &QLineEdit::textChanged, this, &ORVBrowser::lineEdit_dataset_textChanged);
     connect(lineEdit_time_point, &QLineEdit::textChanged, this, &ORVBrowser::lineEdit_time_point_textChanged);
-    connect(lineEdit_focal_plane, &QLineEdit::textChanged, this, &ORVBrowser::lineEdit_focal_plane_textChanged);
+    connect(lineEdit_focal_plane, &QLineEdit::textChanged, this,
+            &ORVBrowser::lineEdit_focal_plane_textChanged);
     connect(slider_time_point, &QSlider::valueChanged, this, &ORVBrowser::slider_time_point_valueChanged);
     connect(slider_focal_plane, &QSlider::valueChanged, this, &ORVBrowser::slider_focal_plane_valueChanged);
     connect(pushButton_forward_tracking, &QPushButton::clicked, this,

@@ -20,7 +20,8 @@ public:
     void entry_plus(roi r);
 
     // Adds the records of an ROI file, up to the first that does not parse, and takes over its name.
-    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard error.
+    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard
+    // error.
     bool read_plus(const std::string& filename);
 
     // Replaces the ROIs of time points t_from to t_end, both included, by those of the file. When it

@@ -1,13 +1,13 @@
 // orvbrowser - opens the one window, and in it the recording of an ROI file when one is named.
+#include "MimeSourceFactory_ORVBrowser.h"
 #include "orvbrowser.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
+#include <QIcon>
 
-#include <algorithm>
 #include <iostream>
-#include <string_view>
 
 namespace {
 
@@ -24,7 +24,20 @@ request refuse(const QString& line)
     return {.roi_file = {}, .status = 2};
 }
 
-// Ends the program itself for --help and --version.
+// The toolkit's own options, which it reads when the application is made.
+void add_toolkit_options(QCommandLineParser& parser)
+{
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    for (const char* name :
+         {"platform", "platformpluginpath", "platformtheme", "plugin", "style", "stylesheet", "display",
+          "geometry", "qwindowgeometry", "qwindowicon", "qwindowtitle", "session"}) {
+        QCommandLineOption option(name, {}, "VALUE");
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        parser.addOption(option);
+    }
+}
+
+// Ends the program itself for --help and --version. Needs no display.
 request parse_arguments(const QStringList& words)
 {
     QCommandLineParser parser;
@@ -35,6 +48,7 @@ request parse_arguments(const QStringList& words)
         "image-root", "The folder that holds one folder of images per recording (default: /image/).", "DIR");
     parser.addOption(image_root);
     parser.addPositionalArgument("file", "An ROI file to open.", "[file.roi]");
+    add_toolkit_options(parser);
     if (!parser.parse(words))
         return refuse(parser.errorText());
     if (parser.isSet("version"))
@@ -48,34 +62,25 @@ request parse_arguments(const QStringList& words)
     return {.roi_file = QFile::encodeName(parser.positionalArguments().value(0)).toStdString(), .status = 0};
 }
 
-// Help and version are to be had without a display.
-bool asks_for_text(int argc, char* argv[])
+request read_command_line(int argc, char* argv[])
 {
-    return std::any_of(argv + 1, argv + argc, [](std::string_view word) {
-        return word == "--help" || word == "-h" || word == "--version" || word == "-v";
-    });
-}
-
-void name_the_program()
-{
-    QCoreApplication::setApplicationName("orvbrowser");
-    QCoreApplication::setApplicationVersion(ORV_VERSION);
+    const QCoreApplication application(argc, argv);
+    return parse_arguments(QCoreApplication::arguments());
 }
 
 }    // namespace
 
 int main(int argc, char* argv[])
 {
-    name_the_program();
-    if (asks_for_text(argc, argv)) {
-        const QCoreApplication application(argc, argv);
-        return parse_arguments(QCoreApplication::arguments()).status;
-    }
-    QApplication application(argc, argv);
-    const request wanted = parse_arguments(QApplication::arguments());
+    QCoreApplication::setApplicationName("orvbrowser");
+    QCoreApplication::setApplicationVersion(ORV_VERSION);
+    const request wanted = read_command_line(argc, argv);
     if (wanted.status != 0)
         return wanted.status;
 
+    QApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName("orvbrowser");
+    QApplication::setWindowIcon(QIcon(MimeSourceFactory_ORVBrowser::application_icon()));
     ORVBrowser window;
     window.setApplication(&application);
     if (!wanted.roi_file.empty() && !window.openRoiFile(wanted.roi_file))

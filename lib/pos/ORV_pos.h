@@ -77,14 +77,8 @@ public:
     {
         return {_x - o._x, _y - o._y, _z - o._z, _t - o._t};
     }
-    [[nodiscard]] constexpr pos4i operator*(int k) const noexcept
-    {
-        return {_x * k, _y * k, _z * k, _t * k};
-    }
-    [[nodiscard]] constexpr pos4i operator/(int k) const noexcept
-    {
-        return {_x / k, _y / k, _z / k, _t / k};
-    }
+    [[nodiscard]] constexpr pos4i operator*(int k) const noexcept { return {_x * k, _y * k, _z * k, _t * k}; }
+    [[nodiscard]] constexpr pos4i operator/(int k) const noexcept { return {_x / k, _y / k, _z / k, _t / k}; }
 
 protected:
     int _t = 0;

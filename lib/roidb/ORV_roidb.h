@@ -32,7 +32,8 @@ public:
     [[nodiscard]] static std::string keygen(pos4i position);
 
     // Adds the records of an ROI file, up to the first that does not parse, and takes over its name.
-    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard error.
+    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard
+    // error.
     bool read(const std::string& filename);
 
     // Replaces the file by the whole database, at once: the old file stays whole until the new one is

@@ -64,8 +64,7 @@ void sync_folder(const std::string& folder)
 
 }    // namespace
 
-file_reader::file_reader(const std::string& filename)
-    : _fd(::open(filename.c_str(), O_RDONLY | O_CLOEXEC))
+file_reader::file_reader(const std::string& filename) : _fd(::open(filename.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (_fd < 0)
         return;

@@ -20,7 +20,9 @@ struct walk_position {
 // Collects the vertices of an outline, no two equal ones in a row, and the box around them.
 class vertex_collector {
 public:
-    explicit vertex_collector(pos2i start) : _left(start.x()), _top(start.y()), _right(_left), _bottom(_top) {}
+    explicit vertex_collector(pos2i start) : _left(start.x()), _top(start.y()), _right(_left), _bottom(_top)
+    {
+    }
 
     void _add_point(long long x, long long y)
     {
@@ -39,7 +41,8 @@ public:
     {
         using limits = std::numeric_limits<int>;
         return _right - _left >= roi_mask::max_side || _bottom - _top >= roi_mask::max_side ||
-               _left < limits::min() || _top < limits::min() || _right > limits::max() || _bottom > limits::max();
+               _left < limits::min() || _top < limits::min() || _right > limits::max() ||
+               _bottom > limits::max();
     }
 
     [[nodiscard]] pos2i top_left() const { return {static_cast<int>(_left), static_cast<int>(_top)}; }
@@ -114,10 +117,11 @@ void roi_mask::map()
 {
     if (_image)
         return;
-    _image = std::make_unique<unsigned char[]>(static_cast<std::size_t>(_width) * static_cast<std::size_t>(_height));
+    _image = std::make_unique<unsigned char[]>(static_cast<std::size_t>(_width) *
+                                               static_cast<std::size_t>(_height));
     if (_too_large)
-        std::cerr << "Outline larger than " << max_side << " x " << max_side << " pixels: ROI at x " << _x << ", y "
-                  << _y << ", focal plane " << _z << ", time point " << _t << std::endl;
+        std::cerr << "Outline larger than " << max_side << " x " << max_side << " pixels: ROI at x " << _x
+                  << ", y " << _y << ", focal plane " << _z << ", time point " << _t << std::endl;
     else
         trace_outline();
     count_size();
@@ -197,14 +201,17 @@ void roi_mask::fill_run(pos2i p, unsigned char pixel)
     unsigned char* const run = row + p.x();
     const auto to_edge = static_cast<std::size_t>(_width - p.x());
     const void* const stop = std::memchr(run, outline_mark, to_edge);
-    std::memset(run, pixel, stop ? static_cast<std::size_t>(static_cast<const unsigned char*>(stop) - run) : to_edge);
+    std::memset(run, pixel,
+                stop ? static_cast<std::size_t>(static_cast<const unsigned char*>(stop) - run) : to_edge);
 }
 
 int roi_mask::value(int x, int y) const noexcept
 {
     if (!_image)
         return -1;
-    return inside(x, y) ? _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x)] : 0;
+    return inside(x, y) ? _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) +
+                                 static_cast<std::size_t>(x)]
+                        : 0;
 }
 
 bool roi_mask::inside(int x, int y) const noexcept { return x >= 0 && y >= 0 && x < _width && y < _height; }
@@ -214,7 +221,8 @@ bool roi_mask::is_marked(int x, int y) const noexcept { return value(x, y) == ou
 void roi_mask::mark(int x, int y) noexcept
 {
     if (inside(x, y))
-        _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x)] = outline_mark;
+        _image[static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x)] =
+            outline_mark;
 }
 
 namespace {
@@ -229,7 +237,8 @@ struct common_box {
 
 std::optional<common_box> common(const roi_mask& a, const roi_mask& b)
 {
-    const common_box box{std::max(a.top_left().x(), b.top_left().x()), std::max(a.top_left().y(), b.top_left().y()),
+    const common_box box{std::max(a.top_left().x(), b.top_left().x()),
+                         std::max(a.top_left().y(), b.top_left().y()),
                          std::min(a.bottom_right().x(), b.bottom_right().x()),
                          std::min(a.bottom_right().y(), b.bottom_right().y())};
     if (box.right < box.left || box.bottom < box.top)

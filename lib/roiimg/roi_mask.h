@@ -38,7 +38,7 @@ public:
     [[nodiscard]] pos2i bottom_right() const noexcept { return _bottom_right; }    // belongs to the box
     [[nodiscard]] int width() const noexcept { return _width; }
     [[nodiscard]] int height() const noexcept { return _height; }
-    [[nodiscard]] int size() const noexcept { return _size; }    // pixels inside
+    [[nodiscard]] int size() const noexcept { return _size; }                             // pixels inside
     [[nodiscard]] const unsigned char* image() const noexcept { return _image.get(); }    // null until map()
 
 protected:

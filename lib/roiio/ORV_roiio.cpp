@@ -11,7 +11,10 @@ constexpr std::size_t field_width = 3;
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-bool are_digits(std::string_view text) { return !text.empty() && std::all_of(text.begin(), text.end(), is_digit); }
+bool are_digits(std::string_view text)
+{
+    return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
+}
 
 bool is_blank(const std::string& line) { return line.find_first_not_of(" \t\v\f\r") == std::string::npos; }
 

@@ -1,0 +1,233 @@
+// Lineage links between the units of successive time points, kept in m_linkage_multimap as child to
+// parent; what follows from them; and the overlay that shows them.
+#include "keygen.h"
+#include "orvbrowser.h"
+
+#include <QPainter>
+
+#include <cmath>
+#include <iostream>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// The two length constants of a voxel, in micrometres.
+constexpr float focal_plane_step_um = 0.5f;
+constexpr double pixel_size_um = 0.105;
+
+std::string time_key(int t) { return keygen(pos4i(0, 0, 0, t)); }
+
+bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
+
+QPoint truncated(pos3d p) { return {static_cast<int>(p.x()), static_cast<int>(p.y())}; }
+
+}    // namespace
+
+std::set<std::string> ORVBrowser::parents(string key)
+{
+    set<string> found;
+    const auto [first, last] = m_linkage_multimap.equal_range(key);
+    for (auto entry = first; entry != last; ++entry)
+        found.insert(entry->second);
+    return found;
+}
+
+// The links whose child lies at time point t.
+std::pair<ORVBrowser::link_cursor, ORVBrowser::link_cursor> ORVBrowser::links_into(int t) const
+{
+    return {m_linkage_multimap.lower_bound(time_key(t)), m_linkage_multimap.lower_bound(time_key(t + 1))};
+}
+
+std::set<std::string> ORVBrowser::children(string key)
+{
+    set<string> found;
+    if (!is_roi_key(key))
+        return found;
+    const auto [first, last] = links_into(decode(key).t() + 1);
+    for (auto entry = first; entry != last; ++entry)
+        if (entry->second == key)
+            found.insert(entry->first);
+    return found;
+}
+
+void ORVBrowser::link(string unit1, string unit2)
+{
+    const bool are_keys = is_roi_key(unit1) && is_roi_key(unit2);
+    const int step = are_keys ? decode(unit2).t() - decode(unit1).t() : 0;
+    if (step != 1 && step != -1) {
+        std::cout << "Cannot link " << unit1 << " and " << unit2 << std::endl;
+        return;
+    }
+    const std::string& parent = step == 1 ? unit1 : unit2;
+    const std::string& child = step == 1 ? unit2 : unit1;
+    if (!parents(child).contains(parent))
+        m_linkage_multimap.emplace(child, parent);
+}
+
+void ORVBrowser::release_child(string parent, string child)
+{
+    const auto [first, last] = m_linkage_multimap.equal_range(child);
+    for (auto entry = first; entry != last; ++entry) {
+        if (entry->second == parent) {
+            m_linkage_multimap.erase(entry);
+            return;
+        }
+    }
+}
+
+// Each ancestor is visited once, however many ways lead to it.
+std::set<std::string> ORVBrowser::upstream_units(string key, int end_t)
+{
+    set<string> ancestors;
+    std::vector<string> to_visit{key};
+    while (!to_visit.empty()) {
+        const std::string unit = to_visit.back();
+        to_visit.pop_back();
+        if (!is_roi_key(unit) || decode(unit).t() <= end_t)
+            continue;
+        for (const std::string& parent : parents(unit))
+            if (ancestors.insert(parent).second)
+                to_visit.push_back(parent);
+    }
+    return ancestors;
+}
+
+std::set<std::string> ORVBrowser::subset_of_unit_from(string key)
+{
+    return upstream_units(key, m_min_time_point);
+}
+
+std::set<std::string> ORVBrowser::subset_of_elite_unit_from(string key)
+{
+    set<string> elite = subset_of_unit_from(key);
+    elite.insert(key);
+    std::erase_if(elite, [this](const string& unit) { return !isElite(unit); });
+    return elite;
+}
+
+bool ORVBrowser::reach(string a, string b)
+{
+    if (!is_roi_key(a) || !is_roi_key(b))
+        return false;
+    const int t_a = decode(a).t();
+    const int t_b = decode(b).t();
+    if (t_a == t_b)
+        return false;
+    return t_a > t_b ? upstream_units(a, t_b).contains(b) : upstream_units(b, t_a).contains(a);
+}
+
+// The units of time point t that reach() the given unit, found in one go for a whole picture.
+std::set<std::string> ORVBrowser::units_reached_at(int t, const string& unit)
+{
+    if (!is_roi_key(unit))
+        return {};
+    const int t_unit = decode(unit).t();
+    if (t < t_unit)
+        return upstream_units(unit, t);
+    set<string> level{unit};
+    for (int next = t_unit + 1; next <= t && !level.empty(); ++next) {
+        set<string> descendants;
+        const auto [first, last] = links_into(next);
+        for (auto entry = first; entry != last; ++entry)
+            if (level.contains(entry->second))
+                descendants.insert(entry->first);
+        level = std::move(descendants);
+    }
+    if (t == t_unit)
+        level.clear();
+    return level;
+}
+
+pos3d ORVBrowser::g(string key)
+{
+    pos3d sum;
+    double volume = 0;
+    for (const std::string& m : member(key)) {
+        const roi r = m_roidb->find_plus(m);
+        const q_roiimg& raster = *m_q_roiimgdb->qrimg(r);
+        if (raster.size() == 0)    // has no centroid
+            continue;
+        sum = sum + pos3d(raster.centroid().x(), raster.centroid().y(), r.z()) * raster.size();
+        volume += raster.size();
+    }
+    return sum / volume;
+}
+
+pos3d ORVBrowser::E_g(string key)
+{
+    const pos3d centroid = g(key);
+    return {centroid.x(), centroid.y(), focal_plane_step_um * centroid.z() / pixel_size_um};
+}
+
+bool ORVBrowser::isLink(string parent, string child)
+{
+    if (!isOpen())
+        return false;
+    const set<string> p_member = member(parent);
+    for (const std::string& c : member(child)) {
+        const roi c_roi = m_roidb->find_plus(c);
+        q_roiimg* const c_qrimg = m_q_roiimgdb->qrimg(c_roi);
+        for (const std::string& p : p_member) {
+            const roi p_roi = m_roidb->find_plus(p);
+            if (p_roi.z() == c_roi.z() && is_overlap(m_q_roiimgdb->qrimg(p_roi), c_qrimg))
+                return true;
+        }
+    }
+    return false;
+}
+
+void ORVBrowser::makeLinkage(int t)
+{
+    const set<string> cur_units = units(t);
+    const set<string> parental_units = units(t - 1);
+    for (const std::string& cu : cur_units)
+        for (const std::string& pu : parental_units)
+            if (isLink(pu, cu))
+                m_linkage_multimap.emplace(cu, pu);
+}
+
+// ---- The overlay
+
+bool ORVBrowser::is_on_view(const string& unit)
+{
+    return z_min(unit) <= m_focal_plane && m_focal_plane <= z_max(unit);
+}
+
+// A circle of diameter 5 around the centroid; nothing for a unit without a pixel.
+void ORVBrowser::paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark)
+{
+    constexpr int radius = 2;
+    constexpr int full_turn = 360 * 16;
+    const pos3d centroid = g(unit);
+    if (!is_finite(centroid))
+        return;
+    painter.setPen(QPen(QColor(is_on_view(unit) ? bright : dark), 1, Qt::SolidLine));
+    const QPoint corner = truncated(centroid - pos3d(radius, radius, 0));
+    painter.drawChord(corner.x(), corner.y(), 2 * radius + 1, 2 * radius + 1, 0, full_turn);
+}
+
+void ORVBrowser::paint_links(QPainter& painter, const string& unit)
+{
+    const pos3d centroid = g(unit);
+    painter.setPen(QPen(QColor(is_on_view(unit) ? "#ffffff" : "#999999"), 1, Qt::SolidLine));
+    for (const std::string& parent : parents(unit)) {
+        const pos3d centroid_p = g(parent);
+        if (is_finite(centroid) && is_finite(centroid_p))
+            painter.drawLine(truncated(centroid), truncated(centroid_p));
+    }
+}
+
+void ORVBrowser::drawLineage(QPixmap& dic)
+{
+    if (m_linkage_multimap.empty() || !isOpen())
+        return;
+    QPainter painter(&dic);
+    if (m_min_time_point < m_time_point)
+        for (const std::string& unit : units(m_time_point - 1))
+            paint_centroid(painter, unit, "#4444ff", "#222299");
+    for (const std::string& unit : units(m_time_point)) {
+        paint_centroid(painter, unit, "#ff0000", "#990000");
+        paint_links(painter, unit);
+    }
+}

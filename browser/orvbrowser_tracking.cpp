@@ -1,0 +1,187 @@
+// Tracking the chosen ROIs forward, backward and across the focal planes.
+//
+// Writes m_fwd_roi_set, m_bwd_roi_set and, in z, m_selected_roi_set; with m_make_units also the units.
+#include "keygen.h"
+#include "long_run.h"
+#include "orvbrowser.h"
+#include "plane_walk.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+// One ROI from which the flood looks at one plane.
+struct flood_level {
+    roi from;
+    int z;
+    PlaneWalk walk;
+};
+
+// The shared pixels over the larger of the two areas.
+double shared_ratio(q_roiimg* a, q_roiimg* b)
+{
+    const double shared = q_shared_pixels(a, b);
+    return std::min(shared / a->size(), shared / b->size());
+}
+
+}    // namespace
+
+bool ORVBrowser::is_reached(const roi& from, const roi& r, double mor_t, double mor_z)
+{
+    q_roiimg* const raster_from = m_q_roiimgdb->qrimg(from);
+    q_roiimg* const raster = m_q_roiimgdb->qrimg(r);
+    if (mor_t == 0.0 && mor_z == 0.0)
+        return is_overlap(raster_from, raster);
+    return shared_ratio(raster_from, raster) > (from.t() != r.t() ? mor_t : mor_z);
+}
+
+void ORVBrowser::add_to_unit(const string& key)
+{
+    const std::string unit = keygen(m_unit_roi_head);
+    m_head_members.emplace(unit, key);
+    m_members_head.emplace(key, unit);
+}
+
+// A depth-first flood over the planes of time point t. Its depth is that of the data, so the levels
+// lie on a stack of their own.
+void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
+                                         double mor_z)
+{
+    if (!isOpen())
+        return;
+    LongRun run(*this);
+    std::vector<flood_level> levels;
+    levels.push_back({r_from, z, PlaneWalk(*m_roidb, t, z)});
+    while (!levels.empty()) {
+        roi r;
+        if (!levels.back().walk.next(r)) {
+            levels.pop_back();
+            continue;
+        }
+        if (!run.process_events())
+            return;
+        const flood_level& level = levels.back();
+        if (level.walk.is_stale()) {
+            if (!m_roidb->db.contains(keygen(level.from)))    // nothing to search from any more
+                levels.pop_back();
+            continue;
+        }
+        const std::string key = keygen(r);
+        if (m_removed_roi_set.contains(key) || !is_reached(level.from, r, mor_t, mor_z) ||
+            !roiset->insert(key).second)
+            continue;
+        dirty = true;
+        if (m_make_units)
+            add_to_unit(key);
+        const int plane = level.z;
+        for (const int next : {plane + 1, plane - 1})    // the lower plane lies on top and is searched first
+            levels.push_back({r, next, PlaneWalk(*m_roidb, t, next)});
+    }
+}
+
+// Runs visit() for the ROIs of time point t that have a key in `keys` and are not removed, until the
+// run ends. True iff it has not.
+bool ORVBrowser::for_each_marked(int t, const set<string>& keys, const std::function<void(roi&)>& visit)
+{
+    LongRun run(*this);
+    for (int z = m_min_focal_plane; z <= m_max_focal_plane; ++z) {
+        PlaneWalk walk(*m_roidb, t, z);
+        for (roi r; walk.next(r);) {
+            const std::string key = keygen(r);
+            if (!keys.contains(key) || m_removed_roi_set.contains(key))
+                continue;
+            visit(r);
+            if (!run.alive())
+                return false;
+        }
+    }
+    return true;
+}
+
+// Spreads the selection of time point t over its planes, then steps to time point t_to.
+void ORVBrowser::track(int t, int t_to, set<string>& reached)
+{
+    if (!isOpen())
+        return;
+    const bool alive = for_each_marked(
+        t, m_selected_roi_set, [&](roi& r) { checkAdjacentFocalPlane(r, t, r.z(), &reached, 0.0, 0.0); });
+    if (alive)
+        for_each_marked(t, reached,
+                        [&](roi& r) { checkAdjacentFocalPlane(r, t_to, r.z(), &reached, 0.0, 0.0); });
+}
+
+void ORVBrowser::forwardTracking(int t) { track(t, t + 1, m_fwd_roi_set); }
+
+void ORVBrowser::backwardTracking(int start_time_point)
+{
+    track(start_time_point, start_time_point - 1, m_bwd_roi_set);
+}
+
+void ORVBrowser::zTracking(int t)
+{
+    if (!isOpen())
+        return;
+    LongRun run(*this);
+    for_each_marked(t, m_selected_roi_set, [&](roi& r) {
+        checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
+        if (run.alive())
+            checkAdjacentFocalPlane(r, t, r.z() + 1, &m_selected_roi_set, 0.0, 0.5);
+    });
+}
+
+void ORVBrowser::pushButton_forward_tracking_clicked()
+{
+    repeat_tracking([this](const LongRun& run) {
+        timeNext();
+        forwardTracking(m_time_point - 1);
+        return run.alive() && m_time_point == m_max_time_point;
+    });
+}
+
+void ORVBrowser::pushButton_backward_tracking_clicked()
+{
+    repeat_tracking([this](const LongRun& run) {
+        timePrev();
+        backwardTracking(m_time_point + 1);
+        return run.alive() && m_time_point == m_min_time_point;
+    });
+}
+
+// Runs step() once, and again while "Auto" is on. step() answers whether the recording's end is reached.
+void ORVBrowser::repeat_tracking(const std::function<bool(const LongRun&)>& step)
+{
+    if (!isOpen())
+        return;
+    BusyRun run(*this);
+    do {
+        const bool at_end = step(run);
+        if (!run.alive())
+            return;
+        if (at_end)
+            pushButton_auto->setChecked(false);
+        show_changes();
+        if (!run.process_events())
+            return;
+        run.checkpoint();
+    } while (m_auto);
+}
+
+void ORVBrowser::do_zTracking()
+{
+    if (!isOpen())
+        return;
+    BusyRun run(*this);
+    zTracking(m_time_point);
+    if (!run.alive())
+        return;
+    show_changes();
+    if (run.process_events())
+        run.checkpoint();
+}
+
+void ORVBrowser::pushButton_z_clicked() { do_zTracking(); }
+
+void ORVBrowser::pushButton_stop_clicked() { pushButton_auto->setChecked(false); }
+
+void ORVBrowser::pushButton_auto_toggled(bool b) { m_auto = b; }

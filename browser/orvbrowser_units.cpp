@@ -1,0 +1,84 @@
+// Units: the ROIs of one nucleus at one time point, kept in m_head_members and m_members_head.
+#include "keygen.h"
+#include "orvbrowser.h"
+
+#include <iterator>
+
+std::string ORVBrowser::head(roi r) { return head(keygen(r)); }
+
+std::string ORVBrowser::head(string key)
+{
+    const auto found = m_members_head.find(key);
+    return found == m_members_head.end() ? "N/A" : found->second;
+}
+
+std::set<std::string> ORVBrowser::member(string key)
+{
+    set<string> members;
+    const auto [first, last] = m_head_members.equal_range(key);
+    for (auto entry = first; entry != last; ++entry)
+        members.insert(entry->second);
+    return members;
+}
+
+// A head at x = 0, y = 0 on plane 0 is not listed: its key is the time key itself.
+std::set<std::string> ORVBrowser::units(int t)
+{
+    set<string> heads;
+    const auto last = m_head_members.lower_bound(keygen(pos4i(0, 0, 0, t + 1)));
+    for (auto entry = m_head_members.upper_bound(keygen(pos4i(0, 0, 0, t))); entry != last; ++entry)
+        heads.insert(heads.end(), entry->first);
+    return heads;
+}
+
+int ORVBrowser::z_min(string unit)
+{
+    const set<string> members = member(unit);
+    return members.empty() ? 0 : decode(*members.begin()).z();
+}
+
+int ORVBrowser::z_max(string unit)
+{
+    const set<string> members = member(unit);
+    return members.empty() ? 0 : decode(*members.rbegin()).z();
+}
+
+void ORVBrowser::forget_unit(const string& unit)
+{
+    for (const std::string& key : member(unit))
+        m_members_head.erase(key);
+    m_head_members.erase(unit);
+}
+
+void ORVBrowser::register_unit(const string& unit, const set<string>& members)
+{
+    for (const std::string& key : members) {
+        m_members_head.emplace(key, unit);
+        m_head_members.emplace(unit, key);
+    }
+}
+
+unsigned int ORVBrowser::ID(string a)
+{
+    constexpr unsigned int per_time_point = 1000;
+    // Outlives recordings: a key keeps its number for the rest of the program's run.
+    static std::multimap<unsigned int, string> keys;
+    const auto t = static_cast<unsigned int>(decode(a).t());
+    const auto [first, last] = keys.equal_range(t);
+    unsigned int count = 0;
+    for (auto entry = first; entry != last; ++entry, ++count)
+        if (entry->second == a)
+            return t * per_time_point + count;
+    keys.emplace(t, a);
+    return t * per_time_point + count;
+}
+
+void ORVBrowser::view(string key)
+{
+    if (!is_roi_key(key))
+        return;
+    const pos4i position = decode(key);
+    setCurrentTimePoint(position.t());
+    setCurrentFocalPlane(position.z());
+    finish();
+}
