@@ -30,12 +30,14 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 
 class LongRun;
 class QPainter;
+class unit_pixels;
 
 class ORVBrowser : public QWidget {
     Q_OBJECT
@@ -128,7 +130,7 @@ public:
     virtual pos3d E_g(string key);    // the same, all in pixels
     virtual bool isLink(string parent, string child);
 
-    // ---- Splitting (orvbrowser_split.cpp)
+    // ---- Splitting (orvbrowser_cut.cpp)
     virtual unsigned int cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus,
                                             bool& minus);
     virtual pos3d search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH);
@@ -381,6 +383,30 @@ private:
     [[nodiscard]] bool is_on_view(const string& unit);
     void paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark);
     void paint_links(QPainter& painter, const string& unit);
+    void release_all(const string& parent, const string& child);
+
+    // ---- Splitting: what to do (orvbrowser_split.cpp)
+    [[nodiscard]] bool split_pass(LongRun& run, set<string>& unchanged);
+    [[nodiscard]] bool wait_while_auto_split(const LongRun& run);
+    [[nodiscard]] string next_suspect(set<string>& unchanged);
+    void handle_suspect(const string& doubt);
+    [[nodiscard]] bool are_same_nucleus(const string& p1, const string& p2);
+    [[nodiscard]] bool repair_links(const string& doubt, const string& p1, const string& p2,
+                                    const set<string>& sisters1, const set<string>& sisters2);
+    void pair_by_distance(const string& p1, const string& p2, const string& first, const string& second);
+
+    // ---- Splitting: the cut (orvbrowser_cut.cpp)
+    void cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width);
+    [[nodiscard]] unit_pixels pixels_of(const string& unit);
+    [[nodiscard]] std::optional<pos3d> best_position(LongRun& run, const string& doubt, pos3d nom, pos3d E_pos,
+                                                     int search_width);
+    [[nodiscard]] bool are_new(const set<string>& old_members, const list<roi>& roi_plus,
+                               const list<roi>& roi_minus) const;
+    void replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus);
+    void inherit_marks(const set<string>& old_members, const set<string>& new_keys);
+    void link_to_halves(const set<string>& units, const string& head_plus, const string& head_minus,
+                        const std::function<string(const string&)>& side);
+    [[nodiscard]] string nearest(const set<string>& units, const string& to);
 
     std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
     int m_drawn_time_point = -1;                       // the position of the picture in m_pix

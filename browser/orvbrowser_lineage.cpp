@@ -76,6 +76,13 @@ void ORVBrowser::release_child(string parent, string child)
     }
 }
 
+// However often the link is stored.
+void ORVBrowser::release_all(const string& parent, const string& child)
+{
+    while (parents(child).contains(parent))
+        release_child(parent, child);
+}
+
 // Each ancestor is visited once, however many ways lead to it.
 std::set<std::string> ORVBrowser::upstream_units(string key, int end_t)
 {

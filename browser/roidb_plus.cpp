@@ -19,11 +19,8 @@ roidb_plus::roidb_plus(std::string name) : roidb(std::move(name)), tz_iter(tz_xy
 void roidb_plus::entry_plus(roi r)
 {
     ++_revision;
-    std::string plane = plane_key(r.t(), r.z());
-    // Files are in key order: their entries go to the end without a search.
-    const bool is_last = tz_xy_db.empty() || !(plane < tz_xy_db.rbegin()->first);
-    const auto hint = is_last ? tz_xy_db.end() : tz_xy_db.upper_bound(plane);
-    tz_xy_db.emplace_hint(hint, std::move(plane), pos2i(r.x(), r.y()));
+    // Files are in key order: with the end as hint their entries go there without a search.
+    tz_xy_db.emplace_hint(tz_xy_db.end(), plane_key(r.t(), r.z()), pos2i(r.x(), r.y()));
     entry(std::move(r));
 }
 

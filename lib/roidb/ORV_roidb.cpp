@@ -3,25 +3,31 @@
 #include "file_io.h"
 #include "roi_reader.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <iostream>
 #include <utility>
 
 namespace {
 
+constexpr std::ptrdiff_t int_digits = 11;    // the longest text of an int: a sign and ten digits
+
 void append_int(std::string& text, int value)
 {
-    char digits[12];
+    char digits[int_digits];
     text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-void append_digits(std::string& text, int value, int width)
+// Writes one field of a key, up to int_digits characters, and returns its end.
+char* put_field(char* to, int value)
 {
-    char digits[12];
-    const auto length = std::to_chars(digits, digits + sizeof digits, value).ptr - digits;
-    if (length < width)
-        text.append(static_cast<std::size_t>(width - length), '0');
-    text.append(digits, static_cast<std::size_t>(length));
+    if (value < 0 || value > 999)
+        return std::ranges::copy(roidb::digit(value, 3), to).out;
+    *to++ = static_cast<char>('0' + value / 100);
+    *to++ = static_cast<char>('0' + value / 10 % 10);
+    *to++ = static_cast<char>('0' + value % 10);
+    return to;
 }
 
 void append_record(std::string& text, const roi& r)
@@ -42,9 +48,8 @@ void roidb::setName(std::string name) { _name = std::move(name); }
 void roidb::entry(roi r)
 {
     std::string key = keygen(r);
-    // Files are in key order: their records go to the end without a search.
-    const auto hint = db.empty() || db.rbegin()->first < key ? db.end() : db.lower_bound(key);
-    db.try_emplace(hint, std::move(key), std::move(r));
+    // Files are in key order: with the end as hint their records go there without a search.
+    db.emplace_hint(db.end(), std::move(key), std::move(r));
 }
 
 bool roidb::find(roi& r) const
@@ -59,16 +64,18 @@ bool roidb::find(roi& r) const
 std::string roidb::digit(int value, int width)
 {
     std::string text;
-    append_digits(text, value, width);
-    return text;
+    append_int(text, value);
+    const auto missing = width - static_cast<std::ptrdiff_t>(text.size());
+    return missing > 0 ? text.insert(0, static_cast<std::size_t>(missing), '0') : text;
 }
 
 std::string roidb::keygen(pos4i position)
 {
-    std::string key;
+    char key[4 * int_digits];
+    char* end = key;
     for (const int field : {position.t(), position.z(), position.x(), position.y()})
-        append_digits(key, field, 3);
-    return key;
+        end = put_field(end, field);
+    return {key, end};
 }
 
 bool roidb::read(const std::string& filename)

@@ -110,6 +110,8 @@ replacing_file::replacing_file(std::string filename) : _target(follow_links(file
         _ok = _fd >= 0;
         return;
     }
+    if (exists && ::access(_target.c_str(), W_OK) != 0)    // a rename would replace a protected file
+        return;
     open_beside(_target);
     if (!_ok)
         return;

@@ -62,14 +62,19 @@ iroifstream& iroifstream::operator>>(roi& r)
 bool iroifstream::name2tz(const std::string& name, int& t, int& z)
 {
     const std::string_view base = std::string_view(name).substr(name.rfind('/') + 1);
-    const std::size_t dash = base.rfind('-');
-    if (dash == std::string_view::npos || dash < field_width)
-        return false;
-    const std::string_view time = base.substr(dash - field_width, field_width);
-    const std::string_view plane = base.substr(dash + 1, base.find('.', dash) - dash - 1);
-    if (!are_digits(time) || !are_digits(plane) || plane.size() > 2 * field_width)
-        return false;
-    t = std::stoi(std::string(time));
-    z = std::stoi(std::string(plane));
-    return true;
+    // The extension may hold a '-' of its own: the last one between two numbers counts.
+    for (std::size_t end = base.size(); end > field_width;) {
+        const std::size_t dash = base.rfind('-', end - 1);
+        if (dash == std::string_view::npos || dash < field_width)
+            return false;
+        const std::string_view time = base.substr(dash - field_width, field_width);
+        const std::string_view plane = base.substr(dash + 1, base.find('.', dash) - dash - 1);
+        if (are_digits(time) && are_digits(plane) && plane.size() <= 2 * field_width) {
+            t = std::stoi(std::string(time));
+            z = std::stoi(std::string(plane));
+            return true;
+        }
+        end = dash;
+    }
+    return false;
 }

@@ -1,0 +1,319 @@
+// The cut of one unit by a plane: where the plane goes, the ROIs of both sides, and the two units that
+// take the place of the old one.
+#include "body.h"
+#include "cutting_plane.h"
+#include "keygen.h"
+#include "long_run.h"
+#include "orvbrowser.h"
+
+#include "ORV_outline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using key_set = std::set<std::string>;
+
+bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
+
+bool is_same(pos3d a, pos3d b) { return a.x() == b.x() && a.y() == b.y() && a.z() == b.z(); }
+
+// Stands for a plane that was not found.
+const pos3d no_position(NAN, NAN, NAN);
+
+// One half of a member ROI: a mask of the size of its raster.
+struct half_mask {
+    std::vector<unsigned char> pixels;
+    int width;
+    int height;
+    long long size = 0;
+
+    explicit half_mask(const q_roiimg& raster)
+        : pixels(static_cast<std::size_t>(raster.width()) * static_cast<std::size_t>(raster.height())),
+          width(raster.width()), height(raster.height())
+    {}
+
+    void set(int x, int y)
+    {
+        pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)] = 1;
+        ++size;
+    }
+};
+
+// True iff these outlines can stand for the half: closed, inside its box, and enclosing its pixels.
+bool covers(const std::list<roi>& rois, const half_mask& half)
+{
+    long long enclosed = 0;
+    for (const roi& r : rois) {
+        const q_roiimg outline(r);
+        const pos2i last = outline.bottom_right();
+        if (!is_closed(r.outline()) || outline.top_left().x() < 0 || outline.top_left().y() < 0 ||
+            last.x() >= half.width || last.y() >= half.height)
+            return false;
+        enclosed += enclosed_pixels(r.outline());
+    }
+    return enclosed >= half.size;
+}
+
+key_set keys_of(const std::list<roi>& rois)
+{
+    key_set keys;
+    for (const roi& r : rois)
+        keys.insert(keygen(r));
+    return keys;
+}
+
+}    // namespace
+
+// ---- Where the plane goes
+
+unit_pixels ORVBrowser::pixels_of(const string& unit)
+{
+    unit_pixels pixels;
+    for (const std::string& key : member(unit))
+        pixels.add(*m_q_roiimgdb->qrimg(m_roidb->find_plus(key)));
+    return pixels;
+}
+
+unsigned int ORVBrowser::cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus, bool& minus)
+{
+    if (!isOpen())
+        return 0;
+    const plane_section section = pixels_of(doubt).section(E_normal / E_normal.size(), E_pos);
+    plus = plus || section.plus;
+    minus = minus || section.minus;
+    return section.size;
+}
+
+// The start moves towards the unit's own centroid until some plane divides the unit, or it moves no more.
+pos3d ORVBrowser::search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH)
+{
+    if (!isOpen())
+        return no_position;
+    LongRun run(*this);
+    const pos3d nom = E_normal / E_normal.size();
+    while (is_finite(E_pos) && is_finite(nom)) {
+        const std::optional<pos3d> found = best_position(run, doubt, nom, E_pos, SEARCH_WIDTH);
+        if (found || !run.alive())
+            return found.value_or(no_position);
+        const pos3d next = (E_pos + E_g(doubt)) / 2;
+        if (is_same(next, E_pos))
+            break;
+        E_pos = next;
+    }
+    std::cout << "Cannot split " << doubt << ": no plane divides it" << std::endl;
+    return no_position;
+}
+
+// The plane with the smallest section among those that have pixels on both sides, the first of equals.
+std::optional<pos3d> ORVBrowser::best_position(LongRun& run, const string& doubt, pos3d nom, pos3d E_pos,
+                                               int search_width)
+{
+    unsigned int min_size = 65535;
+    std::optional<pos3d> min_pos;
+    set<string> members = member(doubt);
+    unsigned long revision = m_roidb->revision();
+    unit_pixels pixels = pixels_of(doubt);
+    for (int i = -search_width; i <= search_width; ++i) {
+        if (!run.process_events())
+            return std::nullopt;
+        if (revision != m_roidb->revision() || members != member(doubt)) {    // a handler edited the unit
+            revision = m_roidb->revision();
+            members = member(doubt);
+            pixels = pixels_of(doubt);
+        }
+        const pos3d E_search_point = E_pos + nom * i;
+        const plane_section section = pixels.section(nom, E_search_point);
+        std::cout << "s=" << section.size << " (" << E_search_point << ")" << std::endl;
+        if (section.size < min_size && section.plus && section.minus) {
+            min_size = section.size;
+            min_pos = E_search_point;
+        }
+    }
+    return min_pos;
+}
+
+// ---- The ROIs of both sides
+
+namespace {
+
+// The pixels of a raster on either side of the plane through E_m; those on the plane are plus.
+std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos3d E_m)
+{
+    std::pair<half_mask, half_mask> halves(raster, raster);
+    for (int j = 0; j < raster.height(); ++j) {
+        for (int i = 0; i < raster.width(); ++i) {
+            if (raster.value(i, j) == 0)
+                continue;
+            const pos3d E_point(raster.top_left().x() + i, raster.top_left().y() + j, raster.z() * focal_plane_step);
+            const bool is_minus = inner_product(nom, E_point - E_m) < 0;
+            (is_minus ? halves.second : halves.first).set(i, j);
+        }
+    }
+    return halves;
+}
+
+// Appends the ROIs of a half, moved to where its raster lies. False when it did not come back whole.
+bool append_rois(half_mask& half, const q_roiimg& raster, const char* side, std::list<roi>& rois)
+{
+    const std::list<roi> made = makeROIs(half.pixels.data(), half.width, half.height);
+    if (!covers(made, half))
+        return false;
+    for (const roi& r : made) {
+        rois.emplace_back(pos4i(raster.top_left().x() + r.x(), raster.top_left().y() + r.y(), raster.z(), raster.t()),
+                          r.outline());
+        std::cout << side << rois.back() << std::endl;
+    }
+    return true;
+}
+
+}    // namespace
+
+// Both lists are empty afterwards when some half did not come back whole, or the run ended.
+void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
+{
+    LongRun run(*this);
+    const pos3d nom = E_normal / E_normal.size();
+    for (const std::string& key : member(doubt)) {
+        const bool is_open = run.process_events() && isOpen();
+        if (is_open) {
+            const q_roiimg& raster = *m_q_roiimgdb->qrimg(m_roidb->find_plus(key));
+            auto [canvas_plus, canvas_minus] = halves_of(raster, nom, E_m);
+            if (append_rois(canvas_plus, raster, "roi_plus: ", roi_plus) &&
+                append_rois(canvas_minus, raster, "roi_minus: ", roi_minus))
+                continue;
+        }
+        roi_plus.clear();
+        roi_minus.clear();
+        return;
+    }
+}
+
+// ---- The two units
+
+// Cuts the unit by a plane with this normal, searched from E_m on. Both sides are built first; the
+// unit, its links and its ROIs stay as they are unless all of that succeeds.
+void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
+{
+    if (!is_roimaker_there()) {
+        std::cerr << "Cannot find " << roimaker_path() << std::endl;
+        return;
+    }
+    LongRun run(*this);
+    const set<string> doubt_member = member(doubt);
+    E_m = search_cutting_position(doubt, E_normal, E_m, search_width);
+    if (!run.alive() || !is_finite(E_m))
+        return;
+    const unsigned long revision = m_roidb->revision();
+    list<roi> roi_plus;
+    list<roi> roi_minus;
+    splitROI(doubt, E_normal, E_m, roi_plus, roi_minus);
+    if (!run.alive())
+        return;
+    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt);
+    if (was_edited || roi_plus.empty() || roi_minus.empty() || !are_new(doubt_member, roi_plus, roi_minus)) {
+        std::cout << "Cannot split " << doubt << ": the halves did not come back whole" << std::endl;
+        return;
+    }
+    const unit_links links{parents(doubt), children(doubt)};
+    for (const std::string& parent : links.parents)
+        release_all(parent, doubt);
+    for (const std::string& child : links.children)
+        release_all(doubt, child);
+    const string head_plus = *keys_of(roi_plus).begin();
+    const string head_minus = *keys_of(roi_minus).begin();
+    replace_members(doubt, roi_plus, roi_minus);
+    const auto side = [&](const string& unit) {
+        return inner_product(E_normal / E_normal.size(), E_g(unit) - E_m) >= 0 ? head_plus : head_minus;
+    };
+    link_to_halves(links.parents, head_plus, head_minus, side);
+    link_to_halves(links.children, head_plus, head_minus, side);
+    m_elite_head_roi_set.erase(doubt);
+}
+
+// True iff no other ROI stands where a new one would be entered, nor two new ones at one place.
+bool ORVBrowser::are_new(const set<string>& old_members, const list<roi>& roi_plus, const list<roi>& roi_minus) const
+{
+    set<string> keys = keys_of(roi_plus);
+    keys.merge(keys_of(roi_minus));
+    const bool are_distinct = keys.size() == roi_plus.size() + roi_minus.size();
+    return are_distinct && std::none_of(keys.begin(), keys.end(), [&](const string& key) {
+               return m_roidb->db.contains(key) && !old_members.contains(key);
+           });
+}
+
+void ORVBrowser::replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus)
+{
+    const set<string> old_members = member(doubt);
+    forget_unit(doubt);
+    for (const std::string& key : old_members) {
+        m_q_roiimgdb->remove(decode(key));
+        m_roidb->remove(key);
+    }
+    set<string> new_keys;
+    for (const list<roi>* half : {&roi_plus, &roi_minus}) {
+        const set<string> keys = keys_of(*half);
+        for (const roi& r : *half) {
+            m_q_roiimgdb->remove(r);
+            m_roidb->entry_plus(r);
+        }
+        register_unit(*keys.begin(), keys);
+        new_keys.insert(keys.begin(), keys.end());
+    }
+    inherit_marks(old_members, new_keys);
+}
+
+// What was selected, tracked or removed on a plane stays so on that plane; nothing else names the old ROIs.
+void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>& new_keys)
+{
+    const auto plane = [](const string& key) { return decode(key).z(); };
+    for (set<string>* marks : {&m_selected_roi_set, &m_fwd_roi_set, &m_bwd_roi_set, &m_removed_roi_set}) {
+        std::set<int> marked_planes;
+        for (const std::string& key : old_members)
+            if (marks->erase(key) > 0)
+                marked_planes.insert(plane(key));
+        for (const std::string& key : new_keys)
+            if (marked_planes.contains(plane(key)))
+                marks->insert(key);
+    }
+    for (const std::string& key : old_members) {
+        m_mouse_over_roi_set.erase(key);
+        m_lineage_mode_roi_set.erase(key);
+    }
+}
+
+// Links parents, or children, of the old unit to the half on their side of the plane. A half left
+// without one, where there are two or more, gets the nearest.
+void ORVBrowser::link_to_halves(const set<string>& units, const string& head_plus, const string& head_minus,
+                                const std::function<string(const string&)>& side)
+{
+    std::map<string, string> half_of;
+    std::size_t on_plus = 0;
+    for (const std::string& unit : units) {
+        half_of[unit] = side(unit);
+        on_plus += half_of[unit] == head_plus;
+    }
+    if (units.size() > 1 && on_plus == 0)
+        half_of[nearest(units, head_plus)] = head_plus;
+    else if (units.size() > 1 && on_plus == units.size())
+        half_of[nearest(units, head_minus)] = head_minus;
+    for (const auto& [unit, half] : half_of)
+        link(unit, half);
+    // One that was moved belongs to its own side too where it overlaps.
+    for (const std::string& unit : units)
+        if (const std::string own = side(unit); isLink(unit, own))
+            link(unit, own);
+}
+
+// The unit whose centroid lies nearest to that of `to`.
+std::string ORVBrowser::nearest(const set<string>& units, const string& to)
+{
+    const pos3d centre = E_g(to);
+    return *std::min_element(units.begin(), units.end(), [&](const string& a, const string& b) {
+        return (E_g(a) - centre).size() < (E_g(b) - centre).size();
+    });
+}
