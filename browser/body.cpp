@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <limits.h>
@@ -17,6 +19,38 @@
 
 namespace {
 
+constexpr int max_side = 4096;    // pixels
+
+[[noreturn]] void fail(const char* call)
+{
+    std::perror(call);
+    std::exit(1);
+}
+
+// What roimaker takes: one digit a pixel.
+bool is_mask(const unsigned char* canvas, int width, int height)
+{
+    if (width < 1 || height < 1 || width > max_side || height > max_side)
+        return false;
+    const unsigned char* const end = canvas + static_cast<std::ptrdiff_t>(width) * height;
+    return std::all_of(canvas, end, [](unsigned char pixel) { return pixel <= 9; });
+}
+
+// The pipe's ends, moved away from the descriptors that the child gives up: in a program started without
+// standard input or output they might be those.
+void open_pipe(int pipefds[2])
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        fail("pipe");
+    for (int i = 0; i < 2; ++i) {
+        pipefds[i] = fcntl(ends[i], F_DUPFD, STDERR_FILENO + 1);
+        if (pipefds[i] < 0)
+            fail("pipe");
+        close(ends[i]);
+    }
+}
+
 // The width, the height, and a line of digits for each row.
 std::string mask_text(const unsigned char* canvas, int width, int height)
 {
@@ -29,12 +63,6 @@ std::string mask_text(const unsigned char* canvas, int width, int height)
     return text;
 }
 
-[[noreturn]] void fail(const char* call)
-{
-    std::perror(call);
-    std::exit(1);
-}
-
 // In the child: the one pipe becomes standard input and standard output. The parent's exit handlers
 // are not for the child, so it leaves by _exit.
 [[noreturn]] void run_roimaker(const std::string& path, const int pipefds[2])
@@ -45,6 +73,7 @@ std::string mask_text(const unsigned char* canvas, int width, int height)
     close(1);
     const bool writes = dup(pipefds[1]) == 1;
     close(pipefds[1]);
+    std::signal(SIGPIPE, SIG_DFL);
     char* const no_arguments[] = {nullptr};
     if (reads && writes)
         execvp(path.c_str(), no_arguments);
@@ -52,7 +81,7 @@ std::string mask_text(const unsigned char* canvas, int width, int height)
     _exit(1);
 }
 
-bool has_ended(pid_t pid) { return waitpid(pid, nullptr, WNOHANG) == pid; }
+bool has_ended(pid_t pid) { return waitpid(pid, nullptr, WNOHANG) != 0; }
 
 // Writes the mask. A child that ends without reading it would leave this process waiting for room in
 // a pipe that nobody empties: then the rest is not written. True iff the child has ended.
@@ -113,11 +142,14 @@ std::list<roi> read_answer(std::FILE* fp)
 
 std::list<roi> makeROIs(unsigned char* canvas, int width, int height)
 {
+    if (!is_mask(canvas, width, height)) {
+        std::cerr << "makeROIs: no mask of up to " << max_side << " x " << max_side << " pixels" << std::endl;
+        return {};
+    }
     const std::string path = roimaker_path();
     const std::string mask = mask_text(canvas, width, height);
     int pipefds[2];
-    if (pipe(pipefds) != 0)
-        fail("pipe");
+    open_pipe(pipefds);
     // What waits in a buffer now would be written by both processes.
     std::cout.flush();
     std::fflush(nullptr);
@@ -154,5 +186,6 @@ bool is_roimaker_there()
 {
     const std::string path = roimaker_path();
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
+    return path.starts_with('/') && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           access(path.c_str(), X_OK) == 0;
 }

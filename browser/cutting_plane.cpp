@@ -31,5 +31,5 @@ plane_section unit_pixels::section(pos3d nom, pos3d point) const
             below += cos1 < 0;
         }
     }
-    return {static_cast<unsigned int>(crossing), below < static_cast<std::int64_t>(_x.size()), below > 0};
+    return {static_cast<unsigned int>(crossing), below<static_cast<std::int64_t>(_x.size()), below> 0};
 }

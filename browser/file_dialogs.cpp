@@ -7,6 +7,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <iostream>
+
 namespace {
 
 QString tr(const char* text) { return QCoreApplication::translate("ORVBrowser", text); }
@@ -27,7 +29,7 @@ QString ask_filename(QWidget* parent, const file_question& question, const QStri
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);    // may_write() asks
-    dialog.selectFile(start_name);
+    dialog.selectFile(QDir::cleanPath(start_name));         // it takes "//" for the root
     if (dialog.exec() != QDialog::Accepted)
         return {};
     return dialog.selectedFiles().value(0);
@@ -40,11 +42,20 @@ bool may_write(QWidget* parent, const QString& filename)
     QMessageBox question(QMessageBox::Question, tr("Overwrite File? -- ORVBrowser"),
                          tr("A file called %1 already exists. Do you want to overwrite it?").arg(filename),
                          QMessageBox::Yes | QMessageBox::No, parent);
+    question.setTextFormat(Qt::PlainText);    // a file name is no markup
     question.button(QMessageBox::Yes)->setText(tr("&Yes"));
     question.button(QMessageBox::No)->setText(tr("&No"));
     question.setDefaultButton(QMessageBox::Yes);
     question.setEscapeButton(QMessageBox::No);
     return question.exec() == QMessageBox::Yes;
+}
+
+bool is_there(const std::string& filename)
+{
+    if (QFileInfo::exists(QFile::decodeName(filename.c_str())))
+        return true;
+    std::cerr << "No such file or directory: " << filename << std::endl;
+    return false;
 }
 
 std::string native_name(const QString& filename) { return QFile::encodeName(filename).toStdString(); }

@@ -23,5 +23,8 @@ struct file_question {
 // True iff there is no file of this name, or the person wants it overwritten.
 [[nodiscard]] bool may_write(QWidget* parent, const QString& filename);
 
+// True iff there is a file of this name; otherwise one line on standard error says so.
+[[nodiscard]] bool is_there(const std::string& filename);
+
 // A file name as the system's own functions take it.
 [[nodiscard]] std::string native_name(const QString& filename);

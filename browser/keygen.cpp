@@ -23,6 +23,15 @@ pos4i decode(std::string key)
     return {x, field(key, 9), z, t};
 }
 
+std::string time_key(int t) { return keygen(pos4i(0, 0, 0, t)); }
+
+std::string end_of_time_point(int t)
+{
+    constexpr int last_time_point = 999;
+    constexpr const char* after_all_digits = ":";
+    return t < last_time_point ? time_key(t + 1) : after_all_digits;
+}
+
 bool is_roi_key(const std::string& key) noexcept
 {
     constexpr std::size_t shortest = 12;

@@ -6,6 +6,7 @@
 #include "ORV_pos.h"
 
 #include <string>
+#include <utility>
 
 // The decimal text of a in at least three characters, '0' on the left: 7 gives "007", -5 gives "0-5".
 std::string digit3(int a);
@@ -16,6 +17,27 @@ std::string keygen(pos4i p);
 // digit, and is 0 without any. Throws std::out_of_range when the key has less than nine characters.
 pos4i decode(std::string key);
 
+// The entries of an ordered set or map of ROI keys that lie at time point t: first and one past the last.
+template <class Keys>
+auto at_time_point(Keys& keys, int t);
+
 // True iff decode() can read the key: at least twelve characters, all of them digits or signs. "N/A",
 // which stands for no unit, is none.
 bool is_roi_key(const std::string& key) noexcept;
+
+// The key of time point t, which is not after any of its ROI keys.
+std::string time_key(int t);
+
+// Not before any ROI key of time point t, and after none of the next. Up to 999, where keys end, that
+// is the key of the next time point.
+std::string end_of_time_point(int t);
+
+template <class Keys>
+auto at_time_point(Keys& keys, int t)
+{
+    const std::string first = time_key(t);
+    const std::string last = end_of_time_point(t);
+    // Below 0 keys sort the other way round; such a range is empty.
+    const auto begin = keys.lower_bound(first);
+    return std::pair(begin, first < last ? keys.lower_bound(last) : begin);
+}

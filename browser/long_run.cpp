@@ -15,11 +15,11 @@ bool LongRun::alive() const noexcept
     return _window && !_window->m_closing && _window->m_recording == _recording;
 }
 
-bool LongRun::process_events()
+bool LongRun::process_events(QEventLoop::ProcessEventsFlags flags)
 {
     if (!alive())
         return false;
-    _window->processEvents();
+    _window->process_events_of_run(flags);
     return alive();
 }
 
@@ -29,18 +29,27 @@ void LongRun::checkpoint()
         _window->m_q_roiimgdb->release_dropped();
 }
 
-BusyRun::BusyRun(ORVBrowser& window) : LongRun(window)
+BusyRun::BusyRun(ORVBrowser& window) : LongRun(window), _makes_units(window.m_make_units)
 {
-    if (window.m_busy_runs++ > 0)
+    if (window.m_busy_runs++ > 0) {
+        window.m_make_units = false;
         return;
+    }
     window.setTrackingButtonsEnabled(false);
     window.setCursor(Qt::WaitCursor);
 }
 
 BusyRun::~BusyRun()
 {
-    if (!_window || --_window->m_busy_runs > 0)
+    if (!_window)
         return;
+    if (--_window->m_busy_runs > 0) {
+        _window->m_make_units = _makes_units && alive();
+        return;
+    }
     _window->show_mode_cursor();
     _window->setTrackingButtonsEnabled(_window->isOpen());
+    // A disabled button hands the keyboard to another one: it belongs to the canvas.
+    if (!qobject_cast<QLineEdit*>(_window->focusWidget()))
+        _window->frame_canvas->setFocus();
 }

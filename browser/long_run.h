@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool alive() const noexcept;
 
     // Lets pending events be processed, then answers alive().
-    [[nodiscard]] bool process_events();
+    [[nodiscard]] bool process_events(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
     // Frees the rasters that have left the cache, when no other run may hold one.
     // REQUIRES: this run holds no raster
@@ -35,9 +35,12 @@ private:
 };
 
 // A run that a person waits for: the wait cursor is shown and the tracking buttons are disabled until
-// the outermost such run ends.
+// the outermost such run ends. What it tracks does not join the unit that a run around it is making.
 class BusyRun : public LongRun {
 public:
     explicit BusyRun(ORVBrowser& window);
     ~BusyRun();
+
+private:
+    bool _makes_units;    // the switch as the run around this one has set it
 };

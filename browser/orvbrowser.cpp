@@ -5,8 +5,8 @@
 
 namespace {
 
-// How deep handlers may wait for handlers, each started while the one before processes events. A key
-// held down would otherwise pile them up until the stack ends.
+// How deep runs may be started from within each other. A key held down would otherwise pile them up
+// until the stack ends.
 constexpr int max_event_depth = 8;
 
 }    // namespace
@@ -70,25 +70,33 @@ void ORVBrowser::closeEvent(QCloseEvent* e)
 {
     if (m_runs > 0) {
         m_closing = true;
-        m_auto = false;
+        pushButton_auto->setChecked(false);
         m_auto_split = false;
     }
     QWidget::closeEvent(e);
 }
 
+// Inside a handler that runs while events are processed already, the loop around it goes on with them.
 void ORVBrowser::processEvents()
+{
+    if (m_event_depth == 0)
+        process_events_of_run(QEventLoop::AllEvents);
+}
+
+void ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
 {
     if (m_event_depth >= max_event_depth)
         return;
     const QPointer<ORVBrowser> self(this);    // a handler may delete the window
     ++m_event_depth;
-    (m_app ? m_app : QCoreApplication::instance())->processEvents();
+    (m_app ? m_app : QCoreApplication::instance())->processEvents(flags);
     if (self)
         --m_event_depth;
 }
 
 void ORVBrowser::show_changes()
 {
+    ++m_edits;
     dirty = true;
     repaint();
 }

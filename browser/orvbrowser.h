@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QColor>
 #include <QCursor>
+#include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -34,6 +35,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 class LongRun;
 class QPainter;
@@ -156,7 +158,7 @@ public slots:
     virtual void build_imgdb();
     virtual void build_q_roiimgdb();
 
-    // ---- Canvas (orvbrowser_canvas.cpp; the lineage overlay: orvbrowser_lineage.cpp)
+    // ---- Canvas (orvbrowser_canvas.cpp; the lineage overlay: orvbrowser_overlay.cpp)
     virtual void drawROI(QPixmap& pix);
     virtual void drawLineage(QPixmap& dic);
     virtual void myPaint();
@@ -316,6 +318,7 @@ protected:
 private:
     friend class LongRun;
     friend class BusyRun;
+    friend class LineageAccess;
 
     // ---- Widgets (orvbrowser_widgets.cpp)
     void createWidgets();
@@ -325,6 +328,7 @@ private:
     // ---- Helpers of several files
     [[nodiscard]] bool isOpen() const noexcept { return m_roidb && m_imgdb && m_q_roiimgdb; }
     void processEvents();
+    void process_events_of_run(QEventLoop::ProcessEventsFlags flags);
     void show_changes();               // marks the picture as out of date and paints it at once
     void finish();                     // the same, and lets pending events be processed
     void end_waiting();                // shows the cursor of before a wait
@@ -339,6 +343,7 @@ private:
     // ---- Files
     void open_recording(std::unique_ptr<roidb_plus> roidb);
     void save_rois(const string& filename);
+    void drop_roi(const string& key);
     void restore_rois(const string& filename);
     void read_marks(const file_question& question, const char* suffix, const char* keyword,
                     set<string>& marks);
@@ -371,6 +376,11 @@ private:
         set<string> parents;
         set<string> children;
     };
+    struct unit_member {
+        string unit;
+        q_roiimg* raster;
+    };
+    using members_by_plane = std::map<int, std::vector<unit_member>>;
 
     void forget_unit(const string& unit);
     void register_unit(const string& unit, const set<string>& members);
@@ -379,6 +389,7 @@ private:
     [[nodiscard]] set<string> units_reached_at(int t, const string& unit);
     [[nodiscard]] unit_links links_of(const string& unit, int t);
     void release_links(const string& unit, const unit_links& links);
+    [[nodiscard]] members_by_plane unit_members_at(int t);
     void report(const char* finding, const string& unit);
     [[nodiscard]] bool is_on_view(const string& unit);
     void paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark);
@@ -386,9 +397,8 @@ private:
     void release_all(const string& parent, const string& child);
 
     // ---- Splitting: what to do (orvbrowser_split.cpp)
-    [[nodiscard]] bool split_pass(LongRun& run, set<string>& unchanged);
-    [[nodiscard]] bool wait_while_auto_split(const LongRun& run);
-    [[nodiscard]] string next_suspect(set<string>& unchanged);
+    [[nodiscard]] bool split_pass(const LongRun& run);
+    [[nodiscard]] bool wait_while_auto_split(LongRun& run);
     void handle_suspect(const string& doubt);
     [[nodiscard]] bool are_same_nucleus(const string& p1, const string& p2);
     [[nodiscard]] bool repair_links(const string& doubt, const string& p1, const string& p2,
@@ -398,20 +408,25 @@ private:
     // ---- Splitting: the cut (orvbrowser_cut.cpp)
     void cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width);
     [[nodiscard]] unit_pixels pixels_of(const string& unit);
-    [[nodiscard]] std::optional<pos3d> best_position(LongRun& run, const string& doubt, pos3d nom, pos3d E_pos,
-                                                     int search_width);
+    [[nodiscard]] std::optional<pos3d> best_position(LongRun& run, const string& doubt, pos3d nom,
+                                                     pos3d E_pos, int search_width);
     [[nodiscard]] bool are_new(const set<string>& old_members, const list<roi>& roi_plus,
                                const list<roi>& roi_minus) const;
+    [[nodiscard]] bool cut_members(const string& doubt, pos3d nom, pos3d E_m, list<roi>& roi_plus,
+                                   list<roi>& roi_minus);
     void replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus);
     void inherit_marks(const set<string>& old_members, const set<string>& new_keys);
-    void link_to_halves(const set<string>& units, const string& head_plus, const string& head_minus,
-                        const std::function<string(const string&)>& side);
+    using half_of_unit = std::map<string, string>;    // parent or child to the half it is linked to
+    [[nodiscard]] half_of_unit pair_with_halves(const set<string>& units, pos3d nom, pos3d E_m,
+                                                const string& head_plus, const string& head_minus);
+    void link_to_halves(const half_of_unit& half_of, const string& head_plus, const string& head_minus);
     [[nodiscard]] string nearest(const set<string>& units, const string& to);
 
     std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
     int m_drawn_time_point = -1;                       // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
+    unsigned long m_edits = 0;        // counts what may have changed units, links or ROIs
     int m_runs = 0;                   // the runs going on, one inside the other
     int m_busy_runs = 0;              // those of them that a person waits for
     int m_event_depth = 0;            // handlers waiting for the events that they let be processed

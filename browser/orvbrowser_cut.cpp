@@ -20,7 +20,8 @@ using key_set = std::set<std::string>;
 
 bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
 
-bool is_same(pos3d a, pos3d b) { return a.x() == b.x() && a.y() == b.y() && a.z() == b.z(); }
+// A start that moves by less, in pixels, stands still.
+constexpr double smallest_move = 1e-9;
 
 // Stands for a plane that was not found.
 const pos3d no_position(NAN, NAN, NAN);
@@ -35,28 +36,30 @@ struct half_mask {
     explicit half_mask(const q_roiimg& raster)
         : pixels(static_cast<std::size_t>(raster.width()) * static_cast<std::size_t>(raster.height())),
           width(raster.width()), height(raster.height())
-    {}
+    {
+    }
 
     void set(int x, int y)
     {
-        pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)] = 1;
+        pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)] =
+            1;
         ++size;
     }
 };
 
-// True iff these outlines can stand for the half: closed, inside its box, and enclosing its pixels.
+// True iff these outlines can stand for the half: closed, inside its box, and enclosing its pixels. A
+// half without a pixel has none.
 bool covers(const std::list<roi>& rois, const half_mask& half)
 {
-    long long enclosed = 0;
-    for (const roi& r : rois) {
-        const q_roiimg outline(r);
-        const pos2i last = outline.bottom_right();
-        if (!is_closed(r.outline()) || outline.top_left().x() < 0 || outline.top_left().y() < 0 ||
-            last.x() >= half.width || last.y() >= half.height)
+    if (half.size == 0)
+        return rois.empty();
+    std::vector<unsigned char> enclosed(half.pixels.size());
+    for (const roi& r : rois)
+        if (!fill_outline({r.x(), r.y()}, r.outline(), enclosed, half.width, half.height))
             return false;
-        enclosed += enclosed_pixels(r.outline());
-    }
-    return enclosed >= half.size;
+    return std::equal(
+        half.pixels.begin(), half.pixels.end(), enclosed.begin(),
+        [](unsigned char in_half, unsigned char is_enclosed) { return !in_half || is_enclosed; });
 }
 
 key_set keys_of(const std::list<roi>& rois)
@@ -75,11 +78,13 @@ unit_pixels ORVBrowser::pixels_of(const string& unit)
 {
     unit_pixels pixels;
     for (const std::string& key : member(unit))
-        pixels.add(*m_q_roiimgdb->qrimg(m_roidb->find_plus(key)));
+        if (m_roidb->db.contains(key))    // it may have been dropped
+            pixels.add(*m_q_roiimgdb->qrimg(m_roidb->find_plus(key)));
     return pixels;
 }
 
-unsigned int ORVBrowser::cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus, bool& minus)
+unsigned int ORVBrowser::cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus,
+                                            bool& minus)
 {
     if (!isOpen())
         return 0;
@@ -101,7 +106,7 @@ pos3d ORVBrowser::search_cutting_position(string doubt, pos3d E_normal, pos3d E_
         if (found || !run.alive())
             return found.value_or(no_position);
         const pos3d next = (E_pos + E_g(doubt)) / 2;
-        if (is_same(next, E_pos))
+        if (!((next - E_pos).size() > smallest_move))
             break;
         E_pos = next;
     }
@@ -149,7 +154,8 @@ std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos
         for (int i = 0; i < raster.width(); ++i) {
             if (raster.value(i, j) == 0)
                 continue;
-            const pos3d E_point(raster.top_left().x() + i, raster.top_left().y() + j, raster.z() * focal_plane_step);
+            const pos3d E_point(raster.top_left().x() + i, raster.top_left().y() + j,
+                                raster.z() * focal_plane_step);
             const bool is_minus = inner_product(nom, E_point - E_m) < 0;
             (is_minus ? halves.second : halves.first).set(i, j);
         }
@@ -164,8 +170,9 @@ bool append_rois(half_mask& half, const q_roiimg& raster, const char* side, std:
     if (!covers(made, half))
         return false;
     for (const roi& r : made) {
-        rois.emplace_back(pos4i(raster.top_left().x() + r.x(), raster.top_left().y() + r.y(), raster.z(), raster.t()),
-                          r.outline());
+        rois.emplace_back(
+            pos4i(raster.top_left().x() + r.x(), raster.top_left().y() + r.y(), raster.z(), raster.t()),
+            r.outline());
         std::cout << side << rois.back() << std::endl;
     }
     return true;
@@ -173,24 +180,34 @@ bool append_rois(half_mask& half, const q_roiimg& raster, const char* side, std:
 
 }    // namespace
 
-// Both lists are empty afterwards when some half did not come back whole, or the run ended.
-void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
+// Cuts the members one by one. False when some half did not come back whole, or the run ended.
+bool ORVBrowser::cut_members(const string& doubt, pos3d nom, pos3d E_m, list<roi>& roi_plus,
+                             list<roi>& roi_minus)
 {
     LongRun run(*this);
-    const pos3d nom = E_normal / E_normal.size();
     for (const std::string& key : member(doubt)) {
-        const bool is_open = run.process_events() && isOpen();
-        if (is_open) {
-            const q_roiimg& raster = *m_q_roiimgdb->qrimg(m_roidb->find_plus(key));
-            auto [canvas_plus, canvas_minus] = halves_of(raster, nom, E_m);
-            if (append_rois(canvas_plus, raster, "roi_plus: ", roi_plus) &&
-                append_rois(canvas_minus, raster, "roi_minus: ", roi_minus))
-                continue;
-        }
-        roi_plus.clear();
-        roi_minus.clear();
-        return;
+        if (!run.process_events())
+            return false;
+        if (!m_roidb->db.contains(key))    // it was dropped
+            continue;
+        const q_roiimg& raster = *m_q_roiimgdb->qrimg(m_roidb->find_plus(key));
+        auto [canvas_plus, canvas_minus] = halves_of(raster, nom, E_m);
+        if (raster.size() == 0 || !append_rois(canvas_plus, raster, "roi_plus: ", roi_plus) ||
+            !append_rois(canvas_minus, raster, "roi_minus: ", roi_minus))
+            return false;
     }
+    return true;
+}
+
+// Appends nothing to either list unless every half came back whole.
+void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
+{
+    list<roi> plus;
+    list<roi> minus;
+    if (!isOpen() || !cut_members(doubt, E_normal / E_normal.size(), E_m, plus, minus))
+        return;
+    roi_plus.splice(roi_plus.end(), plus);
+    roi_minus.splice(roi_minus.end(), minus);
 }
 
 // ---- The two units
@@ -204,22 +221,34 @@ void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int se
         return;
     }
     LongRun run(*this);
+    const unsigned long revision = m_roidb->revision();
     const set<string> doubt_member = member(doubt);
+    const unit_links links{parents(doubt), children(doubt)};
+    const bool was_elite = isElite(doubt);
     E_m = search_cutting_position(doubt, E_normal, E_m, search_width);
     if (!run.alive() || !is_finite(E_m))
         return;
-    const unsigned long revision = m_roidb->revision();
     list<roi> roi_plus;
     list<roi> roi_minus;
     splitROI(doubt, E_normal, E_m, roi_plus, roi_minus);
     if (!run.alive())
         return;
-    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt);
-    if (was_edited || roi_plus.empty() || roi_minus.empty() || !are_new(doubt_member, roi_plus, roi_minus)) {
+    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt) ||
+                            links.parents != parents(doubt) || links.children != children(doubt) ||
+                            was_elite != isElite(doubt);
+    if (was_edited) {
+        std::cout << "Cannot split " << doubt << ": it was edited meanwhile" << std::endl;
+        return;
+    }
+    if (roi_plus.empty() || roi_minus.empty()) {
         std::cout << "Cannot split " << doubt << ": the halves did not come back whole" << std::endl;
         return;
     }
-    const unit_links links{parents(doubt), children(doubt)};
+    if (!are_new(doubt_member, roi_plus, roi_minus)) {
+        std::cout << "Cannot split " << doubt << ": another ROI stands where one of the halves would start"
+                  << std::endl;
+        return;
+    }
     for (const std::string& parent : links.parents)
         release_all(parent, doubt);
     for (const std::string& child : links.children)
@@ -227,22 +256,25 @@ void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int se
     const string head_plus = *keys_of(roi_plus).begin();
     const string head_minus = *keys_of(roi_minus).begin();
     replace_members(doubt, roi_plus, roi_minus);
-    const auto side = [&](const string& unit) {
-        return inner_product(E_normal / E_normal.size(), E_g(unit) - E_m) >= 0 ? head_plus : head_minus;
-    };
-    link_to_halves(links.parents, head_plus, head_minus, side);
-    link_to_halves(links.children, head_plus, head_minus, side);
+    const pos3d nom = E_normal / E_normal.size();
+    for (const set<string>* units : {&links.parents, &links.children})
+        link_to_halves(pair_with_halves(*units, nom, E_m, head_plus, head_minus), head_plus, head_minus);
     m_elite_head_roi_set.erase(doubt);
 }
 
-// True iff no other ROI stands where a new one would be entered, nor two new ones at one place.
-bool ORVBrowser::are_new(const set<string>& old_members, const list<roi>& roi_plus, const list<roi>& roi_minus) const
+// True iff no other ROI, and no other unit, has the key of a new ROI, no two new ones have the same,
+// and every key can be decoded.
+bool ORVBrowser::are_new(const set<string>& old_members, const list<roi>& roi_plus,
+                         const list<roi>& roi_minus) const
 {
     set<string> keys = keys_of(roi_plus);
     keys.merge(keys_of(roi_minus));
     const bool are_distinct = keys.size() == roi_plus.size() + roi_minus.size();
-    return are_distinct && std::none_of(keys.begin(), keys.end(), [&](const string& key) {
-               return m_roidb->db.contains(key) && !old_members.contains(key);
+    return are_distinct && std::all_of(keys.begin(), keys.end(), [&](const string& key) {
+               const bool is_free = old_members.contains(key) ||
+                                    (!m_roidb->db.contains(key) && !m_members_head.contains(key) &&
+                                     !m_head_members.contains(key));
+               return is_free && keygen(decode(key)) == key;
            });
 }
 
@@ -250,10 +282,8 @@ void ORVBrowser::replace_members(const string& doubt, const list<roi>& roi_plus,
 {
     const set<string> old_members = member(doubt);
     forget_unit(doubt);
-    for (const std::string& key : old_members) {
-        m_q_roiimgdb->remove(decode(key));
-        m_roidb->remove(key);
-    }
+    for (const std::string& key : old_members)
+        drop_roi(key);
     set<string> new_keys;
     for (const list<roi>* half : {&roi_plus, &roi_minus}) {
         const set<string> keys = keys_of(*half);
@@ -265,9 +295,11 @@ void ORVBrowser::replace_members(const string& doubt, const list<roi>& roi_plus,
         new_keys.insert(keys.begin(), keys.end());
     }
     inherit_marks(old_members, new_keys);
+    m_split_parents.erase(doubt);
+    m_lineage_mode_roi_set.erase(doubt);
 }
 
-// What was selected, tracked or removed on a plane stays so on that plane; nothing else names the old ROIs.
+// What was selected, tracked or removed on a plane stays so on that plane; no mark names an old ROI.
 void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>& new_keys)
 {
     const auto plane = [](const string& key) { return decode(key).z(); };
@@ -280,33 +312,43 @@ void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>
             if (marked_planes.contains(plane(key)))
                 marks->insert(key);
     }
-    for (const std::string& key : old_members) {
+    for (const std::string& key : old_members)
         m_mouse_over_roi_set.erase(key);
-        m_lineage_mode_roi_set.erase(key);
-    }
 }
 
-// Links parents, or children, of the old unit to the half on their side of the plane. A half left
-// without one, where there are two or more, gets the nearest.
-void ORVBrowser::link_to_halves(const set<string>& units, const string& head_plus, const string& head_minus,
-                                const std::function<string(const string&)>& side)
+// Parents, or children, go to the half on whose side of the plane their centroid lies. Where there are
+// two or more and all lie on one side, the one nearest to the lone half goes there.
+ORVBrowser::half_of_unit ORVBrowser::pair_with_halves(const set<string>& units, pos3d nom, pos3d E_m,
+                                                      const string& head_plus, const string& head_minus)
 {
-    std::map<string, string> half_of;
+    half_of_unit half_of;
     std::size_t on_plus = 0;
     for (const std::string& unit : units) {
-        half_of[unit] = side(unit);
-        on_plus += half_of[unit] == head_plus;
+        const bool is_plus = inner_product(nom, E_g(unit) - E_m) >= 0;
+        half_of[unit] = is_plus ? head_plus : head_minus;
+        on_plus += is_plus;
     }
     if (units.size() > 1 && on_plus == 0)
         half_of[nearest(units, head_plus)] = head_plus;
     else if (units.size() > 1 && on_plus == units.size())
         half_of[nearest(units, head_minus)] = head_minus;
+    return half_of;
+}
+
+// A half that is left without one takes those that overlap it: the same two nuclei may be one unit at
+// that time point too.
+void ORVBrowser::link_to_halves(const half_of_unit& half_of, const string& head_plus,
+                                const string& head_minus)
+{
     for (const auto& [unit, half] : half_of)
         link(unit, half);
-    // One that was moved belongs to its own side too where it overlaps.
-    for (const std::string& unit : units)
-        if (const std::string own = side(unit); isLink(unit, own))
-            link(unit, own);
+    for (const std::string& half : {head_plus, head_minus}) {
+        const bool is_lone = std::none_of(half_of.begin(), half_of.end(),
+                                          [&](const auto& entry) { return entry.second == half; });
+        for (const auto& [unit, own_half] : half_of)
+            if (is_lone && isLink(unit, half))
+                link(unit, half);
+    }
 }
 
 // The unit whose centroid lies nearest to that of `to`.

@@ -1,9 +1,6 @@
 // ROI files: opening a recording from one, saving it, and dropping the ROIs marked as removed.
 #include "file_dialogs.h"
-#include "keygen.h"
 #include "orvbrowser.h"
-
-#include <QFileInfo>
 
 #include <iostream>
 
@@ -15,14 +12,16 @@ const QString roi_filter = QStringLiteral("roi file (*.roi)");
 
 bool ORVBrowser::openRoiFile(const string& filename)
 {
-    if (!QFileInfo::exists(QFile::decodeName(filename.c_str()))) {
-        std::cerr << "No such file or directory: " << filename << std::endl;
+    if (!is_there(filename))
         return false;
-    }
     setCursor(Qt::WaitCursor);
     // Read first: what is open stays open when the file cannot be read.
     auto roidb = std::make_unique<roidb_plus>("");
-    const bool was_read = roidb->read_plus(filename);
+    bool was_read = roidb->read_plus(filename);
+    if (was_read && roidb->name().empty()) {
+        std::cerr << "Not an ROI file: " << filename << std::endl;
+        was_read = false;
+    }
     if (was_read)
         open_recording(std::move(roidb));
     end_waiting();
@@ -65,6 +64,7 @@ void ORVBrowser::pushButton_save_roifile_clicked()
     if (!filename.isEmpty() && may_write(this, filename))
         save_rois(native_name(filename));
     pushButton_save_roifile->setEnabled(true);
+    frame_canvas->setFocus();    // it went to another button meanwhile
 }
 
 void ORVBrowser::save_rois(const string& filename)
@@ -78,14 +78,25 @@ void ORVBrowser::save_rois(const string& filename)
     end_waiting();
 }
 
+// By its record, not by decoding its key: a mark from a file may be no key, or one of another position.
+void ORVBrowser::drop_roi(const string& key)
+{
+    const auto found = m_roidb->db.find(key);
+    if (found == m_roidb->db.end())
+        return;
+    const roi dropped = found->second;
+    m_roidb->remove(dropped);
+    if (m_q_roiimgdb)
+        m_q_roiimgdb->remove(dropped);
+}
+
 void ORVBrowser::pushButton_drop_false_positive_clicked()
 {
     if (!m_roidb)
         return;
     setCursor(Qt::WaitCursor);
     for (const std::string& key : m_removed_roi_set)
-        if (is_roi_key(key))    // a file may have brought anything
-            m_roidb->remove(key);
+        drop_roi(key);
     finish();
     end_waiting();
 }

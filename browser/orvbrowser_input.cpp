@@ -16,6 +16,14 @@ void toggle(std::set<std::string>& keys, const std::string& key)
         keys.insert(key);
 }
 
+bool covers(const q_roiimg& raster, int x, int y)
+{
+    const pos2i first = raster.top_left();
+    const pos2i last = raster.bottom_right();
+    const bool in_box = first.x() <= x && x <= last.x() && first.y() <= y && y <= last.y();
+    return in_box && raster.value(x - first.x(), y - first.y()) != 0;
+}
+
 }    // namespace
 
 bool ORVBrowser::isSelected(string key) { return m_selected_roi_set.contains(key); }
@@ -33,8 +41,7 @@ std::string ORVBrowser::xyROI(int x, int y)
     std::string hit;
     m_roidb->seek(m_time_point, m_focal_plane, 0);
     for (roi r; hit.empty() && m_roidb->find_plus(m_time_point, m_focal_plane, r);) {
-        const q_roiimg& raster = *m_q_roiimgdb->qrimg(r);
-        if (raster.value(x - raster.top_left().x(), y - raster.top_left().y()) > 0)
+        if (covers(*m_q_roiimgdb->qrimg(r), x, y))
             hit = keygen(r);
     }
     release_dropped_rasters();
@@ -187,13 +194,17 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
     if (!m_roidb)
         return;
     const QPoint at = e->position().toPoint() - frame_canvas->pos();
-    const std::string key = xyROI(at.x(), at.y());
+    const bool on_canvas = frame_canvas->rect().contains(at);
+    const std::string key = on_canvas ? xyROI(at.x(), at.y()) : string();
     const bool left = e->button() == Qt::LeftButton;
-    if (key.empty() && !m_split_mode) {
+    const bool in_lineage_modes =
+        m_manual_elite || m_lineage_mode || m_remove_lineage_mode || m_add_lineage_mode;
+    // Only the place of a cut may be anywhere.
+    if (key.empty() && (!m_split_mode || in_lineage_modes || m_merge_mode)) {
         finish();
         return;
     }
-    if (m_manual_elite || m_lineage_mode || m_remove_lineage_mode || m_add_lineage_mode) {
+    if (in_lineage_modes) {
         if (left)
             click_in_lineage_modes(key);
     } else if (!m_merge_mode && !m_split_mode) {
@@ -219,7 +230,7 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
     } else if (m_remove_lineage_mode) {
         m_lineage_mode_roi_set = {unit};
         for (const std::string& parent : parents(unit))
-            release_child(parent, unit);
+            release_all(parent, unit);
         setRemoveLineageMode(false);
     } else {
         if (!m_lineage_mode_roi_set.empty())

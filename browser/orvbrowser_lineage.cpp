@@ -1,11 +1,9 @@
 // Lineage links between the units of successive time points, kept in m_linkage_multimap as child to
-// parent; what follows from them; and the overlay that shows them.
+// parent, and what follows from them.
 #include "keygen.h"
+#include "long_run.h"
 #include "orvbrowser.h"
 
-#include <QPainter>
-
-#include <cmath>
 #include <iostream>
 #include <utility>
 #include <vector>
@@ -15,12 +13,6 @@ namespace {
 // The two length constants of a voxel, in micrometres.
 constexpr float focal_plane_step_um = 0.5f;
 constexpr double pixel_size_um = 0.105;
-
-std::string time_key(int t) { return keygen(pos4i(0, 0, 0, t)); }
-
-bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
-
-QPoint truncated(pos3d p) { return {static_cast<int>(p.x()), static_cast<int>(p.y())}; }
 
 }    // namespace
 
@@ -36,7 +28,7 @@ std::set<std::string> ORVBrowser::parents(string key)
 // The links whose child lies at time point t.
 std::pair<ORVBrowser::link_cursor, ORVBrowser::link_cursor> ORVBrowser::links_into(int t) const
 {
-    return {m_linkage_multimap.lower_bound(time_key(t)), m_linkage_multimap.lower_bound(time_key(t + 1))};
+    return at_time_point(m_linkage_multimap, t);
 }
 
 std::set<std::string> ORVBrowser::children(string key)
@@ -150,6 +142,8 @@ pos3d ORVBrowser::g(string key)
 {
     pos3d sum;
     double volume = 0;
+    if (!isOpen())
+        return sum / volume;
     for (const std::string& m : member(key)) {
         const roi r = m_roidb->find_plus(m);
         const q_roiimg& raster = *m_q_roiimgdb->qrimg(r);
@@ -184,57 +178,35 @@ bool ORVBrowser::isLink(string parent, string child)
     return false;
 }
 
+// The rasters of the members of all units of a time point, by focal plane.
+ORVBrowser::members_by_plane ORVBrowser::unit_members_at(int t)
+{
+    members_by_plane planes;
+    for (const std::string& unit : units(t))
+        for (const std::string& key : member(unit))
+            if (const roi r = m_roidb->find_plus(key); !r.outline().empty())
+                planes[r.z()].push_back({unit, m_q_roiimgdb->qrimg(r)});
+    return planes;
+}
+
+// Links what isLink() finds overlapping, looking only at members of one plane.
 void ORVBrowser::makeLinkage(int t)
 {
-    const set<string> cur_units = units(t);
-    const set<string> parental_units = units(t - 1);
-    for (const std::string& cu : cur_units)
-        for (const std::string& pu : parental_units)
-            if (isLink(pu, cu))
-                m_linkage_multimap.emplace(cu, pu);
-}
-
-// ---- The overlay
-
-bool ORVBrowser::is_on_view(const string& unit)
-{
-    return z_min(unit) <= m_focal_plane && m_focal_plane <= z_max(unit);
-}
-
-// A circle of diameter 5 around the centroid; nothing for a unit without a pixel.
-void ORVBrowser::paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark)
-{
-    constexpr int radius = 2;
-    constexpr int full_turn = 360 * 16;
-    const pos3d centroid = g(unit);
-    if (!is_finite(centroid))
+    if (!isOpen())
         return;
-    painter.setPen(QPen(QColor(is_on_view(unit) ? bright : dark), 1, Qt::SolidLine));
-    const QPoint corner = truncated(centroid - pos3d(radius, radius, 0));
-    painter.drawChord(corner.x(), corner.y(), 2 * radius + 1, 2 * radius + 1, 0, full_turn);
-}
-
-void ORVBrowser::paint_links(QPainter& painter, const string& unit)
-{
-    const pos3d centroid = g(unit);
-    painter.setPen(QPen(QColor(is_on_view(unit) ? "#ffffff" : "#999999"), 1, Qt::SolidLine));
-    for (const std::string& parent : parents(unit)) {
-        const pos3d centroid_p = g(parent);
-        if (is_finite(centroid) && is_finite(centroid_p))
-            painter.drawLine(truncated(centroid), truncated(centroid_p));
+    LongRun run(*this);    // keeps the rasters of both time points
+    const members_by_plane parental = unit_members_at(t - 1);
+    std::map<string, set<string>> parents_of;
+    for (const auto& [z, children] : unit_members_at(t)) {
+        const auto plane = parental.find(z);
+        if (plane == parental.end())
+            continue;
+        for (const auto& [cu, c_qrimg] : children)
+            for (const auto& [pu, p_qrimg] : plane->second)
+                if (is_overlap(p_qrimg, c_qrimg))
+                    parents_of[cu].insert(pu);
     }
-}
-
-void ORVBrowser::drawLineage(QPixmap& dic)
-{
-    if (m_linkage_multimap.empty() || !isOpen())
-        return;
-    QPainter painter(&dic);
-    if (m_min_time_point < m_time_point)
-        for (const std::string& unit : units(m_time_point - 1))
-            paint_centroid(painter, unit, "#4444ff", "#222299");
-    for (const std::string& unit : units(m_time_point)) {
-        paint_centroid(painter, unit, "#ff0000", "#990000");
-        paint_links(painter, unit);
-    }
+    for (const auto& [cu, pus] : parents_of)
+        for (const std::string& pu : pus)
+            m_linkage_multimap.emplace(cu, pu);
 }

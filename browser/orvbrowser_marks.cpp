@@ -4,8 +4,6 @@
 #include "orvbrowser.h"
 #include "roi_reader.h"
 
-#include <QFileInfo>
-
 #include <fstream>
 #include <iostream>
 #include <limits>
@@ -20,14 +18,6 @@ file_question info_question(QFileDialog::AcceptMode mode, const char* object_nam
 file_question fp_question(QFileDialog::AcceptMode mode, const char* object_name, const QString& caption)
 {
     return {mode, "fp file (*.fp)", object_name, caption};
-}
-
-bool is_there(const std::string& filename)
-{
-    if (QFileInfo::exists(QFile::decodeName(filename.c_str())))
-        return true;
-    std::cerr << "No such file or directory: " << filename << std::endl;
-    return false;
 }
 
 // Reads pairs of words; those with the keyword bring a mark.
@@ -49,6 +39,30 @@ void read_mark_file(const std::string& filename, const std::string& dataset, con
         if (word == keyword && !value.empty())
             marks.insert(value);
     }
+}
+
+// True iff the file belongs to the recording, reads to its end, and holds ROIs after time point t;
+// otherwise one line on standard error.
+bool can_restore(const std::string& filename, const std::string& dataset, int t)
+{
+    roi_reader reader(filename);
+    std::string name;
+    int later_rois = 0;
+    if (!reader.is_open())
+        std::cerr << "roidb: Cannot open " << filename << std::endl;
+    else if (!reader.read_word(name) || name != dataset)
+        std::cerr << "different dataset" << std::endl;
+    else {
+        for (roi r; reader.read_record(r);)
+            later_rois += r.t() > t;
+        if (!reader.is_at_end())
+            std::cerr << "Not an ROI file to its end: " << filename << std::endl;
+        else if (later_rois == 0)
+            std::cerr << "No ROIs after time point " << t << " in " << filename << std::endl;
+        else
+            return true;
+    }
+    return false;
 }
 
 void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
@@ -82,6 +96,7 @@ void ORVBrowser::save_marks(QPushButton& button, const file_question& question, 
     if (!filename.isEmpty() && may_write(this, filename))
         write_mark_file(native_name(filename), m_dataset, keyword, marks);
     button.setEnabled(true);
+    frame_canvas->setFocus();    // it went to another button meanwhile
 }
 
 void ORVBrowser::pushButton_read_info_clicked()
@@ -117,8 +132,8 @@ void ORVBrowser::pushButton_select_all_clicked()
 {
     if (!m_roidb)
         return;
-    const auto last = m_roidb->db.lower_bound(keygen(pos4i(0, 0, 0, m_time_point + 1)));
-    for (auto entry = m_roidb->db.lower_bound(keygen(pos4i(0, 0, 0, m_time_point))); entry != last; ++entry)
+    const auto [first, last] = at_time_point(m_roidb->db, m_time_point);
+    for (auto entry = first; entry != last; ++entry)
         if (!m_removed_roi_set.contains(entry->first))
             m_selected_roi_set.insert(entry->first);
     finish();
@@ -126,47 +141,43 @@ void ORVBrowser::pushButton_select_all_clicked()
 
 void ORVBrowser::pushButton_clean_clicked()
 {
-    if (!m_roidb)
-        return;
-    if (m_selected_roi_set.empty() && m_fwd_roi_set.empty() && m_bwd_roi_set.empty()) {
+    set<string> to_remove;
+    std::size_t rois = 0;
+    if (m_roidb) {
+        rois = m_roidb->db.size();
+        for (const auto& [key, r] : m_roidb->db)
+            if (!isSelected(key) && !isFwdTracked(key) && !isBwdTracked(key))
+                to_remove.insert(to_remove.end(), key);
+    }
+    if (to_remove.size() == rois) {    // marks that name no ROI of the recording count for nothing
         std::cerr << "Nothing is selected or tracked: no ROI is marked as removed" << std::endl;
         return;
     }
-    for (const auto& [key, r] : m_roidb->db)
-        if (!isSelected(key) && !isFwdTracked(key) && !isBwdTracked(key))
-            m_removed_roi_set.insert(key);
+    m_removed_roi_set.merge(to_remove);
     finish();
 }
 
 void ORVBrowser::pushButton_restore_clicked()
 {
-    if (!m_roidb)
+    if (!isOpen())
         return;
     const file_question question{QFileDialog::AcceptOpen, "roi file (*.roi)", "open restore file dialog",
                                  tr("Choose a filename to read")};
     const std::string filename = native_name(ask_filename(this, question, default_file(m_dataset, ".roi")));
-    if (!filename.empty() && m_roidb && is_there(filename))
+    if (!filename.empty() && isOpen() && is_there(filename))
         restore_rois(filename);
     finish();
 }
 
-// What the file brings may lie outside the bounds of before, or end earlier.
+// The file is read through before anything is replaced. What it brings may lie outside the bounds of
+// before, or end earlier.
 void ORVBrowser::restore_rois(const string& filename)
 {
-    roi_reader reader(filename);
-    std::string name;
-    if (!reader.is_open()) {
-        std::cerr << "roidb: Cannot open " << filename << std::endl;
-        return;
-    }
-    if (!reader.read_word(name) || name != m_dataset) {
-        std::cerr << "different dataset" << std::endl;
-        return;
-    }
-    const int first = m_time_point + 1;
     setCursor(Qt::WaitCursor);
-    m_roidb->replace_plus(filename, first, std::numeric_limits<int>::max());
-    m_q_roiimgdb->remove_from(first);
-    take_time_bounds();
+    if (can_restore(filename, m_dataset, m_time_point)) {
+        m_roidb->replace_plus(filename, m_time_point + 1, std::numeric_limits<int>::max());
+        m_q_roiimgdb->remove_after(m_time_point);
+        take_time_bounds();
+    }
     end_waiting();
 }

@@ -18,9 +18,9 @@ ORVBrowser::unit_links ORVBrowser::links_of(const string& unit, int t)
 void ORVBrowser::release_links(const string& unit, const unit_links& links)
 {
     for (const std::string& parent : links.parents)
-        release_child(parent, unit);
+        release_all(parent, unit);
     for (const std::string& child : links.children)
-        release_child(unit, child);
+        release_all(unit, child);
 }
 
 void ORVBrowser::mergeUnits(string a, string b)
@@ -37,9 +37,9 @@ void ORVBrowser::mergeUnits(string a, string b)
         return;
     }
     const int t = decode(a).t();
-    unit_links links = links_of(a, t);
+    const unit_links links_a = links_of(a, t);
     const unit_links links_b = links_of(b, t);
-    release_links(a, links);
+    release_links(a, links_a);
     release_links(b, links_b);
 
     const std::string head = *members.begin();    // of a's members alone
@@ -48,12 +48,12 @@ void ORVBrowser::mergeUnits(string a, string b)
     forget_unit(b);
     register_unit(head, members);
 
-    links.parents.insert(links_b.parents.begin(), links_b.parents.end());
-    links.children.insert(links_b.children.begin(), links_b.children.end());
-    for (const std::string& parent : links.parents)
-        link(parent, head);
-    for (const std::string& child : links.children)
-        link(head, child);
+    for (const unit_links* links : {&links_a, &links_b})
+        for (const std::string& parent : links->parents)
+            link(parent, head);
+    for (const unit_links* links : {&links_a, &links_b})
+        for (const std::string& child : links->children)
+            link(head, child);
     m_elite_head_roi_set.erase(a);
     m_elite_head_roi_set.erase(b);
 }

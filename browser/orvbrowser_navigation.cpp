@@ -81,7 +81,8 @@ void ORVBrowser::set_position(int& position, int value, QSlider& slider, QLineEd
     const QString text = QString::number(value);
     if (field.text() != text)    // keeps the cursor of who is typing
         field.setText(text);
-    show_changes();
+    dirty = true;
+    repaint();
 }
 
 void ORVBrowser::setCurrentTimePoint(int t)
@@ -156,6 +157,11 @@ void ORVBrowser::build_roidb()
 {
     ++m_recording;
     m_roidb = std::make_unique<roidb_plus>(m_dataset);
+    // What the caches hold belongs to the recording before.
+    if (m_imgdb)
+        build_imgdb();
+    if (m_q_roiimgdb)
+        build_q_roiimgdb();
     LongRun run(*this);
     for (int t = m_min_time_point; t <= m_max_time_point; ++t) {
         for (int z = m_min_focal_plane; z <= m_max_focal_plane; ++z) {
@@ -202,7 +208,7 @@ void ORVBrowser::read_common()
     lineEdit_time_point->setEnabled(true);
     slider_time_point->setEnabled(true);
     slider_focal_plane->setEnabled(true);
-    setTrackingButtonsEnabled(true);
+    setTrackingButtonsEnabled(m_busy_runs == 0);    // a run that is ending enables them itself
     pushButton_auto->setEnabled(true);
     pushButton_reset->setEnabled(true);
     pushButton_stop->setEnabled(true);

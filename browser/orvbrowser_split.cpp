@@ -4,7 +4,6 @@
 #include "long_run.h"
 #include "orvbrowser.h"
 
-#include <QDeadlineTimer>
 #include <QTimer>
 
 #include <algorithm>
@@ -44,16 +43,15 @@ void ORVBrowser::pushButton_split_clicked()
 {
     {
         BusyRun run(*this);
-        set<string> unchanged;    // suspects that a pass of this run left as they were
         do {
-            const bool changed = split_pass(run, unchanged);
+            const bool changed = split_pass(run);
             if (!run.alive())
                 return;
             show_changes();
             if (!run.process_events())
                 return;
             run.checkpoint();
-            if (!changed && m_auto_split && !wait_while_auto_split(run))
+            if (!changed && !wait_while_auto_split(run))
                 return;
         } while (m_auto_split);
     }
@@ -62,45 +60,29 @@ void ORVBrowser::pushButton_split_clicked()
 
 // Nothing is left to do but for events, which may bring work or end the run: they are waited for
 // without burning a core. False when the run has ended.
-bool ORVBrowser::wait_while_auto_split(const LongRun& run)
+bool ORVBrowser::wait_while_auto_split(LongRun& run)
 {
-    const QDeadlineTimer deadline(idle_pass_ms);
     QTimer alarm;
     alarm.setSingleShot(true);
     alarm.start(idle_pass_ms);
-    while (run.alive() && m_auto_split && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    while (run.alive() && m_auto_split && alarm.isActive())
+        if (!run.process_events(QEventLoop::WaitForMoreEvents))
+            return false;
     return run.alive();
 }
 
-// Handles one suspect. True iff it is one no more.
-bool ORVBrowser::split_pass(LongRun& run, set<string>& unchanged)
+// Handles the first suspect. True iff anything was changed.
+bool ORVBrowser::split_pass(const LongRun& run)
 {
     search_doubt_units();
-    if (m_falsely_grouped_units_candidates.empty()) {
+    if (m_falsely_grouped_units_candidates.empty() || !isOpen()) {
         std::cout << "Doubt units: none" << std::endl;
         return false;
     }
-    const std::string doubt = next_suspect(unchanged);
+    const std::string doubt = *m_falsely_grouped_units_candidates.begin();
+    const bool has_more_parents = m_linkage_multimap.count(doubt) > 2;
     handle_suspect(doubt);
-    if (!run.alive())
-        return false;
-    const bool changed = m_linkage_multimap.count(doubt) < 2;
-    if (!changed)
-        unchanged.insert(doubt);
-    return changed;
-}
-
-// The first candidate; one that could not be changed makes way for those behind it, once round.
-std::string ORVBrowser::next_suspect(set<string>& unchanged)
-{
-    const auto& candidates = m_falsely_grouped_units_candidates;
-    const auto next = std::find_if(candidates.begin(), candidates.end(),
-                                   [&](const string& unit) { return !unchanged.contains(unit); });
-    if (next != candidates.end())
-        return *next;
-    unchanged.clear();
-    return *candidates.begin();
+    return run.alive() && (has_more_parents || m_linkage_multimap.count(doubt) < 2);
 }
 
 void ORVBrowser::handle_suspect(const string& doubt)
@@ -143,8 +125,8 @@ bool ORVBrowser::are_same_nucleus(const string& p1, const string& p2)
 }
 
 // True iff the unit is one nucleus and only the links were wrong: they are then repaired.
-bool ORVBrowser::repair_links(const string& doubt, const string& p1, const string& p2, const set<string>& sisters1,
-                              const set<string>& sisters2)
+bool ORVBrowser::repair_links(const string& doubt, const string& p1, const string& p2,
+                              const set<string>& sisters1, const set<string>& sisters2)
 {
     if (children(doubt).size() != 1 || parents(doubt).size() != 2)
         return false;
@@ -168,7 +150,8 @@ bool ORVBrowser::repair_links(const string& doubt, const string& p1, const strin
 }
 
 // Both parents have both children: each keeps one, so that the distances between centroids are small.
-void ORVBrowser::pair_by_distance(const string& p1, const string& p2, const string& first, const string& second)
+void ORVBrowser::pair_by_distance(const string& p1, const string& p2, const string& first,
+                                  const string& second)
 {
     const auto distance = [this](const string& a, const string& b) { return (E_g(a) - E_g(b)).size(); };
     const double straight = distance(p1, first) + distance(p2, second);

@@ -54,19 +54,17 @@ void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>*
     std::vector<flood_level> levels;
     levels.push_back({r_from, z, PlaneWalk(*m_roidb, t, z)});
     while (!levels.empty()) {
+        flood_level& level = levels.back();
+        const bool lost_its_origin = level.walk.is_stale() && !m_roidb->db.contains(keygen(level.from));
         roi r;
-        if (!levels.back().walk.next(r)) {
+        if (lost_its_origin || !level.walk.next(r)) {
             levels.pop_back();
             continue;
         }
         if (!run.process_events())
             return;
-        const flood_level& level = levels.back();
-        if (level.walk.is_stale()) {
-            if (!m_roidb->db.contains(keygen(level.from)))    // nothing to search from any more
-                levels.pop_back();
+        if (level.walk.is_stale())    // r may be gone: look again
             continue;
-        }
         const std::string key = keygen(r);
         if (m_removed_roi_set.contains(key) || !is_reached(level.from, r, mor_t, mor_z) ||
             !roiset->insert(key).second)
@@ -125,7 +123,7 @@ void ORVBrowser::zTracking(int t)
     LongRun run(*this);
     for_each_marked(t, m_selected_roi_set, [&](roi& r) {
         checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
-        if (run.alive())
+        if (run.alive() && m_roidb->db.contains(keygen(r)))
             checkAdjacentFocalPlane(r, t, r.z() + 1, &m_selected_roi_set, 0.0, 0.5);
     });
 }

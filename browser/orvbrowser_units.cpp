@@ -25,9 +25,10 @@ std::set<std::string> ORVBrowser::member(string key)
 std::set<std::string> ORVBrowser::units(int t)
 {
     set<string> heads;
-    const auto last = m_head_members.lower_bound(keygen(pos4i(0, 0, 0, t + 1)));
-    for (auto entry = m_head_members.upper_bound(keygen(pos4i(0, 0, 0, t))); entry != last; ++entry)
-        heads.insert(heads.end(), entry->first);
+    const auto [first, last] = at_time_point(m_head_members, t);
+    for (auto entry = first; entry != last; ++entry)
+        if (entry->first != time_key(t))
+            heads.insert(heads.end(), entry->first);
     return heads;
 }
 

@@ -8,8 +8,6 @@ namespace {
 
 constexpr int kept_time_points = 3;    // on either side of the one in use
 
-std::string time_key(int t) { return keygen(pos4i(0, 0, 0, t)); }
-
 }    // namespace
 
 q_roiimgdb::~q_roiimgdb() { drop(db.begin(), db.end()); }
@@ -31,7 +29,7 @@ void q_roiimgdb::remove(pos4i pos)
         drop(found, std::next(found));
 }
 
-void q_roiimgdb::remove_from(int t) { drop(db.lower_bound(time_key(t)), db.end()); }
+void q_roiimgdb::remove_after(int t) { drop(db.lower_bound(end_of_time_point(t)), db.end()); }
 
 void q_roiimgdb::drop_far_from(int t)
 {
@@ -41,7 +39,7 @@ void q_roiimgdb::drop_far_from(int t)
     // Negative time points sort before or after their neighbours: the ranges may be the wrong way round.
     if (low != db.end() && low->first < time_key(t_min))
         drop(low, kept);
-    remove_from(t + kept_time_points + 1);
+    remove_after(t + kept_time_points);
 }
 
 void q_roiimgdb::drop(position first, position last)

@@ -23,8 +23,8 @@ public:
     // Drops the raster at this position.
     void remove(pos4i pos);
 
-    // Drops every raster from time point t on.
-    void remove_from(int t);
+    // Drops every raster after time point t.
+    void remove_after(int t);
 
     // Frees the dropped rasters.
     // REQUIRES: nobody holds a pointer to one of them

@@ -1,13 +1,8 @@
 # What `cmake --install` and the Debian package contain; included when this project is built on its own.
 
-foreach(program orvbrowser roimaker make_demo)
-    if(TARGET ${program})
-        install(TARGETS ${program} RUNTIME)
-    endif()
-    if(EXISTS ${PROJECT_SOURCE_DIR}/data/${program}.1)
-        install(FILES data/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-    endif()
-endforeach()
+install(TARGETS orvbrowser make_demo RUNTIME)
+install(TARGETS roimaker RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/orvbrowser)    # where body.cpp looks for it
+install(FILES data/orvbrowser.1 data/make_demo.1 data/roimaker.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 install(FILES data/orvbrowser.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/orvbrowser-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME orvbrowser.xml)

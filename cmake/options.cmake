@@ -6,6 +6,8 @@ add_library(project_options INTERFACE)
 target_compile_features(project_options INTERFACE cxx_std_20)
 target_compile_options(project_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     -Wno-sign-conversion -Woverloaded-virtual -Wnon-virtual-dtor)
+# The cutting planes are the same to the bit on every machine.
+target_compile_options(project_options INTERFACE -ffp-contract=off)
 if(ORV_WARNINGS_AS_ERRORS)
     target_compile_options(project_options INTERFACE -Werror)
 endif()

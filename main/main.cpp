@@ -1,5 +1,6 @@
 // orvbrowser - opens the one window, and in it the recording of an ROI file when one is named.
 #include "MimeSourceFactory_ORVBrowser.h"
+#include "lineage_page.h"
 #include "orvbrowser.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 #include <QFile>
 #include <QIcon>
 
+#include <csignal>
 #include <iostream>
 
 namespace {
@@ -78,11 +80,15 @@ int main(int argc, char* argv[])
     if (wanted.status != 0)
         return wanted.status;
 
+    // Who reads the trace lines may stop reading; that must not cost anybody's work.
+    std::signal(SIGPIPE, SIG_IGN);
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName("orvbrowser");
     QApplication::setWindowIcon(QIcon(MimeSourceFactory_ORVBrowser::application_icon()));
     ORVBrowser window;
     window.setApplication(&application);
+    auto* const lineage = new LineagePage(window);
+    window.tabWidget_control_panel->addTab(lineage, QObject::tr("Lineage"));
     if (!wanted.roi_file.empty() && !window.openRoiFile(wanted.roi_file))
         return 1;
     window.show();

@@ -68,7 +68,8 @@ std::string lines_of(const outlined_region& region, std::size_t number)
 {
     const std::string n = std::to_string(number);
     return "region " + n + " pixels " + std::to_string(region.pixels) + '\n' + n + ' ' +
-           std::to_string(region.start.x()) + ' ' + std::to_string(region.start.y()) + ' ' + region.chain + '\n';
+           std::to_string(region.start.x()) + ' ' + std::to_string(region.start.y()) + ' ' + region.chain +
+           '\n';
 }
 
 // Leaves out the smallest regions until the answer fits; later ones first among those of equal size.
@@ -79,11 +80,12 @@ std::size_t keep_what_fits(std::vector<outlined_region>& regions)
     std::iota(by_size.begin(), by_size.end(), 0);
     std::stable_sort(by_size.begin(), by_size.end(),
                      [&](std::size_t a, std::size_t b) { return regions[a].pixels > regions[b].pixels; });
-    std::size_t length = std::to_string(regions.size()).size() + 1;
+    // How long the answer is depends only on which regions are kept, not on their order.
+    std::size_t length = 0;
     std::size_t kept = 0;
     for (; kept < by_size.size(); ++kept) {
-        length += lines_of(regions[by_size[kept]], regions.size()).size();
-        if (length > max_answer)
+        length += lines_of(regions[by_size[kept]], kept + 1).size();
+        if (length + std::to_string(kept + 1).size() + 1 > max_answer)
             break;
     }
     std::vector<bool> is_kept(regions.size());
@@ -99,12 +101,15 @@ int answer(const mask& m)
 {
     std::vector<outlined_region> regions = outline_regions(m.pixels, m.width, m.height);
     if (const std::size_t left_out = keep_what_fits(regions); left_out > 0)
-        std::fprintf(stderr, "roimaker: the answer would not fit: %zu of the smallest regions left out\n", left_out);
+        std::fprintf(stderr, "roimaker: the answer would not fit: %zu of the smallest regions left out\n",
+                     left_out);
     std::string text = std::to_string(regions.size()) + '\n';
     for (std::size_t i = 0; i < regions.size(); ++i)
         text += lines_of(regions[i], i + 1);
-    const bool was_written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    return was_written && std::fflush(stdout) == 0 ? 0 : 1;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
+        return 0;
+    std::perror("roimaker");
+    return 1;
 }
 
 }    // namespace

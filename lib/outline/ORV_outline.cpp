@@ -168,3 +168,43 @@ bool is_closed(const std::string& chain) noexcept
     const auto count = [&chain](char step) { return std::count(chain.begin(), chain.end(), step); };
     return count('0') == count('2') && count('1') == count('3');
 }
+
+// Every step down has the pixels to its right inside, every step up has them outside: summed from the
+// left, the steps of a row tell how often each of its pixels is enclosed.
+bool fill_outline(pos2i start, const std::string& chain, std::span<unsigned char> mask, int width, int height)
+{
+    if (!is_closed(chain))
+        return false;
+    const auto columns = static_cast<std::size_t>(width) + 1;
+    std::vector<int> steps(columns * static_cast<std::size_t>(height));
+    const auto step_at = [&](int x, int y) -> int& {
+        return steps[static_cast<std::size_t>(y) * columns + static_cast<std::size_t>(x)];
+    };
+    int x = start.x();
+    int y = start.y();
+    const auto in_mask = [&] { return x >= 0 && y >= 0 && x <= width && y <= height; };
+    if (!in_mask())
+        return false;
+    for (const char c : chain) {
+        const int from_y = y;
+        x += (c == '3') - (c == '1');
+        y += (c == '2') - (c == '0');
+        if (!in_mask())
+            return false;
+        if (y != from_y)
+            step_at(x, std::min(y, from_y)) += y - from_y;
+    }
+    for (int row = 0; row < height; ++row) {
+        int times = 0;
+        for (int column = 0; column < width; ++column) {
+            times += step_at(column, row);
+            step_at(column, row) = times;
+            if (times < 0 || times > 1)
+                return false;
+        }
+    }
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        if (steps[i / static_cast<std::size_t>(width) * columns + i % static_cast<std::size_t>(width)] == 1)
+            mask[i] = 1;
+    return true;
+}

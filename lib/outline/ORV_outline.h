@@ -29,5 +29,12 @@ struct outlined_region {
 // are skipped. (Shoelace formula, edge by edge.)
 [[nodiscard]] long long enclosed_pixels(const std::string& chain) noexcept;
 
+// Sets the bytes of a mask of width x height that a closed outline encloses, holes included, to 1; the
+// others stay. False, and the mask as it was, when the outline is not closed, leaves the mask, or
+// encloses a pixel clockwise or twice.
+// REQUIRES: mask.size() == width * height
+[[nodiscard]] bool fill_outline(pos2i start, const std::string& chain, std::span<unsigned char> mask,
+                                int width, int height);
+
 // True iff the outline ends where it starts.
 [[nodiscard]] bool is_closed(const std::string& chain) noexcept;

@@ -22,6 +22,9 @@ public:
     // The next record: x, y, z, t and the outline. False when it does not parse or the file has ended.
     [[nodiscard]] bool read_record(roi& r);
 
+    // True iff nothing but white space is left.
+    [[nodiscard]] bool is_at_end() { return !skip_space(); }
+
 private:
     [[nodiscard]] bool skip_space();
     [[nodiscard]] bool read_int(int& value);

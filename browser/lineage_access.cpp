@@ -1,0 +1,124 @@
+#include "lineage_access.h"
+
+#include "keygen.h"
+#include "long_run.h"
+#include "plane_walk.h"
+
+#include <utility>
+
+bool LineageAccess::is_open() const noexcept { return _window->isOpen(); }
+bool LineageAccess::is_busy() const noexcept { return _window->m_runs > 0; }
+unsigned long LineageAccess::edits() const noexcept { return _window->m_edits; }
+unsigned long LineageAccess::recording() const noexcept { return _window->m_recording; }
+int LineageAccess::time_point() const noexcept { return _window->m_time_point; }
+int LineageAccess::min_time_point() const noexcept { return _window->m_min_time_point; }
+int LineageAccess::max_time_point() const noexcept { return _window->m_max_time_point; }
+const std::string& LineageAccess::dataset() const noexcept { return _window->m_dataset; }
+const roidb_plus& LineageAccess::rois() const noexcept { return *_window->m_roidb; }
+
+const std::multimap<std::string, std::string>& LineageAccess::head_members() const noexcept
+{
+    return _window->m_head_members;
+}
+
+const std::multimap<std::string, std::string>& LineageAccess::links() const noexcept
+{
+    return _window->m_linkage_multimap;
+}
+
+const std::set<std::string>& LineageAccess::elite() const noexcept { return _window->m_elite_head_roi_set; }
+
+const std::set<std::string>& LineageAccess::doubtful() const noexcept
+{
+    return _window->m_falsely_grouped_units_candidates;
+}
+
+std::string LineageAccess::chosen_head() const
+{
+    const auto& chosen = _window->m_lineage_mode_roi_set;
+    return chosen.empty() ? std::string() : *chosen.begin();
+}
+
+QColor LineageAccess::color(int index) const { return _window->color[index]; }
+
+void LineageAccess::make_units(int t, double overlap)
+{
+    const QPointer<ORVBrowser> window(_window);    // a handler may delete it
+    LongRun run(*_window);
+    auto& grouped = _window->m_make_unit_roi_set;
+    grouped.clear();
+    const auto& heads = _window->m_members_head;
+    const auto [first, last] = at_time_point(heads, t);
+    for (auto entry = first; entry != last; ++entry)
+        grouped.insert(grouped.end(), entry->first);
+    for (int z = _window->m_min_focal_plane; z <= _window->m_max_focal_plane; ++z) {
+        PlaneWalk walk(*_window->m_roidb, t, z);
+        for (roi r; walk.next(r);) {
+            const std::string key = keygen(r);
+            if (grouped.contains(key) || _window->m_removed_roi_set.contains(key))
+                continue;
+            _window->m_unit_roi_head = r;
+            _window->m_make_units = true;
+            _window->checkAdjacentFocalPlane(r, t, z, &grouped, 0.0, overlap);
+            if (window)
+                window->m_make_units = false;
+            if (!run.alive())
+                return;
+            if (!heads.contains(key)) {    // a handler has reset the units: this one is a torso
+                _window->forget_unit(key);
+                return;
+            }
+        }
+    }
+    grouped.clear();
+}
+
+void LineageAccess::drop_links()
+{
+    _window->m_linkage_multimap.clear();
+    _window->show_changes();
+}
+
+void LineageAccess::set_elite(const std::set<std::string>& heads, bool on)
+{
+    for (const std::string& head : heads) {
+        if (on)
+            _window->m_elite_head_roi_set.insert(head);
+        else
+            _window->m_elite_head_roi_set.erase(head);
+    }
+    _window->show_changes();
+}
+
+void LineageAccess::highlight(const std::string& head)
+{
+    _window->m_mouse_over_roi_set = _window->member(head);
+    _window->show_changes();
+}
+
+void LineageAccess::finish() { _window->finish(); }
+
+lineage LineageAccess::current() const
+{
+    lineage units;
+    for (const auto& [head, member] : _window->m_head_members)
+        if (rois().db.contains(member))
+            units.head_members.emplace_hint(units.head_members.end(), head, member);
+    const auto is_unit = [&](const std::string& head) { return units.head_members.contains(head); };
+    for (const auto& [child, parent] : _window->m_linkage_multimap)
+        if (is_unit(child) && is_unit(parent))
+            units.links.emplace_hint(units.links.end(), child, parent);
+    for (const std::string& head : _window->m_elite_head_roi_set)
+        if (is_unit(head))
+            units.elite.insert(units.elite.end(), head);
+    return units;
+}
+
+void LineageAccess::replace(lineage units)
+{
+    _window->m_members_head = heads_of_members(units);
+    _window->m_head_members = std::move(units.head_members);
+    _window->m_linkage_multimap = std::move(units.links);
+    _window->m_elite_head_roi_set = std::move(units.elite);
+    _window->show_changes();
+}

@@ -1,0 +1,365 @@
+#include "lineage_page.h"
+
+#include "file_dialogs.h"
+#include "help_window.h"
+#include "long_run.h"
+#include "tree_window.h"
+
+#include <QEvent>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <iostream>
+
+namespace {
+
+constexpr double default_overlap =
+    0.2;    // gives the best units on recordings whose truth is known: docs/units.md
+constexpr int watch_ms = 300;
+
+struct button_row {
+    QPushButton* LineagePage::*button;
+    const char* name;
+    const char* text;
+    QRect place;
+    const char* tip;
+};
+
+const button_row buttons[] = {
+    {&LineagePage::make_units,
+     "make_units",
+     QT_TRANSLATE_NOOP("LineagePage", "Make units"),
+     {8, 4, 90, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Group the ROIs of the whole recording across planes into units")},
+    {&LineagePage::make_links,
+     "make_links",
+     QT_TRANSLATE_NOOP("LineagePage", "Make links"),
+     {228, 4, 90, 26},
+     QT_TRANSLATE_NOOP("LineagePage",
+                       "Link overlapping units of successive time points, in place of the links there are")},
+    {&LineagePage::elite,
+     "elite",
+     QT_TRANSLATE_NOOP("LineagePage", "Elite"),
+     {318, 4, 60, 26},
+     QT_TRANSLATE_NOOP(
+         "LineagePage",
+         "Mark all units of this time point as known to be right, or unmark them (one unit: E)")},
+    {&LineagePage::doubtful,
+     "doubtful",
+     QT_TRANSLATE_NOOP("LineagePage", "Doubtful"),
+     {378, 4, 70, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Show the next unit with more than one parent")},
+    {&LineagePage::dead_end,
+     "dead_end",
+     QT_TRANSLATE_NOOP("LineagePage", "Dead end"),
+     {448, 4, 70, 26},
+     QT_TRANSLATE_NOOP("LineagePage",
+                       "Show the first unit without a child before the last time point (link it: A)")},
+    {&LineagePage::unlinked,
+     "unlinked",
+     QT_TRANSLATE_NOOP("LineagePage", "Unlinked"),
+     {518, 4, 70, 26},
+     QT_TRANSLATE_NOOP("LineagePage",
+                       "Show the first unit without a parent after the first time point (link it: A)")},
+    {&LineagePage::split,
+     "split",
+     QT_TRANSLATE_NOOP("LineagePage", "Split"),
+     {8, 32, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Split or repair the first doubtful unit (by hand: S)")},
+    {&LineagePage::auto_split,
+     "auto_split",
+     QT_TRANSLATE_NOOP("LineagePage", "Auto split"),
+     {68, 32, 80, 26},
+     QT_TRANSLATE_NOOP("LineagePage",
+                       "Split or repair doubtful units, one after the other, until switched off")},
+    {&LineagePage::read_lineage_file,
+     "read_lineage_file",
+     QT_TRANSLATE_NOOP("LineagePage", "Read Lineage"),
+     {158, 32, 100, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Read units, links and elite marks from a file")},
+    {&LineagePage::save_lineage_file,
+     "save_lineage_file",
+     QT_TRANSLATE_NOOP("LineagePage", "Save Lineage"),
+     {258, 32, 100, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Save units, links and elite marks to a file")},
+    {&LineagePage::tree,
+     "tree",
+     QT_TRANSLATE_NOOP("LineagePage", "Tree"),
+     {378, 32, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Draw the lineage as a tree (of one unit: choose it with L)")},
+    {&LineagePage::help,
+     "help",
+     QT_TRANSLATE_NOOP("LineagePage", "Help"),
+     {438, 32, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Keys, mouse, modes and colours")},
+    {&LineagePage::reload_colors,
+     "reload_colors",
+     QT_TRANSLATE_NOOP("LineagePage", "Reload colours"),
+     {8, 60, 110, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Read the colours again from .orvbrowser in the home directory")},
+    {&LineagePage::close_recording,
+     "close_recording",
+     QT_TRANSLATE_NOOP("LineagePage", "Close"),
+     {118, 60, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Close the recording; what is not saved is lost")},
+    {&LineagePage::stop,
+     "stop",
+     QT_TRANSLATE_NOOP("LineagePage", "Stop"),
+     {528, 60, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "End the operation that is going on; what it has done stays")},
+};
+
+file_question lineage_question(QFileDialog::AcceptMode mode, const char* object_name, const QString& caption)
+{
+    return {mode, "lineage file (*.lineage)", object_name, caption};
+}
+
+QString line_of(const QString& of_what, const tally& t)
+{
+    return QString("%1: %2 ROIs, %3 units, %4 links, %5 doubtful, %6 dead ends, %7 unlinked")
+        .arg(of_what)
+        .arg(t.rois)
+        .arg(t.units)
+        .arg(t.links)
+        .arg(t.doubtful)
+        .arg(t.dead_ends)
+        .arg(t.unlinked);
+}
+
+}    // namespace
+
+LineagePage::LineagePage(ORVBrowser& window) : QWidget(window.tabWidget_control_panel), _access(window)
+{
+    setObjectName("lineagePage");
+    create_controls();
+    connect_controls();
+    // The window enables its tracking buttons exactly while a recording is open and no run is going on.
+    window.pushButton_forward_tracking->installEventFilter(this);
+    enable_controls();
+    connect(&_watch, &QTimer::timeout, this, &LineagePage::update_numbers);
+    _watch.start(watch_ms);
+}
+
+LineagePage::~LineagePage() = default;
+
+void LineagePage::create_controls()
+{
+    for (const button_row& row : buttons) {
+        auto* const button = new QPushButton(tr(row.text), this);
+        button->setObjectName(row.name);
+        button->setGeometry(row.place);
+        button->setToolTip(tr(row.tip));
+        button->setFocusPolicy(Qt::NoFocus);
+        this->*row.button = button;
+    }
+    auto_split->setCheckable(true);
+
+    auto* const caption = new QLabel(tr("Overlap"), this);
+    caption->setGeometry(104, 4, 56, 26);
+    overlap = new QDoubleSpinBox(this);
+    overlap->setObjectName("overlap");
+    overlap->setGeometry(160, 4, 62, 26);
+    overlap->setRange(0, 0.95);
+    overlap->setSingleStep(0.05);
+    overlap->setValue(default_overlap);
+    overlap->setToolTip(
+        tr("Share of the larger outline that outlines of one unit share between planes; 0: one pixel"));
+    overlap->setFocusPolicy(Qt::NoFocus);
+    for (QLineEdit* field : overlap->findChildren<QLineEdit*>())
+        field->setFocusPolicy(Qt::NoFocus);
+
+    progress = new QProgressBar(this);
+    progress->setObjectName("progress");
+    progress->setGeometry(188, 62, 332, 22);
+    progress->setFormat(tr("time point %v of %m"));
+    numbers = new QLabel(this);
+    numbers->setObjectName("numbers");
+    numbers->setGeometry(8, 87, 584, 30);
+    QFont small = numbers->font();
+    small.setPixelSize(11);
+    numbers->setFont(small);
+}
+
+void LineagePage::connect_controls()
+{
+    ORVBrowser* const window = &_access.window();
+    connect(make_units, &QPushButton::clicked, this, &LineagePage::make_all_units);
+    connect(make_links, &QPushButton::clicked, this, &LineagePage::make_all_links);
+    connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
+    connect(doubtful, &QPushButton::clicked, this, &LineagePage::show_next_doubtful);
+    connect(dead_end, &QPushButton::clicked, window, &ORVBrowser::pushButton_dead_end_clicked);
+    connect(unlinked, &QPushButton::clicked, window, &ORVBrowser::pushButton_unlinked_unit_clicked);
+    connect(split, &QPushButton::clicked, window, &ORVBrowser::pushButton_split_clicked);
+    connect(auto_split, &QPushButton::toggled, this, &LineagePage::toggle_auto_split);
+    connect(read_lineage_file, &QPushButton::clicked, this, &LineagePage::read_file);
+    connect(save_lineage_file, &QPushButton::clicked, this, &LineagePage::save_file);
+    connect(tree, &QPushButton::clicked, this, &LineagePage::show_tree);
+    connect(help, &QPushButton::clicked, this, &LineagePage::show_help);
+    connect(reload_colors, &QPushButton::clicked, window, &ORVBrowser::pushButton_reload_config_file_clicked);
+    connect(close_recording, &QPushButton::clicked, window, &ORVBrowser::pushButton_close_clicked);
+    connect(stop, &QPushButton::clicked, this, [this] {
+        _stop_asked = true;
+        auto_split->setChecked(false);
+        _access.window().pushButton_stop_clicked();
+    });
+}
+
+bool LineagePage::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::EnabledChange)
+        enable_controls();
+    return QWidget::eventFilter(watched, event);
+}
+
+// The switch of the automatic split, and Stop, are what ends a run; help is always at hand.
+void LineagePage::enable_controls()
+{
+    const bool is_open = _access.is_open();
+    const bool is_busy = is_open && !_access.window().pushButton_forward_tracking->isEnabled();
+    for (const button_row& row : buttons)
+        (this->*row.button)->setEnabled(is_open && !is_busy);
+    overlap->setEnabled(is_open && !is_busy);
+    auto_split->setEnabled(is_open && (!is_busy || auto_split->isChecked()));
+    stop->setEnabled(is_busy);
+    help->setEnabled(true);
+}
+
+// Counts only what edits may have changed; moving through the recording costs a look into a table.
+void LineagePage::update_numbers()
+{
+    if (!_access.is_open()) {
+        numbers->clear();
+        _counted_edits = 0;
+        return;
+    }
+    if (!isVisible() || _access.is_busy())
+        return;
+    if (_counted_edits != _access.edits() || _counted_revision != _access.rois().revision()) {
+        _counted_edits = _access.edits();
+        _counted_revision = _access.rois().revision();
+        _tallies = count_lineage(_access);
+    }
+    tally all;
+    for (const auto& [t, at] : _tallies)
+        all.add(at);
+    const int t = _access.time_point();
+    const auto here = _tallies.find(t);
+    numbers->setText(line_of(tr("Recording"), all) + '\n' +
+                     line_of(tr("Time point %1").arg(t), here == _tallies.end() ? tally() : here->second));
+}
+
+// Runs step() for the time points from `first` to the last, and lets events be processed in between.
+void LineagePage::run_over_time(int first, const std::function<void(int)>& step)
+{
+    const int last = _access.max_time_point();
+    BusyRun run(_access.window());
+    _stop_asked = false;
+    progress->setRange(_access.min_time_point(), std::max(last, _access.min_time_point() + 1));
+    for (int t = first; t <= last && !_stop_asked; ++t) {
+        progress->setValue(t);
+        step(t);
+        if (!run.alive() || !run.process_events())
+            return;
+        run.checkpoint();
+    }
+    progress->reset();
+    _access.finish();
+}
+
+void LineagePage::make_all_units()
+{
+    const double share = overlap->value();
+    run_over_time(_access.min_time_point(), [this, share](int t) { _access.make_units(t, share); });
+}
+
+bool LineagePage::may_drop_links()
+{
+    return _access.links().empty() ||
+           QMessageBox::question(this, tr("Make links? -- ORVBrowser"),
+                                 tr("There are links already. Do you want to replace them?")) ==
+               QMessageBox::Yes;
+}
+
+void LineagePage::make_all_links()
+{
+    if (!may_drop_links() || !_access.is_open())
+        return;
+    _access.drop_links();
+    run_over_time(_access.min_time_point() + 1, [this](int t) { _access.window().makeLinkage(t); });
+}
+
+void LineagePage::toggle_elite()
+{
+    const std::set<std::string> units = _access.window().units(_access.time_point());
+    const bool all_are = std::all_of(units.begin(), units.end(), [this](const std::string& unit) {
+        return _access.elite().contains(unit);
+    });
+    _access.set_elite(units, !all_are);
+}
+
+void LineagePage::show_next_doubtful()
+{
+    _access.window().search_doubt_units();
+    const std::set<std::string>& candidates = _access.doubtful();
+    if (candidates.empty()) {
+        std::cout << "Doubt units: none" << std::endl;
+        return;
+    }
+    const auto next = candidates.upper_bound(_last_doubtful);
+    _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
+    std::cout << "Doubt unit: " << _last_doubtful << std::endl;
+    _access.window().view(_last_doubtful);
+}
+
+void LineagePage::toggle_auto_split(bool on)
+{
+    const QPointer<LineagePage> self(this);
+    _access.window().pushButton_auto_split_toggled(on);
+    if (!on)
+        return;
+    _access.window().pushButton_split_clicked();
+    if (self)    // the window may have ended the loop itself
+        auto_split->setChecked(false);
+}
+
+void LineagePage::read_file()
+{
+    const std::string filename = native_name(ask_filename(
+        this, lineage_question(QFileDialog::AcceptOpen, "open lineage-file", tr("Choose a filename to read")),
+        default_file(_access.dataset(), ".lineage")));
+    if (filename.empty() || !is_there(filename) || !_access.is_open())
+        return;
+    if (std::optional<lineage> units = read_lineage(filename, _access.dataset(), _access.rois()))
+        _access.replace(std::move(*units));
+}
+
+void LineagePage::save_file()
+{
+    save_lineage_file->setEnabled(false);
+    const QString filename = ask_filename(
+        this,
+        lineage_question(QFileDialog::AcceptSave, "save lineage-file", tr("Choose a filename to save under")),
+        default_file(_access.dataset(), ".lineage"));
+    if (!filename.isEmpty() && may_write(this, filename) && _access.is_open())
+        write_lineage(native_name(filename), _access.dataset(), _access.current());
+    enable_controls();
+}
+
+void LineagePage::show_tree()
+{
+    if (!_tree_window)
+        _tree_window = new TreeWindow(_access);
+    _tree_window->show();
+    _tree_window->raise();
+}
+
+void LineagePage::show_help()
+{
+    if (!_help_window)
+        _help_window = new HelpWindow(_access);
+    _help_window->update_text();
+    _help_window->show();
+    _help_window->raise();
+}

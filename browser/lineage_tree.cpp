@@ -1,0 +1,156 @@
+#include "lineage_tree.h"
+
+#include "keygen.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace {
+
+using key_set = std::set<std::string>;
+
+// The chosen unit, its ancestors and its descendants.
+key_set related_units(const LineageAccess& access, const std::string& chosen)
+{
+    key_set related{chosen};
+    // Links are in the order of their children's time points: one pass finds all descendants.
+    for (auto link = access.links().lower_bound(chosen); link != access.links().end(); ++link)
+        if (related.contains(link->second))
+            related.insert(link->first);
+    related.merge(access.window().upstream_units(chosen, access.min_time_point()));
+    return related;
+}
+
+std::vector<tree_node> make_nodes(const LineageAccess& access, const std::string& chosen)
+{
+    const bool is_whole = !access.head_members().contains(chosen);
+    const key_set related = is_whole ? key_set() : related_units(access, chosen);
+    std::vector<tree_node> nodes;
+    for (const auto& [unit, member] : access.head_members()) {
+        const bool is_new = nodes.empty() || nodes.back().unit != unit;
+        if (!is_new || !is_roi_key(unit) || (!is_whole && !related.contains(unit)))
+            continue;
+        tree_node node;
+        node.unit = unit;
+        node.t = decode(unit).t();
+        node.is_elite = access.elite().contains(unit);
+        node.is_doubtful = access.links().count(unit) > 1;
+        node.is_unlinked = node.t > access.min_time_point() && !access.links().contains(unit);
+        node.is_dead_end = node.t < access.max_time_point();    // until a link says otherwise
+        nodes.push_back(std::move(node));
+    }
+    return nodes;
+}
+
+void hang_children(lineage_tree& tree, const LineageAccess& access)
+{
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i)
+        tree.nodes[i].parent = i;
+    for (const auto& [child, parent] : access.links()) {
+        const std::size_t c = tree.find(child);
+        const std::size_t p = tree.find(parent);
+        if (p < tree.nodes.size())
+            tree.nodes[p].is_dead_end = false;
+        if (p >= tree.nodes.size() || c >= tree.nodes.size() || tree.nodes[p].t >= tree.nodes[c].t)
+            continue;
+        if (tree.nodes[c].parent == c) {
+            tree.nodes[c].parent = p;
+            tree.nodes[p].children.push_back(c);
+        } else {
+            tree.slanted.push_back({c, p});
+        }
+    }
+}
+
+void order_nodes(lineage_tree& tree)
+{
+    std::vector<std::size_t> to_visit;
+    for (std::size_t i = tree.nodes.size(); i-- > 0;)
+        if (tree.nodes[i].parent == i)
+            to_visit.push_back(i);
+    while (!to_visit.empty()) {
+        const std::size_t i = to_visit.back();
+        to_visit.pop_back();
+        tree.order.push_back(i);
+        const auto& children = tree.nodes[i].children;
+        to_visit.insert(to_visit.end(), children.rbegin(), children.rend());
+    }
+}
+
+// Leaves get the columns in order; a node stands above the middle of what hangs under it.
+void set_columns(lineage_tree& tree)
+{
+    for (const std::size_t i : tree.order)
+        if (tree.nodes[i].children.empty())
+            tree.nodes[i].column = tree.columns++;
+    for (auto i = tree.order.rbegin(); i != tree.order.rend(); ++i) {
+        tree_node& node = tree.nodes[*i];
+        if (!node.children.empty())
+            node.column =
+                (tree.nodes[node.children.front()].column + tree.nodes[node.children.back()].column) / 2;
+    }
+}
+
+void set_rows(lineage_tree& tree)
+{
+    if (tree.nodes.empty())
+        return;
+    tree.first_t = tree.nodes.front().t;
+    tree.rows.resize(static_cast<std::size_t>(tree.nodes.back().t - tree.first_t) + 1);
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+        const tree_node& node = tree.nodes[i];
+        tree.rows[static_cast<std::size_t>(node.t - tree.first_t)].push_back(i);
+        const tree_node& parent = tree.nodes[node.parent];
+        if (parent.column != node.column || node.t > parent.t + 1)
+            tree.slanted.push_back({i, node.parent});
+    }
+    for (auto& row : tree.rows)
+        std::sort(row.begin(), row.end(),
+                  [&](std::size_t a, std::size_t b) { return tree.nodes[a].column < tree.nodes[b].column; });
+}
+
+}    // namespace
+
+std::size_t lineage_tree::find(const std::string& unit) const
+{
+    const auto node = std::lower_bound(nodes.begin(), nodes.end(), unit,
+                                       [](const tree_node& n, const std::string& u) { return n.unit < u; });
+    return node != nodes.end() && node->unit == unit ? static_cast<std::size_t>(node - nodes.begin())
+                                                     : nodes.size();
+}
+
+lineage_tree make_tree(const LineageAccess& access, const std::string& chosen)
+{
+    lineage_tree tree;
+    tree.nodes = make_nodes(access, chosen);
+    hang_children(tree, access);
+    order_nodes(tree);
+    set_columns(tree);
+    set_rows(tree);
+    return tree;
+}
+
+std::string newick(const lineage_tree& tree)
+{
+    // From the last node to the first, what hangs under a node is complete when its turn comes.
+    std::vector<std::string> texts(tree.nodes.size());
+    std::string roots;
+    for (auto i = tree.order.rbegin(); i != tree.order.rend(); ++i) {
+        const tree_node& node = tree.nodes[*i];
+        std::string& text = texts[*i];
+        for (const std::size_t child : node.children) {
+            text += text.empty() ? '(' : ',';
+            text += std::exchange(texts[child], {});
+        }
+        if (!node.children.empty())
+            text += ')';
+        text += node.unit;
+        if (node.parent != *i)
+            text += ':' + std::to_string(node.t - tree.nodes[node.parent].t);
+    }
+    for (const std::size_t i : tree.order)
+        if (tree.nodes[i].parent == i)
+            roots += texts[i] + ";\n";
+    return roots;
+}

@@ -1,0 +1,43 @@
+// lineage_tree.h - units and links laid out as a tree: time runs down, one column per branch.
+#pragma once
+#include "lineage_access.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+struct tree_node {
+    std::string unit;     // its head
+    int t = 0;            // time point
+    double column = 0;    // a whole number for a branch without branches; between its branches otherwise
+    bool is_elite = false;
+    bool is_doubtful = false;
+    bool is_dead_end = false;
+    bool is_unlinked = false;
+    std::size_t parent = 0;               // the first parent, under which it hangs; itself for a root
+    std::vector<std::size_t> children;    // those that hang under it
+};
+
+// A link that does not follow a branch straight down: to a further parent, or from a division.
+struct tree_link {
+    std::size_t child;
+    std::size_t parent;
+};
+
+struct lineage_tree {
+    std::vector<tree_node> nodes;                  // ascending by unit, so by time point
+    std::vector<std::size_t> order;                // indices of nodes: each before those that hang under it
+    std::vector<std::vector<std::size_t>> rows;    // by time point from first_t: indices of nodes, by column
+    std::vector<tree_link> slanted;
+    int first_t = 0;
+    int columns = 0;
+
+    // The node of a unit, or nodes.size().
+    [[nodiscard]] std::size_t find(const std::string& unit) const;
+};
+
+// The tree of all units; with `chosen`, of its ancestors, itself and its descendants.
+[[nodiscard]] lineage_tree make_tree(const LineageAccess& access, const std::string& chosen);
+
+// The tree in Newick format, one line per root. Branch lengths are time points.
+[[nodiscard]] std::string newick(const lineage_tree& tree);

@@ -1,0 +1,33 @@
+// tree_painter.h - draws a lineage tree, or the part of it that is in view.
+#pragma once
+#include "lineage_tree.h"
+
+#include <QPainter>
+#include <QRectF>
+
+#include <optional>
+
+// How the tree lies on the paper: pixels per column and per time point, and where (0, first_t) is.
+struct tree_view {
+    QPointF origin{40, 40};
+    double column_width = 14;
+    double row_height = 14;
+
+    [[nodiscard]] QPointF place(const lineage_tree& tree, const tree_node& node) const;
+    [[nodiscard]] QSizeF size_of(const lineage_tree& tree) const;    // of the whole tree, with its margins
+};
+
+// What is marked besides the units themselves.
+struct tree_marks {
+    int time_point = 0;         // drawn as a line across
+    std::string marked_unit;    // drawn with a ring; may be ""
+};
+
+// Draws what lies in `area`. Where units would be smaller than a pixel or two, only the branches and the
+// units that need a look are drawn.
+void paint_tree(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& area,
+                const tree_marks& marks);
+
+// The unit at a point of the paper, or nothing.
+[[nodiscard]] std::optional<std::size_t> node_at(const lineage_tree& tree, const tree_view& view,
+                                                 QPointF point);

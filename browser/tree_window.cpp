@@ -1,0 +1,199 @@
+#include "tree_window.h"
+
+#include "file_dialogs.h"
+#include "file_io.h"
+
+#include <QBuffer>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QSvgGenerator>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+
+namespace {
+
+constexpr int watch_ms = 200;
+constexpr int button_height = 26;
+constexpr int drag_distance = 4;         // pixels; a shorter way is a click
+constexpr double smallest_step = 0.2;    // pixels per column or time point
+constexpr double largest_step = 200;
+constexpr double largest_png_side = 16000;    // pixels
+
+QPushButton* add_button(QWidget* parent, const char* name, const QString& text, int x)
+{
+    auto* const button = new QPushButton(text, parent);
+    button->setObjectName(name);
+    button->setGeometry(x, 4, 110, button_height);
+    return button;
+}
+
+}    // namespace
+
+TreeWindow::TreeWindow(const LineageAccess& access) : QWidget(&access.window(), Qt::Window), _access(access)
+{
+    setObjectName("treeWindow");
+    setWindowTitle(tr("Nuclear Detector: lineage"));
+    resize(900, 700);
+    save_svg = add_button(this, "save_svg", tr("Save SVG"), 4);
+    save_png = add_button(this, "save_png", tr("Save PNG"), 118);
+    save_newick = add_button(this, "save_newick", tr("Save Newick"), 232);
+    connect(save_svg, &QPushButton::clicked, this,
+            [this] { save("svg file (*.svg)", "save svg-file", ".svg", as_svg()); });
+    connect(save_png, &QPushButton::clicked, this,
+            [this] { save("png file (*.png)", "save png-file", ".png", as_png()); });
+    connect(save_newick, &QPushButton::clicked, this, [this] {
+        save("newick file (*.nwk)", "save newick-file", ".nwk", QByteArray::fromStdString(newick(_tree)));
+    });
+    connect(&_watch, &QTimer::timeout, this, &TreeWindow::follow);
+    _watch.start(watch_ms);
+    follow();
+}
+
+void TreeWindow::follow()
+{
+    if (_access.is_busy())    // half-made units would only flicker
+        return;
+    if (_seen_time_point != _access.time_point()) {
+        _seen_time_point = _access.time_point();
+        update();
+    }
+    if (_seen_edits == _access.edits() && _seen_recording == _access.recording() && !_tree.nodes.empty())
+        return;
+    if (_seen_recording != _access.recording())
+        _is_placed = false;
+    _seen_edits = _access.edits();
+    _seen_recording = _access.recording();
+    _tree = make_tree(_access, _access.chosen_head());
+    if (!_is_placed)
+        show_whole_tree();
+    update();
+}
+
+// As much of the tree as fits at a size that can be read.
+void TreeWindow::show_whole_tree()
+{
+    const tree_view readable;
+    const QSizeF full = readable.size_of(_tree);
+    _view = readable;
+    _view.origin += QPointF(0, button_height);
+    _view.column_width *= std::clamp(width() / full.width(), 0.2, 2.0);
+    _view.row_height *= std::clamp((height() - button_height) / full.height(), 0.2, 2.0);
+}
+
+tree_marks TreeWindow::marks() const { return {_access.time_point(), _marked_unit}; }
+
+void TreeWindow::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing, _view.column_width > 6);
+    const QRectF area = QRectF(rect()).adjusted(0, button_height + 8, 0, 0);
+    painter.setClipRect(area);
+    paint_tree(painter, _tree, _view, area, marks());
+}
+
+void TreeWindow::resizeEvent(QResizeEvent*)
+{
+    if (!_is_placed)
+        show_whole_tree();
+}
+
+void TreeWindow::wheelEvent(QWheelEvent* e)
+{
+    const double wanted = std::pow(1.0015, e->angleDelta().y());
+    const double smaller = std::min(_view.column_width, _view.row_height);
+    const double larger = std::max(_view.column_width, _view.row_height);
+    const double factor = std::clamp(wanted, smallest_step / smaller, largest_step / larger);
+    _view.origin = e->position() + (_view.origin - e->position()) * factor;
+    _view.column_width *= factor;
+    _view.row_height *= factor;
+    _is_placed = true;
+    update();
+}
+
+void TreeWindow::mousePressEvent(QMouseEvent* e)
+{
+    _drag_from = e->position();
+    _is_drag = false;
+}
+
+void TreeWindow::mouseMoveEvent(QMouseEvent* e)
+{
+    const QPointF way = e->position() - _drag_from;
+    _is_drag = _is_drag || way.manhattanLength() > drag_distance;
+    if (!_is_drag)
+        return;
+    _view.origin += way;
+    _drag_from = e->position();
+    _is_placed = true;
+    update();
+}
+
+void TreeWindow::mouseReleaseEvent(QMouseEvent* e)
+{
+    if (_is_drag)
+        return;
+    if (const auto node = node_at(_tree, _view, e->position()))
+        go_to(_tree.nodes[*node].unit);
+}
+
+void TreeWindow::go_to(const std::string& unit)
+{
+    if (!_access.is_open() || _access.is_busy())
+        return;
+    _marked_unit = unit;
+    _access.window().view(unit);
+    _access.highlight(unit);
+    update();
+}
+
+QByteArray TreeWindow::as_svg() const
+{
+    const tree_view view;
+    const QSizeF size = view.size_of(_tree);
+    QBuffer buffer;
+    QSvgGenerator svg;
+    svg.setOutputDevice(&buffer);
+    svg.setSize(size.toSize());
+    svg.setViewBox(QRectF(QPointF(0, 0), size));
+    svg.setTitle(QString::fromStdString(_access.dataset()));
+    {
+        QPainter painter(&svg);
+        paint_tree(painter, _tree, view, QRectF(QPointF(0, 0), size), marks());
+    }
+    return buffer.data();
+}
+
+QByteArray TreeWindow::as_png() const
+{
+    tree_view view;
+    const QSizeF full = view.size_of(_tree);
+    const double scale = std::min({1.0, largest_png_side / full.width(), largest_png_side / full.height()});
+    view.column_width *= scale;
+    view.row_height *= scale;
+    QImage image(view.size_of(_tree).toSize(), QImage::Format_RGB32);
+    {
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        paint_tree(painter, _tree, view, image.rect(), marks());
+    }
+    QBuffer buffer;
+    image.save(&buffer, "PNG");
+    return buffer.data();
+}
+
+void TreeWindow::save(const QString& filter, const char* object_name, const char* suffix,
+                      const QByteArray& content)
+{
+    const QString filename = ask_filename(
+        this, {QFileDialog::AcceptSave, filter, object_name, tr("Choose a filename to save under")},
+        default_file(_access.dataset(), suffix));
+    if (filename.isEmpty() || !may_write(this, filename))
+        return;
+    replacing_file file(native_name(filename));
+    file.append({content.data(), static_cast<std::size_t>(content.size())});
+    if (!file.commit())
+        std::cerr << "Cannot open " << native_name(filename) << std::endl;
+}

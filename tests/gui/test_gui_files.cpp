@@ -1,0 +1,121 @@
+// Reading and saving ROI files through the dialogs, and dropping the ROIs marked as removed.
+#include "../support/captured_lines.h"
+#include "../support/open_window.h"
+#include "../support/scripted_dialogs.h"
+
+class TestGuiFiles : public QObject {
+    Q_OBJECT
+private slots:
+    void readingOpensTheRecordingNamedInTheFile()
+    {
+        const SmallRecording recording("inside");
+        ShownWindow w;
+        ScriptedDialogs user({recording.path("file.roi"), {}});
+        w.pushButton_read_roifile->click();
+        QCOMPARE(w.lineEdit_dataset->text(), "inside");
+        QCOMPARE(w.m_roidb->db.size(), 10U);
+        QVERIFY2(w.shown(50, 35).isValid() && w.m_imgdb->db.size() == 1, "its own images");
+        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        (void)w.pictures_since_last_asked();
+        w.pushButton_read_roifile->click();    // cancelled: paints, and that is all
+        QCOMPARE(w.pictures_since_last_asked(), 1);
+        QVERIFY(w.m_roidb);
+        const QString asked = "open file dialog|Choose a filename to read|roi file (*.roi)|";
+        QCOMPARE(user.seen,
+                 QStringList({asked + recording.path("dataset.roi"), asked + recording.path("inside.roi")}));
+    }
+
+    void whatCannotBeReadLeavesTheRecordingOpen()
+    {
+        const SmallRecording recording;
+        const QString missing = recording.path("missing.roi");
+        CapturedLines errors(std::cerr);
+        OpenWindow w(recording);
+        w.setCurrentTimePoint(3);
+        w.setMaxTimePoint(100);
+        w.m_selected_roi_set = {"000020010005"};
+        ScriptedDialogs user({missing, missing});
+        w.pushButton_read_roifile->click();
+        QCOMPARE(errors.take(), {"No such file or directory: " + missing});
+        QVERIFY2(w.m_max_time_point == 4 && w.m_time_point == 3, "only the bounds are taken anew");
+        QVERIFY(!w.openRoiFile(recording.folder.path("tiny")));    // a folder
+        QCOMPARE(errors.take(), {"roidb: Cannot open " + recording.path("tiny")});
+        QVERIFY(w.m_roidb->db.size() == 10 && w.m_selected_roi_set.size() == 1);
+        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        w.pushButton_close_clicked();
+        w.pushButton_read_roifile->click();
+        QCOMPARE(errors.take(), {"No such file or directory: " + missing});
+        QVERIFY(!w.m_roidb);
+    }
+
+    void savingAsksBeforeItReplaces()
+    {
+        const struct {
+            const char* name;
+            QStringList answer;    // none: there is no question
+            bool written;
+            QString error;
+        } cases[] = {
+            {"new.roi", {}, true, {}},
+            {"old.roi", {"&Yes"}, true, {}},
+            {"old.roi", {"&No"}, false, {}},
+            {"old.roi", {""}, false, {}},
+            {"nowhere/new.roi", {}, false, "roidb: Cannot open "},
+            {"", {}, false, {}},
+        };
+        for (const auto& c : cases) {
+            const SmallRecording recording;
+            (void)recording.folder.with("old.roi", "old");
+            const QString path = *c.name ? recording.path(c.name) : QString();
+            OpenWindow w(recording);
+            ScriptedDialogs user(QStringList(path) + c.answer);
+            CapturedLines errors(std::cerr);
+            w.pushButton_save_roifile->click();
+            QStringList asked = {"save file dialog|Choose a filename to save under|roi file (*.roi)|" +
+                                 recording.path("tiny.roi")};
+            if (!c.answer.isEmpty())
+                asked << "Overwrite File? -- ORVBrowser|A file called " + path +
+                             " already exists. Do you want to overwrite it?|&Yes*|&No";
+            QCOMPARE(user.seen, asked);
+            const std::string expected = recording.folder.contents(c.written ? "file.roi" : "old.roi");
+            QCOMPARE(recording.folder.contents(c.written ? c.name : "old.roi"), expected);
+            QVERIFY(c.written || expected == "old");
+            QCOMPARE(errors.take().join('|'), c.error.isEmpty() ? QString() : c.error + path);
+            QVERIFY(w.pushButton_save_roifile->isEnabled() && w.cursor().shape() == Qt::ArrowCursor);
+        }
+    }
+
+    void droppedRoisAreNotSaved()
+    {
+        const SmallRecording recording;
+        OpenWindow w(recording);
+        ScriptedDialogs user({recording.path("before.roi"), recording.path("after.roi")});
+        w.m_removed_roi_set = {"000020010005", "003020030025", "no key", "777020030025"};
+        w.pushButton_save_roifile->click();
+        std::string expected = recording.folder.contents("file.roi");
+        QCOMPARE(recording.folder.contents("before.roi"), expected);
+        w.pushButton_drop_false_positive->click();
+        QCOMPARE(w.pictures_since_last_asked(), 1);
+        QVERIFY(w.shown(10, 5) != w.color[47] && w.shown(30, 25) == w.color[0]);
+        w.pushButton_save_roifile->click();
+        for (const std::string record : {"10 5 20 0 2222333300001111\n", "30 25 20 3 2301\n"})
+            expected.erase(expected.find(record), record.size());
+        QCOMPARE(recording.folder.contents("after.roi"), expected);
+        QVERIFY(w.m_removed_roi_set.size() == 4 && w.cursor().shape() == Qt::ArrowCursor);
+    }
+
+    void withoutARecordingThereIsNothingToSaveOrDrop()
+    {
+        const SmallRecording recording;
+        CapturedLines errors(std::cerr);
+        ShownWindow w;
+        ScriptedDialogs user({recording.path("new.roi")});
+        w.pushButton_save_roifile->click();
+        w.pushButton_drop_false_positive->click();
+        QCOMPARE(errors.take(), {"No recording is open: nothing to save in " + recording.path("new.roi")});
+        QVERIFY(!QFile::exists(recording.path("new.roi")) && w.pushButton_save_roifile->isEnabled());
+    }
+};
+
+QTEST_MAIN(TestGuiFiles)
+#include "test_gui_files.moc"

@@ -1,0 +1,42 @@
+// The built program, started as a person starts it.
+#include "../support/temp_folder.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+class TestProgram : public QObject {
+    Q_OBJECT
+private slots:
+    void itsCommandLineIsAnsweredInOneLine()
+    {
+        const temp_folder folder;
+        qputenv("XDG_RUNTIME_DIR", folder.path("").c_str());    // else the toolkit adds a line
+        const QString unreadable = QString::fromStdString(folder.path(""));
+        const QString version = QStringLiteral("orvbrowser " ORV_VERSION "\n");
+        const struct {
+            QStringList words;
+            int status;
+            QString out, err;
+        } cases[] = {
+            {{"--version"}, 0, version, {}},
+            {{"--no-such-option"}, 2, {}, "orvbrowser: Unknown option 'no-such-option'.\n"},
+            {{"--image-root"}, 2, {}, "orvbrowser: Missing value after '--image-root'.\n"},
+            {{"a.roi", "b.roi"}, 2, {}, "orvbrowser: One ROI file at most can be opened.\n"},
+            {{"missing.roi"}, 1, {}, "No such file or directory: missing.roi\n"},
+            {{unreadable}, 1, {}, "roidb: Cannot open " + unreadable + "\n"},
+        };
+        for (const auto& c : cases) {
+            QProcess program;
+            program.start(ORVBROWSER, c.words);
+            QVERIFY(program.waitForFinished());
+            QCOMPARE(QString(program.readAllStandardError()), c.err);
+            QCOMPARE(QString(program.readAllStandardOutput()), c.out);
+            QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(program.exitCode(), c.status);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestProgram)
+#include "test_program.moc"

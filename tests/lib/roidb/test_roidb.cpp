@@ -1,0 +1,84 @@
+// The database of ROIs and the file it writes.
+#include "../../support/temp_folder.h"
+#include "ORV_roidb.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string three_rois = "embryo\n10 20 3 5 0123\n4 999 0 6 2301\n5 0 0 6 22\n";
+
+// More than a file is read and written at a time.
+roidb large()
+{
+    roidb db("large");
+    for (int i = 0; i < 30'000; ++i)
+        db.entry({i % 999, i % 31, i % 7, i / 100, std::string(static_cast<std::size_t>(i % 90 + 1), '3')});
+    return db;
+}
+
+TEST(roidb, finds_the_first_record_of_a_position)
+{
+    roidb db("a");
+    for (const roi& r : {roi(10, 20, 3, 5, "0123"), roi(9, 20, 3, 5, "1"), roi(10, 20, 3, 5, "second")})
+        db.entry(r);
+    roi r(10, 20, 3, 5, "");
+    EXPECT_TRUE(db.find(r));
+    EXPECT_EQ(r.outline(), "0123");
+    roi absent(10, 21, 3, 5, "kept");
+    EXPECT_FALSE(db.find(absent));
+    std::ostringstream out;
+    out << absent << '|' << roi(-1, 2, 3, 4, "01") << '|' << db.db.begin()->first;
+    EXPECT_EQ(out.str(), "10 21 3 5 kept|-1 2 3 4 01|005003009020");
+}
+
+TEST(roidb, writes_back_what_it_read_into_the_same_file)
+{
+    const temp_folder folder;
+    const std::string old = folder.with("old.roi", three_rois);
+    fs::permissions(old, fs::perms(0640));
+    fs::create_symlink("old.roi", folder.path("link.roi"));
+    roidb db(""), again("");
+    EXPECT_TRUE(db.read(old) && large().write(folder.path("link.roi")) && again.read(old));
+    EXPECT_TRUE(again.db == large().db && again.name() == "large");
+    EXPECT_TRUE(db.write(folder.path("link.roi")));
+    EXPECT_EQ(folder.contents("old.roi"), three_rois);
+    EXPECT_TRUE(fs::is_symlink(folder.path("link.roi")));
+    EXPECT_EQ(fs::status(old).permissions(), fs::perms(0640));
+    EXPECT_EQ(folder.files(), 2) << "nothing is left behind";
+}
+
+// As on a full disk; 0 for no limit.
+void limit_file_size(rlim_t bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit limit {};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes != 0 ? bytes : limit.rlim_max;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST(roidb, a_failed_write_says_so_and_leaves_the_old_file_whole)
+{
+    const temp_folder folder;
+    const std::string old = folder.with("old.roi", three_rois);
+    fs::create_directory(folder.path("folder"));
+    for (const std::string& target :
+         {folder.path("none/a.roi"), folder.path("folder"), std::string("/dev/full"), old}) {
+        testing::internal::CaptureStderr();
+        limit_file_size(4096);
+        EXPECT_FALSE(large().write(target)) << target;
+        limit_file_size(0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "roidb: Cannot open " + target + "\n");
+        EXPECT_EQ(folder.contents("old.roi"), three_rois);
+        EXPECT_EQ(folder.files(), 2) << target << ": nothing is left behind";
+    }
+}
+
+}    // namespace

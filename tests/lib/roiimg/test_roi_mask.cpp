@@ -1,0 +1,174 @@
+// The raster of an ROI: box, polygon and mask of any outline, and the pixels two rasters share.
+#include "ORV_outline.h"
+#include "ORV_roiimg.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <random>
+
+namespace {
+
+using rows = std::vector<std::string>;
+
+rows picture_of(const roiimg& raster)
+{
+    rows picture(raster.height(), std::string(raster.width(), '.'));
+    for (int i = 0; i < raster.width() * raster.height(); ++i)
+        if (raster.value(i % raster.width(), i / raster.width()) != 0)
+            picture[i / raster.width()][i % raster.width()] = '#';
+    return picture;
+}
+
+// The rules of the fill word by word, on a canvas with a margin that no step can leave.
+rows picture_by_rules(const roiimg& box)
+{
+    constexpr int margin = 3;
+    const int width = box.width(), height = box.height();
+    rows canvas(height + 2 * margin, std::string(width + 2 * margin, '.'));
+    const auto at = [&](int x, int y) -> char& { return canvas.at(y + margin).at(x + margin); };
+    const auto run = [&](int x, int y, char c) {
+        for (; x < width && at(x, y) != '2'; ++x)
+            at(x, y) = c;
+    };
+    const auto is_marked = [&](int x, int y) {
+        return x >= 0 && x < width && y >= 0 && y < height && at(x, y) == '2';
+    };
+    int cx = box.x() - box.top_left().x(), cy = box.y() - box.top_left().y();
+    char previous = '2';
+    for (const char step : box.outline()) {
+        if (step == '0') {
+            at(cx - 1, --cy) = '2';
+            run(cx, cy, '.');
+        } else if (step == '1') {
+            at(--cx, cy) = '2';
+            if (previous == '2')
+                run(cx + 1, cy, '#');
+        } else if (step == '2') {
+            at(cx, cy++) = '2';
+            if (!is_marked(cx, cy) && !is_marked(cx + 1, cy))
+                run(cx + 1, cy - 1, '#');
+        } else if (step == '3') {
+            at(cx++, cy - 1) = '2';
+            if (previous == '0')
+                run(cx, cy - 1, '#');
+        } else
+            continue;
+        previous = step;
+    }
+    rows picture;
+    for (int y = margin; y < height + margin; ++y) {
+        std::ranges::replace(canvas[y], '2', '#');
+        picture.push_back(canvas[y].substr(margin, width));
+    }
+    return picture;
+}
+
+class mapped : public roiimg {
+public:
+    explicit mapped(roi r) : roiimg(std::move(r)) { map(); }
+};
+
+TEST(roi_mask, fills_typed_pictures)
+{
+    const std::pair<const char*, rows> cases[] = {
+        {"", {"."}},
+        {"2 x3\n3456701-1", {"##"}},
+        {"2223330110330111", {"###", "#..", "###"}},    // what lies right of the notch is cleared again
+        {"233332221110330111222333330000011111", {"#####", "....#", "###.#", "#...#", "#####"}},
+    };
+    for (const auto& [outline, picture] : cases) {
+        const mapped raster({7, 9, 2, 3, outline});
+        EXPECT_EQ(picture_of(raster), picture) << outline;
+        for (const pos2i p :
+             {pos2i(-1, 0), pos2i(0, -1), pos2i(raster.width(), 0), pos2i(0, raster.height())})
+            EXPECT_EQ(raster.value(p.x(), p.y()), 0) << "outside";
+    }
+    const roiimg cross({1, 0, 0, 0, "212323030101"});
+    EXPECT_EQ(cross.value(0, 0), -1) << "no mask yet";
+    EXPECT_EQ(cross.points(),
+              (std::list<pos2i>{{1, 0}, {1, 1}, {0, 1}, {1, 1}, {1, 2}, {1, 1}, {2, 1}, {1, 1}, {1, 0}}));
+}
+
+TEST(roi_mask, fills_any_outline_by_the_rules)
+{
+    std::mt19937 random(3);
+    const std::string alphabets[] = {"0123", "0123x \n", "22233301", "0011123", "23"};
+    for (int i = 0; i <= 3000; ++i) {
+        const std::string& alphabet = alphabets[i % 5];
+        std::string outline;
+        for (int n = i < 3000 ? 1 + i % 300 : 100'000; n > 0; --n)
+            outline += alphabet[random() % alphabet.size()];
+        for (std::size_t n = outline.size(); i % 2 == 0 && n-- > 0;)    // back on the same way
+            outline += static_cast<char>(outline[n] ^ 2);
+        const mapped raster({40 - i, i, 0, 0, outline});
+        ASSERT_EQ(picture_of(raster), picture_by_rules(raster)) << outline;
+    }
+}
+
+// Exact where each row of the region is one run of pixels; elsewhere pixels may be lost, none comes.
+TEST(roi_mask, gives_back_the_region_of_an_outline)
+{
+    std::mt19937 random(5);
+    for (int i = 0; i < 3000; ++i) {
+        const int side = 2 + i % 9;
+        std::vector<unsigned char> mask;
+        while (static_cast<int>(mask.size()) < side * side) {
+            const auto from = random() % 3, to = side - random() % 3;
+            for (unsigned x = 0; x < static_cast<unsigned>(side); ++x)
+                mask.push_back(i % 2 == 0 ? from <= x && x < to : random() % 3 != 0);
+        }
+        for (const outlined_region& region : outline_regions(mask, side, side)) {
+            if (region.pixels != enclosed_pixels(region.chain))
+                continue;    // it has holes
+            const mapped raster({region.start.x(), region.start.y(), 0, 0, region.chain});
+            EXPECT_TRUE(i % 2 != 0 || raster.size() == region.pixels) << region.chain;
+            for (int at = 0; at < side * side; ++at)
+                EXPECT_LE(raster.value(at % side - raster.top_left().x(), at / side - raster.top_left().y()),
+                          mask[at]);
+        }
+    }
+}
+
+TEST(roi_mask, box_that_is_too_large_gets_an_empty_mask_and_one_line)
+{
+    constexpr int top = std::numeric_limits<int>::max();
+    const std::pair<roi, int> cases[] = {
+        {{5, 6, 1, 2, "2" + std::string(4096, '3')}, 4096},
+        {{5, 6, 1, 2, std::string(4096, '2')}, 4096},
+        {{5, 6, 1, 2, "2" + std::string(4097, '3')}, 0},
+        {{5, 6, 1, 2, std::string(5000, '0')}, 0},
+        {{top, top, 1, 2, "3333"}, 0},
+        {{-top - 1, 6, 1, 2, "1"}, 0},
+    };
+    for (const auto& [r, pixels] : cases) {
+        testing::internal::CaptureStderr();
+        mapped raster(r);
+        raster.map();
+        const std::string lines = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), pixels == 0) << lines;
+        EXPECT_TRUE(raster.size() == pixels && raster.width() * raster.height() == std::max(pixels, 1));
+    }
+}
+
+TEST(roi_mask, shared_pixels_are_those_of_both_masks)
+{
+    const std::string frame = "233332221110330111222333330000011111";    // 5 x 5, with a gap inside
+    const mapped a({10, 10, 0, 0, frame}), b({11, 11, 0, 0, frame}), corner({14, 14, 0, 0, "22330011"});
+    const mapped in_gap({11, 11, 0, 0, "233011"}), beside({15, 10, 0, 0, frame}),
+        below({10, 15, 0, 0, frame});
+    const roiimg box({10, 10, 0, 0, frame});    // not mapped: covers its whole box
+    const struct {
+        const roiimg &one, &other;
+        int shared;
+    } cases[] = {{a, a, 17},     {a, b, 2},     {a, corner, 1}, {a, in_gap, 0},
+                 {a, beside, 0}, {a, below, 0}, {box, b, 8}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(shared_pixels(c.one, c.other), c.shared);
+        EXPECT_EQ(shared_pixels(c.other, c.one), c.shared);
+        EXPECT_EQ(share_a_pixel(c.other, c.one), c.shared != 0);
+    }
+}
+
+}    // namespace
