@@ -84,9 +84,9 @@ HelpWindow::HelpWindow(const LineageAccess& access) : QTextBrowser(&access.windo
 void HelpWindow::update_text()
 {
     QString html = table("Keys", keys) + table("Mouse", mouse) + table("Modes", modes);
-    html += "<h3>Colours</h3><table cellspacing=4>";
+    html += "<h3>Colours; on the right, under the pointer</h3><table cellspacing=4>";
     for (const auto& [index, state] : colors)
         html += "<tr>" + swatch(_access.color(index)) + swatch(_access.color(index | HIGHLIGHT)) +
-                QString("<td>%1; on the right, under the pointer</td></tr>").arg(state);
+                QString("<td>%1</td></tr>").arg(state);
     setHtml(html + "</table>");
 }

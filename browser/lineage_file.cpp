@@ -3,6 +3,7 @@
 #include "file_io.h"
 #include "keygen.h"
 
+#include <algorithm>
 #include <iostream>
 #include <string_view>
 #include <utility>
@@ -134,7 +135,7 @@ private:
 void append_pairs(replacing_file& file, const char* keyword,
                   const std::multimap<std::string, std::string>& pairs)
 {
-    for (const auto& [first, second] : pairs)
+    for (const auto& [first, second] : in_order(pairs))
         file.append(keyword + first + ' ' + second + '\n');
 }
 
@@ -146,6 +147,14 @@ std::map<std::string, std::string> heads_of_members(const lineage& units)
     for (const auto& [head, member] : units.head_members)
         heads.emplace(member, head);
     return heads;
+}
+
+std::vector<std::pair<std::string, std::string>>
+in_order(const std::multimap<std::string, std::string>& pairs)
+{
+    std::vector<std::pair<std::string, std::string>> sorted(pairs.begin(), pairs.end());
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
 }
 
 std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,

@@ -9,6 +9,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 struct lineage {
     std::multimap<std::string, std::string> head_members;    // unit head to each of its members
@@ -20,6 +22,10 @@ struct lineage {
 
 // Member to the head of its unit.
 [[nodiscard]] std::map<std::string, std::string> heads_of_members(const lineage& units);
+
+// All pairs in ascending order; a multimap keeps those of one key as they came.
+[[nodiscard]] std::vector<std::pair<std::string, std::string>>
+in_order(const std::multimap<std::string, std::string>& pairs);
 
 // Reads a whole file and checks it: its name is `dataset`, every member names an ROI and is in one
 // unit, every link joins two units one time point apart, every elite mark is on a unit. Otherwise

@@ -47,7 +47,7 @@ void hang_children(lineage_tree& tree, const LineageAccess& access)
 {
     for (std::size_t i = 0; i < tree.nodes.size(); ++i)
         tree.nodes[i].parent = i;
-    for (const auto& [child, parent] : access.links()) {
+    for (const auto& [child, parent] : in_order(access.links())) {
         const std::size_t c = tree.find(child);
         const std::size_t p = tree.find(parent);
         if (p < tree.nodes.size())
