@@ -8,6 +8,7 @@
 
 bool LineageAccess::is_open() const noexcept { return _window->isOpen(); }
 bool LineageAccess::is_busy() const noexcept { return _window->m_runs > 0; }
+bool LineageAccess::is_making_units() const noexcept { return _window->m_make_units; }
 unsigned long LineageAccess::edits() const noexcept { return _window->m_edits; }
 unsigned long LineageAccess::recording() const noexcept { return _window->m_recording; }
 int LineageAccess::time_point() const noexcept { return _window->m_time_point; }
@@ -41,6 +42,13 @@ std::string LineageAccess::chosen_head() const
 
 QColor LineageAccess::color(int index) const { return _window->color[index]; }
 
+std::set<std::string> LineageAccess::units(int t) const { return _window->units(t); }
+
+std::set<std::string> LineageAccess::ancestors(const std::string& unit) const
+{
+    return _window->subset_of_unit_from(unit);
+}
+
 void LineageAccess::make_units(int t, double overlap)
 {
     const QPointer<ORVBrowser> window(_window);    // a handler may delete it
@@ -51,7 +59,11 @@ void LineageAccess::make_units(int t, double overlap)
     const auto [first, last] = at_time_point(heads, t);
     for (auto entry = first; entry != last; ++entry)
         grouped.insert(grouped.end(), entry->first);
-    for (int z = _window->m_min_focal_plane; z <= _window->m_max_focal_plane; ++z) {
+    std::set<int> planes;
+    const auto [first_roi, last_roi] = at_time_point(_window->m_roidb->db, t);
+    for (auto entry = first_roi; entry != last_roi; ++entry)
+        planes.insert(entry->second.z());
+    for (const int z : planes) {
         PlaneWalk walk(*_window->m_roidb, t, z);
         for (roi r; walk.next(r);) {
             const std::string key = keygen(r);
@@ -64,19 +76,21 @@ void LineageAccess::make_units(int t, double overlap)
                 window->m_make_units = false;
             if (!run.alive())
                 return;
-            if (!heads.contains(key)) {    // a handler has reset the units: this one is a torso
-                _window->forget_unit(key);
-                return;
-            }
+            if (heads.contains(key))
+                continue;
+            // It has no pixel to be reached by, or a handler has reset the units and left a torso.
+            _window->forget_unit(key);
+            _window->register_unit(key, {key});
         }
     }
     grouped.clear();
 }
 
-void LineageAccess::drop_links()
+void LineageAccess::drop_links_into(int t)
 {
-    _window->m_linkage_multimap.clear();
-    _window->show_changes();
+    const auto [first, last] = at_time_point(_window->m_linkage_multimap, t);
+    _window->m_linkage_multimap.erase(first, last);
+    ++_window->m_edits;
 }
 
 void LineageAccess::set_elite(const std::set<std::string>& heads, bool on)
@@ -87,6 +101,7 @@ void LineageAccess::set_elite(const std::set<std::string>& heads, bool on)
         else
             _window->m_elite_head_roi_set.erase(head);
     }
+    ++_window->m_edits;
     _window->show_changes();
 }
 
@@ -120,5 +135,10 @@ void LineageAccess::replace(lineage units)
     _window->m_head_members = std::move(units.head_members);
     _window->m_linkage_multimap = std::move(units.links);
     _window->m_elite_head_roi_set = std::move(units.elite);
+    // What was picked may be no unit any more.
+    _window->m_lineage_mode_roi_set.clear();
+    _window->m_split_parents.clear();
+    _window->m_falsely_grouped_units_candidates.clear();
+    ++_window->m_edits;
     _window->show_changes();
 }

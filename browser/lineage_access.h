@@ -13,8 +13,9 @@ public:
 
     // ---- Asking
     [[nodiscard]] bool is_open() const noexcept;
-    [[nodiscard]] bool is_busy() const noexcept;           // a run is going on
-    [[nodiscard]] unsigned long edits() const noexcept;    // changes whenever units, links or ROIs may have
+    [[nodiscard]] bool is_busy() const noexcept;            // a run is going on
+    [[nodiscard]] bool is_making_units() const noexcept;    // some unit is half made
+    [[nodiscard]] unsigned long edits() const noexcept;     // changes whenever units, links or elite marks do
     [[nodiscard]] unsigned long recording() const noexcept;    // changes whenever a recording opens or closes
     [[nodiscard]] int time_point() const noexcept;
     [[nodiscard]] int min_time_point() const noexcept;
@@ -27,6 +28,8 @@ public:
     [[nodiscard]] const std::set<std::string>& doubtful() const noexcept;    // as of search_doubt_units()
     [[nodiscard]] std::string chosen_head() const;                           // the lineage head, or ""
     [[nodiscard]] QColor color(int index) const;
+    [[nodiscard]] std::set<std::string> units(int t) const;
+    [[nodiscard]] std::set<std::string> ancestors(const std::string& unit) const;
 
     // ---- Changing
 
@@ -36,7 +39,7 @@ public:
     // processed: REQUIRES that the caller asks its own run afterwards whether it is alive.
     void make_units(int t, double overlap);
 
-    void drop_links();
+    void drop_links_into(int t);    // those whose child lies at time point t
     void set_elite(const std::set<std::string>& heads, bool on);
 
     // Shows the members of a unit as if the pointer were on them, until it moves.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iostream>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,7 @@ public:
     explicit line_reader(const std::string& filename) : _file(filename) {}
 
     [[nodiscard]] bool is_open() const noexcept { return _file.is_open(); }
+    [[nodiscard]] bool failed() const noexcept { return _file.failed(); }
     [[nodiscard]] int number() const noexcept { return _number; }
 
     // The words of the next line that has any; false at the end of the file.
@@ -83,10 +85,37 @@ public:
         return "no UNIT, LINK or ELITE line";
     }
 
-    [[nodiscard]] bool is_named() const noexcept { return _is_named; }
     [[nodiscard]] lineage& result() noexcept { return _lineage; }
 
+    // What is wrong with the whole, or nothing.
+    [[nodiscard]] const char* finish() const
+    {
+        if (!_is_named)
+            return "no NAME line before the others";
+        std::size_t units = 0;
+        const std::string* previous = nullptr;
+        for (const auto& [head, member] : _lineage.head_members) {
+            units += !previous || *previous != head;
+            previous = &head;
+        }
+        return _named.size() == units ? nullptr : "a unit without the ROI that names it";
+    }
+
 private:
+    using roi_table = std::unordered_map<std::string_view, bool>;    // ROI to whether it is in a unit
+
+    // Files are in order: one small table is in use at a time.
+    roi_table& rois_at(int t)
+    {
+        const auto [table, is_new] = _has_unit.try_emplace(t);
+        if (!is_new)
+            return table->second;
+        const auto [first, last] = at_time_point(_rois->db, t);
+        for (auto entry = first; entry != last; ++entry)
+            table->second.emplace(entry->first, false);
+        return table->second;
+    }
+
     const char* take_name(std::string_view name)
     {
         _is_named = name == _dataset;
@@ -95,12 +124,19 @@ private:
 
     const char* take_member(std::string head, std::string member)
     {
-        if (!is_roi_key(head) || !_rois->db.contains(member))
+        if (!is_roi_key(head) || !is_roi_key(member))
             return "no such ROI";
-        if (decode(head).t() != decode(member).t())
+        roi_table& rois = rois_at(decode(member).t());
+        const auto roi = rois.find(member);
+        if (roi == rois.end())
+            return "no such ROI";
+        constexpr std::size_t time_point_field = 3;
+        if (head.compare(0, time_point_field, member, 0, time_point_field) != 0)
             return "a unit of two time points";
-        if (!_members.insert(member).second)
+        if (std::exchange(roi->second, true))
             return "an ROI in two units";
+        if (head == member)
+            _named.insert(head);
         _lineage.head_members.emplace_hint(_lineage.head_members.end(), std::move(head), std::move(member));
         return nullptr;
     }
@@ -126,9 +162,10 @@ private:
     [[nodiscard]] bool is_unit(const std::string& head) const { return _lineage.head_members.contains(head); }
 
     std::string _dataset;
-    const roidb* _rois;
     bool _is_named = false;
-    std::set<std::string> _members;
+    const roidb* _rois;
+    std::map<int, roi_table> _has_unit;    // by time point, as far as it was asked for
+    std::set<std::string> _named;          // units that hold the ROI that names them
     lineage _lineage;
 };
 
@@ -169,8 +206,8 @@ std::optional<lineage> read_lineage(const std::string& filename, const std::stri
     const char* fault = nullptr;
     for (std::vector<std::string_view> words; !fault && lines.next(words);)
         fault = builder.take(words);
-    if (!fault && !builder.is_named())
-        fault = "no NAME line before the others";
+    if (!fault)
+        fault = lines.failed() ? "the file cannot be read to its end" : builder.finish();
     if (!fault)
         return std::move(builder.result());
     std::cerr << filename << ":" << lines.number() << ": " << fault << std::endl;

@@ -28,8 +28,9 @@ struct lineage {
 in_order(const std::multimap<std::string, std::string>& pairs);
 
 // Reads a whole file and checks it: its name is `dataset`, every member names an ROI and is in one
-// unit, every link joins two units one time point apart, every elite mark is on a unit. Otherwise
-// nothing, and one line on standard error: the file, the number of the line, and what is wrong.
+// unit, every unit holds the ROI that names it, every link joins two units one time point apart, every elite
+// mark is on a unit. Otherwise nothing, and one line on standard error: the file, the number of the line, and
+// what is wrong.
 [[nodiscard]] std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,
                                                   const roidb& rois);
 

@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QScopeGuard>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -198,6 +199,10 @@ void LineagePage::connect_controls()
     connect(tree, &QPushButton::clicked, this, &LineagePage::show_tree);
     connect(help, &QPushButton::clicked, this, &LineagePage::show_help);
     connect(reload_colors, &QPushButton::clicked, window, &ORVBrowser::pushButton_reload_config_file_clicked);
+    connect(reload_colors, &QPushButton::clicked, this, [this] {
+        if (_help_window)
+            _help_window->update_text();
+    });
     connect(close_recording, &QPushButton::clicked, window, &ORVBrowser::pushButton_close_clicked);
     connect(stop, &QPushButton::clicked, this, [this] {
         _stop_asked = true;
@@ -208,8 +213,11 @@ void LineagePage::connect_controls()
 
 bool LineagePage::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::EnabledChange)
+    if (event->type() == QEvent::EnabledChange) {
         enable_controls();
+        // Once more when the window has done what it disabled or enabled its buttons for.
+        QMetaObject::invokeMethod(this, &LineagePage::enable_controls, Qt::QueuedConnection);
+    }
     return QWidget::eventFilter(watched, event);
 }
 
@@ -234,7 +242,7 @@ void LineagePage::update_numbers()
         _counted_edits = 0;
         return;
     }
-    if (!isVisible() || _access.is_busy())
+    if (!isVisible() || _access.is_making_units())
         return;
     if (_counted_edits != _access.edits() || _counted_revision != _access.rois().revision()) {
         _counted_edits = _access.edits();
@@ -255,6 +263,11 @@ void LineagePage::run_over_time(int first, const std::function<void(int)>& step)
 {
     const int last = _access.max_time_point();
     BusyRun run(_access.window());
+    const QPointer<LineagePage> self(this);
+    const auto hide_progress = qScopeGuard([self] {
+        if (self)
+            self->progress->reset();
+    });
     _stop_asked = false;
     progress->setRange(_access.min_time_point(), std::max(last, _access.min_time_point() + 1));
     for (int t = first; t <= last && !_stop_asked; ++t) {
@@ -264,7 +277,6 @@ void LineagePage::run_over_time(int first, const std::function<void(int)>& step)
             return;
         run.checkpoint();
     }
-    progress->reset();
     _access.finish();
 }
 
@@ -278,21 +290,23 @@ bool LineagePage::may_drop_links()
 {
     return _access.links().empty() ||
            QMessageBox::question(this, tr("Make links? -- ORVBrowser"),
-                                 tr("There are links already. Do you want to replace them?")) ==
-               QMessageBox::Yes;
+                                 tr("There are links already. Do you want to replace them?"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 void LineagePage::make_all_links()
 {
     if (!may_drop_links() || !_access.is_open())
         return;
-    _access.drop_links();
-    run_over_time(_access.min_time_point() + 1, [this](int t) { _access.window().makeLinkage(t); });
+    run_over_time(_access.min_time_point() + 1, [this](int t) {
+        _access.drop_links_into(t);
+        _access.window().makeLinkage(t);
+    });
 }
 
 void LineagePage::toggle_elite()
 {
-    const std::set<std::string> units = _access.window().units(_access.time_point());
+    const std::set<std::string> units = _access.units(_access.time_point());
     const bool all_are = std::all_of(units.begin(), units.end(), [this](const std::string& unit) {
         return _access.elite().contains(unit);
     });
@@ -301,6 +315,9 @@ void LineagePage::toggle_elite()
 
 void LineagePage::show_next_doubtful()
 {
+    if (_walked_recording != _access.recording())
+        _last_doubtful.clear();
+    _walked_recording = _access.recording();
     _access.window().search_doubt_units();
     const std::set<std::string>& candidates = _access.doubtful();
     if (candidates.empty()) {
@@ -311,13 +328,14 @@ void LineagePage::show_next_doubtful()
     _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
     std::cout << "Doubt unit: " << _last_doubtful << std::endl;
     _access.window().view(_last_doubtful);
+    _access.highlight(_last_doubtful);
 }
 
 void LineagePage::toggle_auto_split(bool on)
 {
     const QPointer<LineagePage> self(this);
     _access.window().pushButton_auto_split_toggled(on);
-    if (!on)
+    if (!on || _access.is_busy())    // a loop that is going on reads the switch itself
         return;
     _access.window().pushButton_split_clicked();
     if (self)    // the window may have ended the loop itself

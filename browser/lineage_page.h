@@ -77,6 +77,7 @@ private:
     unsigned long _counted_revision = 0;
     bool _stop_asked = false;
     std::string _last_doubtful;
+    unsigned long _walked_recording = 0;    // the one that it belongs to
     QPointer<TreeWindow> _tree_window;
     QPointer<HelpWindow> _help_window;
 };

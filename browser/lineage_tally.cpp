@@ -56,6 +56,8 @@ std::map<int, tally> count_lineage(const LineageAccess& access)
     });
     for_each_key(access.head_members(), [&](const std::string& unit, int) {
         const int t = decode(unit).t();
+        if (unit == time_key(t))    // which no list of units holds
+            return;
         tally& at = tallies[t];
         ++at.units;
         at.dead_ends += t < access.max_time_point() && !parents.contains(unit);

@@ -18,7 +18,7 @@ key_set related_units(const LineageAccess& access, const std::string& chosen)
     for (auto link = access.links().lower_bound(chosen); link != access.links().end(); ++link)
         if (related.contains(link->second))
             related.insert(link->first);
-    related.merge(access.window().upstream_units(chosen, access.min_time_point()));
+    related.merge(access.ancestors(chosen));
     return related;
 }
 
@@ -105,6 +105,8 @@ void set_rows(lineage_tree& tree)
         if (parent.column != node.column || node.t > parent.t + 1)
             tree.slanted.push_back({i, node.parent});
     }
+    std::sort(tree.slanted.begin(), tree.slanted.end(),
+              [](const tree_link& a, const tree_link& b) { return a.child < b.child; });
     for (auto& row : tree.rows)
         std::sort(row.begin(), row.end(),
                   [&](std::size_t a, std::size_t b) { return tree.nodes[a].column < tree.nodes[b].column; });
@@ -145,7 +147,7 @@ std::string newick(const lineage_tree& tree)
         }
         if (!node.children.empty())
             text += ')';
-        text += node.unit;
+        text += '\'' + node.unit + '\'';    // quoted, so that no reader takes digits for a number
         if (node.parent != *i)
             text += ':' + std::to_string(node.t - tree.nodes[node.parent].t);
     }

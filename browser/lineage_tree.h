@@ -28,7 +28,7 @@ struct lineage_tree {
     std::vector<tree_node> nodes;                  // ascending by unit, so by time point
     std::vector<std::size_t> order;                // indices of nodes: each before those that hang under it
     std::vector<std::vector<std::size_t>> rows;    // by time point from first_t: indices of nodes, by column
-    std::vector<tree_link> slanted;
+    std::vector<tree_link> slanted;                // by child, so by time point
     int first_t = 0;
     int columns = 0;
 

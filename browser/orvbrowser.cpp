@@ -96,9 +96,8 @@ void ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
 
 void ORVBrowser::show_changes()
 {
-    ++m_edits;
     dirty = true;
-    repaint();
+    paint_canvas();
 }
 
 void ORVBrowser::finish()

@@ -360,6 +360,8 @@ private:
     void click_in_merge_mode(const string& key);
 
     // ---- Canvas
+    void paint_canvas();       // at once
+    void refresh_picture();    // if it is out of date
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
     void paint_roi(QPainter& painter, const roi& r, const set<string>& reached);
 
@@ -383,6 +385,8 @@ private:
     using members_by_plane = std::map<int, std::vector<unit_member>>;
 
     void forget_unit(const string& unit);
+    void leave_unit(const string& key);
+    void forget_missing_members();
     void register_unit(const string& unit, const set<string>& members);
     [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
     [[nodiscard]] set<string> parents_into(int t) const;
@@ -426,7 +430,7 @@ private:
     int m_drawn_time_point = -1;                       // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
-    unsigned long m_edits = 0;        // counts what may have changed units, links or ROIs
+    unsigned long m_edits = 0;        // counts the changes of units, links and elite marks
     int m_runs = 0;                   // the runs going on, one inside the other
     int m_busy_runs = 0;              // those of them that a person waits for
     int m_event_depth = 0;            // handlers waiting for the events that they let be processed

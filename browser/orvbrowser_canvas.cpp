@@ -7,7 +7,18 @@
 #include <QPaintEvent>
 #include <QPainter>
 
-void ORVBrowser::paintEvent(QPaintEvent*)
+void ORVBrowser::paintEvent(QPaintEvent*) { refresh_picture(); }
+
+// Only the canvas: the controls repaint themselves where they change.
+void ORVBrowser::paint_canvas()
+{
+    if (!isVisible() || !updatesEnabled())
+        return;    // the next paint event does it
+    refresh_picture();
+    frame_canvas->repaint();
+}
+
+void ORVBrowser::refresh_picture()
 {
     if (!m_imgdb)
         return;

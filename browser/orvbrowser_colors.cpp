@@ -99,5 +99,6 @@ void ORVBrowser::pushButton_reset_clicked()
     m_smallest_enclosing_circle.clear();
     m_linkage_set.clear();
     m_linkage_multimap.clear();
+    ++m_edits;
     show_changes();
 }

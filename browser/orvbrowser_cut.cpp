@@ -260,6 +260,7 @@ void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int se
     for (const set<string>* units : {&links.parents, &links.children})
         link_to_halves(pair_with_halves(*units, nom, E_m, head_plus, head_minus), head_plus, head_minus);
     m_elite_head_roi_set.erase(doubt);
+    ++m_edits;
 }
 
 // True iff no other ROI, and no other unit, has the key of a new ROI, no two new ones have the same,

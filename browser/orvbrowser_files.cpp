@@ -97,6 +97,7 @@ void ORVBrowser::pushButton_drop_false_positive_clicked()
     setCursor(Qt::WaitCursor);
     for (const std::string& key : m_removed_roi_set)
         drop_roi(key);
+    forget_missing_members();
     finish();
     end_waiting();
 }

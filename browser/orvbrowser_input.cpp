@@ -185,7 +185,7 @@ void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
         dirty = true;
     }
     if (dirty)
-        repaint();
+        paint_canvas();
     processEvents();
 }
 
@@ -223,6 +223,7 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
     const std::string unit = head(key);
     if (m_manual_elite) {
         toggle(m_elite_head_roi_set, unit);
+        ++m_edits;
         setManualEliteMode(false);
     } else if (m_lineage_mode) {
         m_lineage_mode_roi_set = {unit};

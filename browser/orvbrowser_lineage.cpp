@@ -53,8 +53,10 @@ void ORVBrowser::link(string unit1, string unit2)
     }
     const std::string& parent = step == 1 ? unit1 : unit2;
     const std::string& child = step == 1 ? unit2 : unit1;
-    if (!parents(child).contains(parent))
-        m_linkage_multimap.emplace(child, parent);
+    if (parents(child).contains(parent))
+        return;
+    m_linkage_multimap.emplace(child, parent);
+    ++m_edits;
 }
 
 void ORVBrowser::release_child(string parent, string child)
@@ -63,6 +65,7 @@ void ORVBrowser::release_child(string parent, string child)
     for (auto entry = first; entry != last; ++entry) {
         if (entry->second == parent) {
             m_linkage_multimap.erase(entry);
+            ++m_edits;
             return;
         }
     }
@@ -194,7 +197,8 @@ void ORVBrowser::makeLinkage(int t)
 {
     if (!isOpen())
         return;
-    LongRun run(*this);    // keeps the rasters of both time points
+    const LongRun run(*this);    // keeps the rasters of both time points
+    ++m_edits;
     const members_by_plane parental = unit_members_at(t - 1);
     std::map<string, set<string>> parents_of;
     for (const auto& [z, children] : unit_members_at(t)) {

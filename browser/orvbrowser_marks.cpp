@@ -53,9 +53,12 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
     else if (!reader.read_word(name) || name != dataset)
         std::cerr << "different dataset" << std::endl;
     else {
-        for (roi r; reader.read_record(r);)
-            later_rois += r.t() > t;
-        if (!reader.is_at_end())
+        bool is_whole = true;
+        for (roi r; is_whole && !reader.is_at_end();) {
+            is_whole = reader.read_record(r);
+            later_rois += is_whole && r.t() > t;
+        }
+        if (!is_whole)
             std::cerr << "Not an ROI file to its end: " << filename << std::endl;
         else if (later_rois == 0)
             std::cerr << "No ROIs after time point " << t << " in " << filename << std::endl;
@@ -177,6 +180,7 @@ void ORVBrowser::restore_rois(const string& filename)
     if (can_restore(filename, m_dataset, m_time_point)) {
         m_roidb->replace_plus(filename, m_time_point + 1, std::numeric_limits<int>::max());
         m_q_roiimgdb->remove_after(m_time_point);
+        forget_missing_members();
         take_time_bounds();
     }
     end_waiting();

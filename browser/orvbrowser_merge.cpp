@@ -56,4 +56,5 @@ void ORVBrowser::mergeUnits(string a, string b)
             link(head, child);
     m_elite_head_roi_set.erase(a);
     m_elite_head_roi_set.erase(b);
+    ++m_edits;
 }

@@ -82,7 +82,7 @@ void ORVBrowser::set_position(int& position, int value, QSlider& slider, QLineEd
     if (field.text() != text)    // keeps the cursor of who is typing
         field.setText(text);
     dirty = true;
-    repaint();
+    paint_canvas();
 }
 
 void ORVBrowser::setCurrentTimePoint(int t)
@@ -230,6 +230,7 @@ void ORVBrowser::reset_recording_state()
     m_head_members.clear();
     m_members_head.clear();
     m_linkage_multimap.clear();
+    ++m_edits;
     // A button or a cursor that still showed a flag would now tell a lie.
     const QSignalBlocker quiet(pushButton_auto);
     pushButton_auto->setChecked(false);

@@ -41,6 +41,7 @@ void ORVBrowser::add_to_unit(const string& key)
     const std::string unit = keygen(m_unit_roi_head);
     m_head_members.emplace(unit, key);
     m_members_head.emplace(key, unit);
+    ++m_edits;
 }
 
 // A depth-first flood over the planes of time point t. Its depth is that of the data, so the levels

@@ -49,6 +49,7 @@ void ORVBrowser::forget_unit(const string& unit)
     for (const std::string& key : member(unit))
         m_members_head.erase(key);
     m_head_members.erase(unit);
+    ++m_edits;
 }
 
 void ORVBrowser::register_unit(const string& unit, const set<string>& members)
@@ -57,6 +58,47 @@ void ORVBrowser::register_unit(const string& unit, const set<string>& members)
         m_members_head.emplace(key, unit);
         m_head_members.emplace(unit, key);
     }
+    ++m_edits;
+}
+
+// The unit of an ROI that is gone: without its head it is named by the smallest key that is left.
+void ORVBrowser::leave_unit(const string& key)
+{
+    const std::string unit = head(key);
+    set<string> members = member(unit);
+    members.erase(key);
+    if (key != unit && !members.empty()) {
+        forget_unit(unit);
+        register_unit(unit, members);
+        return;
+    }
+    const unit_links links{parents(unit), children(unit)};
+    release_links(unit, links);
+    forget_unit(unit);
+    m_members_head.erase(key);
+    const bool was_elite = m_elite_head_roi_set.erase(unit) > 0;
+    m_lineage_mode_roi_set.erase(unit);
+    if (members.empty())
+        return;
+    const std::string new_head = *members.begin();
+    register_unit(new_head, members);
+    for (const std::string& parent : links.parents)
+        link(parent, new_head);
+    for (const std::string& child : links.children)
+        link(new_head, child);
+    if (was_elite)
+        m_elite_head_roi_set.insert(new_head);
+}
+
+// After ROIs were taken out of the recording.
+void ORVBrowser::forget_missing_members()
+{
+    set<string> missing;
+    for (const auto& [key, unit] : m_members_head)
+        if (!m_roidb->db.contains(key))
+            missing.insert(missing.end(), key);
+    for (const std::string& key : missing)
+        leave_unit(key);
 }
 
 unsigned int ORVBrowser::ID(string a)

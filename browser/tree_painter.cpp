@@ -70,6 +70,17 @@ void for_each_in(const lineage_tree& tree, const tree_view& view, std::size_t ro
         visit(tree.nodes[*i]);
 }
 
+// The slanted links whose child stands in these rows or just below.
+auto slanted_in(const lineage_tree& tree, row_range rows)
+{
+    const auto from_row = [&](std::size_t row) {
+        return std::partition_point(tree.slanted.begin(), tree.slanted.end(), [&](const tree_link& link) {
+            return tree.nodes[link.child].t < tree.first_t + static_cast<int>(row);
+        });
+    };
+    return std::pair(from_row(rows.first), from_row(rows.last + 1));
+}
+
 void paint_branches(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& area,
                     row_range rows)
 {
@@ -81,7 +92,9 @@ void paint_branches(QPainter& painter, const lineage_tree& tree, const tree_view
             if (parent.column == node.column && parent.t + 1 == node.t)
                 lines.append({view.place(tree, parent), view.place(tree, node)});
         });
-    for (const tree_link& link : tree.slanted) {
+    const auto [first, last] = slanted_in(tree, rows);
+    for (auto entry = first; entry != last; ++entry) {
+        const tree_link& link = *entry;
         const QLineF line(view.place(tree, tree.nodes[link.parent]),
                           view.place(tree, tree.nodes[link.child]));
         const QRectF box = QRectF(line.p1(), line.p2()).normalized().adjusted(-1, -1, 1, 1);

@@ -20,7 +20,7 @@ constexpr int button_height = 26;
 constexpr int drag_distance = 4;         // pixels; a shorter way is a click
 constexpr double smallest_step = 0.2;    // pixels per column or time point
 constexpr double largest_step = 200;
-constexpr double largest_png_side = 16000;    // pixels
+constexpr double largest_png_area = 1e8;    // pixels
 
 QPushButton* add_button(QWidget* parent, const char* name, const QString& text, int x)
 {
@@ -41,32 +41,41 @@ TreeWindow::TreeWindow(const LineageAccess& access) : QWidget(&access.window(), 
     save_png = add_button(this, "save_png", tr("Save PNG"), 118);
     save_newick = add_button(this, "save_newick", tr("Save Newick"), 232);
     connect(save_svg, &QPushButton::clicked, this,
-            [this] { save("svg file (*.svg)", "save svg-file", ".svg", as_svg()); });
+            [this] { save("svg file (*.svg)", "save svg-file", ".svg", [this] { return as_svg(); }); });
     connect(save_png, &QPushButton::clicked, this,
-            [this] { save("png file (*.png)", "save png-file", ".png", as_png()); });
+            [this] { save("png file (*.png)", "save png-file", ".png", [this] { return as_png(); }); });
     connect(save_newick, &QPushButton::clicked, this, [this] {
-        save("newick file (*.nwk)", "save newick-file", ".nwk", QByteArray::fromStdString(newick(_tree)));
+        save("newick file (*.nwk)", "save newick-file", ".nwk",
+             [this] { return QByteArray::fromStdString(newick(_tree)); });
     });
     connect(&_watch, &QTimer::timeout, this, &TreeWindow::follow);
     _watch.start(watch_ms);
-    follow();
 }
+
+void TreeWindow::showEvent(QShowEvent*) { follow(); }
 
 void TreeWindow::follow()
 {
-    if (_access.is_busy())    // half-made units would only flicker
+    if (!isVisible() || _access.is_making_units())
         return;
     if (_seen_time_point != _access.time_point()) {
         _seen_time_point = _access.time_point();
         update();
     }
-    if (_seen_edits == _access.edits() && _seen_recording == _access.recording() && !_tree.nodes.empty())
+    const std::string head = _access.chosen_head();
+    const bool is_another_tree = _seen_recording != _access.recording() || _seen_head != head;
+    if (_seen_edits == _access.edits() && !is_another_tree)
         return;
-    if (_seen_recording != _access.recording())
+    if (is_another_tree) {
         _is_placed = false;
+        _marked_unit.clear();
+    }
     _seen_edits = _access.edits();
     _seen_recording = _access.recording();
-    _tree = make_tree(_access, _access.chosen_head());
+    _seen_head = head;
+    _tree = _access.is_open() ? make_tree(_access, head) : lineage_tree();
+    for (QPushButton* button : {save_svg, save_png, save_newick})
+        button->setEnabled(_access.is_open());
     if (!_is_placed)
         show_whole_tree();
     update();
@@ -133,20 +142,22 @@ void TreeWindow::mouseMoveEvent(QMouseEvent* e)
 
 void TreeWindow::mouseReleaseEvent(QMouseEvent* e)
 {
-    if (_is_drag)
+    if (_is_drag || e->button() != Qt::LeftButton)
         return;
     if (const auto node = node_at(_tree, _view, e->position()))
         go_to(_tree.nodes[*node].unit);
 }
 
-void TreeWindow::go_to(const std::string& unit)
+// By value: the tree may be made anew while the main window moves there.
+void TreeWindow::go_to(std::string unit)
 {
-    if (!_access.is_open() || _access.is_busy())
+    if (!_access.is_open())
         return;
     _marked_unit = unit;
-    _access.window().view(unit);
-    _access.highlight(unit);
     update();
+    _access.window().view(unit);
+    if (_access.is_open())
+        _access.highlight(unit);
 }
 
 QByteArray TreeWindow::as_svg() const
@@ -170,7 +181,7 @@ QByteArray TreeWindow::as_png() const
 {
     tree_view view;
     const QSizeF full = view.size_of(_tree);
-    const double scale = std::min({1.0, largest_png_side / full.width(), largest_png_side / full.height()});
+    const double scale = std::min(1.0, std::sqrt(largest_png_area / (full.width() * full.height())));
     view.column_width *= scale;
     view.row_height *= scale;
     QImage image(view.size_of(_tree).toSize(), QImage::Format_RGB32);
@@ -185,15 +196,18 @@ QByteArray TreeWindow::as_png() const
 }
 
 void TreeWindow::save(const QString& filter, const char* object_name, const char* suffix,
-                      const QByteArray& content)
+                      const std::function<QByteArray()>& render)
 {
     const QString filename = ask_filename(
         this, {QFileDialog::AcceptSave, filter, object_name, tr("Choose a filename to save under")},
         default_file(_access.dataset(), suffix));
     if (filename.isEmpty() || !may_write(this, filename))
         return;
+    const QByteArray content = render();
     replacing_file file(native_name(filename));
     file.append({content.data(), static_cast<std::size_t>(content.size())});
-    if (!file.commit())
+    // A picture that could not be made must not take the place of an old one.
+    const bool is_made = !content.isEmpty() || _tree.nodes.empty();
+    if (!is_made || !file.commit())
         std::cerr << "Cannot open " << native_name(filename) << std::endl;
 }

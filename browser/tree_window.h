@@ -6,6 +6,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
+
 class QPushButton;
 
 class TreeWindow : public QWidget {
@@ -24,6 +26,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* e) override;
     void resizeEvent(QResizeEvent* e) override;
+    void showEvent(QShowEvent* e) override;
     void wheelEvent(QWheelEvent* e) override;    // zooms about the pointer
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
@@ -32,11 +35,12 @@ protected:
 private:
     void follow();    // takes over what has changed in the main window
     void show_whole_tree();
-    void go_to(const std::string& unit);
+    void go_to(std::string unit);
     [[nodiscard]] tree_marks marks() const;
     [[nodiscard]] QByteArray as_svg() const;
     [[nodiscard]] QByteArray as_png() const;
-    void save(const QString& filter, const char* object_name, const char* suffix, const QByteArray& content);
+    void save(const QString& filter, const char* object_name, const char* suffix,
+              const std::function<QByteArray()>& render);
 
     LineageAccess _access;
     lineage_tree _tree;
@@ -47,6 +51,7 @@ private:
     int _seen_time_point = -1;
     bool _is_placed = false;    // the person has not moved or zoomed yet
     std::string _marked_unit;
+    std::string _seen_head;    // the chosen lineage head
     QPointF _drag_from;
     bool _is_drag = false;
 };

@@ -168,7 +168,12 @@ int main(int argc, char* argv[])
     window.setApplication(&application);
     if (!window.openRoiFile(roi_file))
         return 1;
-    const truth known = read_truth(roi_file.substr(0, roi_file.rfind('.')) + ".truth");
+    const std::string truth_file = roi_file.substr(0, roi_file.rfind('.')) + ".truth";
+    const truth known = read_truth(truth_file);
+    if (known.labels.empty()) {
+        std::cerr << "No truth in " << truth_file << std::endl;
+        return 1;
+    }
     LineageAccess access(window);
     std::puts("| overlap | units | precision | recall | links | precision | recall "
               "|\n|---|---|---|---|---|---|---|");

@@ -98,6 +98,7 @@ bool file_reader::fill()
     _piece.resize(piece_size);
     const ssize_t n = read_some(_fd, _piece.data(), _piece.size());
     _piece.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
+    _failed = n < 0;
     return n > 0;
 }
 

@@ -14,6 +14,9 @@ public:
     // True iff the file was opened and its first bytes could be read.
     [[nodiscard]] bool is_open() const noexcept { return _fd >= 0; }
 
+    // True iff reading has ended before the end of the file.
+    [[nodiscard]] bool failed() const noexcept { return _failed; }
+
     // The next byte without taking it, or -1 at the end of the file.
     [[nodiscard]] int peek()
     {
@@ -31,6 +34,7 @@ private:
     int _fd = -1;
     std::string _piece;
     std::size_t _next = 0;
+    bool _failed = false;
 };
 
 // Writes a file beside `filename` and puts it in its place with commit(). Until

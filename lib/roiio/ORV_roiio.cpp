@@ -36,8 +36,7 @@ void iroifstream::seek_roi()
         std::getline(*this, line);
         if (fail() || line.starts_with('#') || is_blank(line))
             continue;
-        clear();    // the last line may lack its line end
-        seekg(line_start);
+        seekg(line_start);    // also clears the end that a last line without line end has met
         return;
     }
 }

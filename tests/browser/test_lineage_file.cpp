@@ -82,6 +82,7 @@ TEST(lineage_file, a_file_that_is_not_sound_is_refused_with_the_number_of_its_li
         {sound() + "LINK " + a0 + " " + b0 + "\n",
          ":9: a link between units that are not one time point apart\n"},
         {sound() + "LINK " + b1 + " " + a0 + "\n", ":9: a link of what is no unit\n"},
+        {"NAME emb\nUNIT " + a0 + " " + a1 + "\n", ":2: a unit without the ROI that names it\n"},
         {sound() + "ELITE " + b1 + "\n", ":9: an elite mark on what is no unit\n"},
         {sound() + "SELECT " + b1 + "\n", ":9: no UNIT, LINK or ELITE line\n"},
         {sound() + "LINK " + c0, ":9: no UNIT, LINK or ELITE line\n"},

@@ -35,6 +35,9 @@ TEST_F(planes, a_walk_gives_the_rois_of_one_plane_in_the_order_they_came)
 {
     EXPECT_EQ(walk(5, 10) + ' ' + walk(5, 11) + ' ' + walk(8, 0), "012 3 5");
     EXPECT_EQ(walk(5, 9) + walk(5, 12) + walk(7, 0) + walk(9, 0) + walk(-1, 0), "");
+    roi r;
+    db.seek(5, 10, 0);
+    EXPECT_FALSE(db.find_plus(5, 11, r)) << "the cursor stands on another plane";
 }
 
 TEST_F(planes, a_walk_inside_a_walk_has_its_own_cursor)
@@ -45,12 +48,13 @@ TEST_F(planes, a_walk_inside_a_walk_has_its_own_cursor)
     for (db.seek_iter(5, 10, 0, own); db.find_plus_iter(5, 10, r, own);) {
         outlines += r.outline();
         db.seek_iter(6, 10, 0, inner);
+        db.seek(8, 0, 0);
         db.seek_iter(5, 11, 1, inner);    // only position 0 moves a cursor
         while (db.find_plus_iter(6, 10, r, inner))
             outlines += r.outline();
     }
     EXPECT_EQ(outlines, "041424");
-    EXPECT_TRUE(db.find_plus(6, 10, r)) << "the shared cursor stays where seek_iter left it";
+    EXPECT_TRUE(db.find_plus(8, 0, r)) << "no walk with an own cursor moves the shared one";
 }
 
 TEST_F(planes, removing_takes_one_entry_from_map_and_index)

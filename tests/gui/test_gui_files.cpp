@@ -57,15 +57,15 @@ private slots:
             QString error;
         } cases[] = {
             {"new.roi", {}, true, {}},
-            {"old.roi", {"&Yes"}, true, {}},
-            {"old.roi", {"&No"}, false, {}},
-            {"old.roi", {""}, false, {}},
+            {"tiny.roi", {"&Yes"}, true, {}},
+            {"tiny.roi", {"&No"}, false, {}},
+            {"tiny.roi", {""}, false, {}},
             {"nowhere/new.roi", {}, false, "roidb: Cannot open "},
             {"", {}, false, {}},
         };
         for (const auto& c : cases) {
             const SmallRecording recording;
-            (void)recording.folder.with("old.roi", "old");
+            (void)recording.folder.with("tiny.roi", "old");
             const QString path = *c.name ? recording.path(c.name) : QString();
             OpenWindow w(recording);
             ScriptedDialogs user(QStringList(path) + c.answer);
@@ -77,8 +77,8 @@ private slots:
                 asked << "Overwrite File? -- ORVBrowser|A file called " + path +
                              " already exists. Do you want to overwrite it?|&Yes*|&No";
             QCOMPARE(user.seen, asked);
-            const std::string expected = recording.folder.contents(c.written ? "file.roi" : "old.roi");
-            QCOMPARE(recording.folder.contents(c.written ? c.name : "old.roi"), expected);
+            const std::string expected = recording.folder.contents(c.written ? "file.roi" : "tiny.roi");
+            QCOMPARE(recording.folder.contents(c.written ? c.name : "tiny.roi"), expected);
             QVERIFY(c.written || expected == "old");
             QCOMPARE(errors.take().join('|'), c.error.isEmpty() ? QString() : c.error + path);
             QVERIFY(w.pushButton_save_roifile->isEnabled() && w.cursor().shape() == Qt::ArrowCursor);
@@ -98,7 +98,7 @@ private slots:
         QCOMPARE(w.pictures_since_last_asked(), 1);
         QVERIFY(w.shown(10, 5) != w.color[47] && w.shown(30, 25) == w.color[0]);
         w.pushButton_save_roifile->click();
-        for (const std::string record : {"10 5 20 0 2222333300001111\n", "30 25 20 3 2301\n"})
+        for (const std::string record : {"10 5 20 0 222233330000\n", "30 25 20 3 2301\n"})
             expected.erase(expected.find(record), record.size());
         QCOMPARE(recording.folder.contents("after.roi"), expected);
         QVERIFY(w.m_removed_roi_set.size() == 4 && w.cursor().shape() == Qt::ArrowCursor);

@@ -10,8 +10,7 @@
 
 namespace {
 
-// Two nuclei of two planes each at time points 0 to 2 that move a pixel a time point; at 1 they touch
-// nothing, at 2 one ROI on plane 20 covers both.
+// Two nuclei of two planes each at time points 0 to 2 that move a pixel a time point and touch nothing.
 struct TwoNuclei {
     SmallRecording recording{"tiny", 0, 2};
     OpenWindow w{recording};
@@ -164,7 +163,9 @@ void TestGuiLineage::controlsFollowTheRecording()
     QVERIFY(!was_enabled_inside && could_stop_inside);
     QVERIFY(s.page->make_links->isEnabled() && !s.page->stop->isEnabled());
     s.page->close_recording->click();
+    QCoreApplication::processEvents();
     QVERIFY(!s.w.m_roidb && !s.page->make_units->isEnabled() && s.page->help->isEnabled());
+    QVERIFY(!s.page->stop->isEnabled());
 }
 
 void TestGuiLineage::lineageSurvivesAFile()
@@ -195,7 +196,7 @@ void TestGuiLineage::lineageSurvivesAFile()
     QVERIFY(read_lineage(s.recording.folder.path("b.lineage"), "tiny", *s.w.m_roidb));
     s.page->read_lineage_file->click();    // names ROIs that are gone: refused, nothing changed
     QCOMPARE(err.take().size(), 1);
-    QCOMPARE(s.w.m_head_members, members);
+    QVERIFY(!s.w.m_head_members.contains("001020101050"));    // nor does any map name them
 }
 
 void TestGuiLineage::treeFollowsEditsAndMovesTheWindow()
@@ -233,13 +234,16 @@ void TestGuiLineage::exportsTheTree()
     s.make_all();
     s.w.link("001020101050", "002020122050");
     QCOMPARE(QString::fromStdString(newick(make_tree(LineageAccess(s.w), ""))),
-             "((002020102050:1,002020122050:1)001020101050:1)000020100050;\n(001020121050:1)000020120050;\n");
+             "(('002020102050':1,'002020122050':1)'001020101050':1)'000020100050';\n"
+             "('001020121050':1)'000020120050';\n");
     s.page->tree->click();
     auto* const tree = s.w.findChild<TreeWindow*>();
     ScriptedDialogs user({s.recording.path("t.svg"), s.recording.path("t.png"), s.recording.path("t.nwk")});
     for (QPushButton* button : {tree->save_svg, tree->save_png, tree->save_newick})
         button->click();
-    QVERIFY(s.recording.folder.contents("t.svg").find("<svg") != std::string::npos);
+    QCOMPARE(QString::fromStdString(s.recording.folder.contents("t.svg")).count("<circle") +
+                 QString::fromStdString(s.recording.folder.contents("t.svg")).count("<ellipse"),
+             6 + 5);    // the units and the legend
     QVERIFY(!QImage(s.recording.path("t.png")).isNull());
     QCOMPARE(s.recording.folder.contents("t.nwk"), newick(tree->tree()));
 }

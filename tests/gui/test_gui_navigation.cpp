@@ -2,6 +2,7 @@
 #include "../support/captured_lines.h"
 #include "../support/open_window.h"
 
+#include <QScreen>
 #include <QWheelEvent>
 
 namespace {
@@ -85,6 +86,12 @@ QString enabled_controls(const WindowProbe& w)
     return enabled;
 }
 
+// What stands at a point of the canvas, without painting it anew.
+QColor on_screen(const WindowProbe& w, QPoint at)
+{
+    return w.screen()->grabWindow(w.winId()).toImage().pixelColor(w.frame_canvas->pos() + at);
+}
+
 }    // namespace
 
 class TestGuiNavigation : public QObject {
@@ -99,6 +106,8 @@ private slots:
             w.setCurrentTimePoint(2);
             (void)w.pictures_since_last_asked();
             row.step(w);
+            if (row.pictures == 1)
+                QVERIFY2(on_screen(w, {50, 35}) == w.shown(50, 35), row.what);    // at once
             QCoreApplication::processEvents();
             QVERIFY2(position(w) == QString("%1 %2").arg(row.t).arg(row.z), row.what);
             QVERIFY2(w.pictures_since_last_asked() == row.pictures, row.what);
@@ -127,20 +136,22 @@ private slots:
     void openingAndClosingSwitchTheControls()
     {
         const SmallRecording recording;
-        OpenWindow w(recording);
+        ShownWindow w;
+        w.lineEdit_dataset->setFocus();
+        QVERIFY(w.openRoiFile(recording.file));
+        QCoreApplication::processEvents();
         QCOMPARE(enabled_controls(w), "-xxxxxxxxxx");
         QCOMPARE(w.focusWidget(), w.frame_canvas);
-        w.setCurrentTimePoint(3);
+        QTRY_COMPARE(on_screen(w, {50, 35}), w.shown(50, 35));
         (void)w.pictures_since_last_asked();
         w.pushButton_close_clicked();
+        QTRY_COMPARE(on_screen(w, {50, 35}), w.palette().color(QPalette::Window));
         w.timeNext();
         w.repaint();
-        QCoreApplication::processEvents();
         QCOMPARE(w.pictures_since_last_asked(), 0);
         QCOMPARE(enabled_controls(w), "x--xx------");    // the sliders stay
         QCOMPARE(position(w), "1 0");
         QVERIFY(!w.m_roidb && !w.m_imgdb && !w.m_q_roiimgdb);
-        QVERIFY(w.frame_canvas->picture().isNull());
     }
 
     void resetAndOpeningForgetWhatWasMarked()
@@ -180,6 +191,7 @@ private slots:
             w.m_members_head = {{key, key}};
             w.m_smallest_enclosing_circle = {{key, pos3d()}};
             w.setMergeMode(true);
+            w.pushButton_auto->setChecked(true);
             for (bool* flag : flags)
                 *flag = true;
             (void)w.pictures_since_last_asked();
@@ -194,6 +206,7 @@ private slots:
             QCOMPARE(left, open ? "----------xxx------------" : "------xxxxxxxxxxxxxxxxxxx");
             QVERIFY(w.m_head_members.empty() && w.m_members_head.empty());
             QVERIFY(w.m_linkage_multimap.empty() && w.m_smallest_enclosing_circle.empty());
+            QCOMPARE(w.pushButton_auto->isChecked(), !open);
             QCOMPARE(w.cursor().shape(), open ? Qt::ArrowCursor : Qt::PointingHandCursor);
         }
     }

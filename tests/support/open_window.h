@@ -23,7 +23,7 @@ public:
         ORVBrowser::m_removed_roi_set, ORVBrowser::m_roi_base, ORVBrowser::m_roi_ext, ORVBrowser::m_roidb,
         ORVBrowser::m_selected_roi_set, ORVBrowser::m_show_centroid, ORVBrowser::m_show_tracked_rois_mode,
         ORVBrowser::m_smallest_enclosing_circle, ORVBrowser::m_split_mode, ORVBrowser::m_split_parents,
-        ORVBrowser::m_time_point;
+        ORVBrowser::m_time_point, ORVBrowser::m_unit_roi_head;
 
     void myPaint() override
     {

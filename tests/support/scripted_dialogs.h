@@ -3,6 +3,7 @@
 // An answer is a file name or the text of a message box's button; an empty one, as well as one too few, is
 // Escape.
 #pragma once
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -50,6 +51,8 @@ private:
         seen << QStringList({dialog.objectName(), dialog.windowTitle(), dialog.nameFilters().join(";;"),
                              dialog.selectedFiles().value(0)})
                     .join('|');
+        dialog.findChild<QAbstractItemView*>("listView")
+            ->clearSelection();    // else the start file stays chosen
         dialog.findChild<QLineEdit*>("fileNameEdit")->setText(filename);
         if (!filename.isEmpty())
             static_cast<QDialog&>(dialog).accept();

@@ -46,7 +46,7 @@ private:
     {
         std::string text = "\n";
         for (int t = first; t <= last; ++t)
-            text += "10 5 20 " + std::to_string(t) + " 2222333300001111\n" + "30 25 20 " + std::to_string(t) +
+            text += "10 5 20 " + std::to_string(t) + " 222233330000\n" + "30 25 20 " + std::to_string(t) +
                     " 2301\n";
         return text;
     }

@@ -36,20 +36,15 @@ TEST(roi_reader, accepts_what_a_stream_accepts)
 {
     const std::string texts[] = {"name\n1 2 3 4 0123\n5 6 7 8 32\n",
                                  "\v\f n \r\n 1\t+2\n-3 \v0004 01\f5 6\n7\n\n8\r\n9",
-                                 " 1-2+3 4 01 5 6 7 8 2301",    // a sign ends a number
+                                 " 1-2+3 4 01 5 6 7 8 2301",
                                  " 2147483647 -2147483648 +0 -0 3 2147483648 0 0 0 1 5 6 7 8 2",
-                                 " 0 0 0 -2147483649 1 5 6 7 8 2",
-                                 " 99999999999999999999999999 0 0 0 1 5 6 7 8 2",
+                                 " 0 0 0 -2147483649 1 5 6 7 8 2\n99999999999999999999999999 0 0",
+                                 " 0 99999999999999999999999999 0 0 1 5 6 7 8 2",
                                  " 1 2 3 +-4 01 5 6 7 8 1",
-                                 " 1 2 3 0x10 01 5 6 7 8 1",
-                                 " 1 2 3.5 4 01 5 6 7 8 1",
+                                 " 1 2 3 0x10 01 5 6.7 8 1",
                                  " 1 2 3 4 \xff\xa0\x85 1 2 3 4 \xe9t\xe9",
                                  "\xef\xbb\xbfn 1 2 3 4 0",
-                                 std::string(" 1 2 3 4 0\0 1 2\0", 16),
-                                 "n",
-                                 "-",
-                                 "0 ",
-                                 " 7 "};
+                                 std::string(" 1 2 3 4 0\0 1 2\0", 16)};
     for (const std::string& text : texts)
         for (std::size_t length = 0; length <= text.size(); ++length)    // cut at every byte
             expect_same_as_stream((text[0] == ' ' ? "n" : "") + text.substr(0, length));

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <sstream>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -23,21 +24,6 @@ roidb large()
     return db;
 }
 
-TEST(roidb, finds_the_first_record_of_a_position)
-{
-    roidb db("a");
-    for (const roi& r : {roi(10, 20, 3, 5, "0123"), roi(9, 20, 3, 5, "1"), roi(10, 20, 3, 5, "second")})
-        db.entry(r);
-    roi r(10, 20, 3, 5, "");
-    EXPECT_TRUE(db.find(r));
-    EXPECT_EQ(r.outline(), "0123");
-    roi absent(10, 21, 3, 5, "kept");
-    EXPECT_FALSE(db.find(absent));
-    std::ostringstream out;
-    out << absent << '|' << roi(-1, 2, 3, 4, "01") << '|' << db.db.begin()->first;
-    EXPECT_EQ(out.str(), "10 21 3 5 kept|-1 2 3 4 01|005003009020");
-}
-
 TEST(roidb, writes_back_what_it_read_into_the_same_file)
 {
     const temp_folder folder;
@@ -52,6 +38,14 @@ TEST(roidb, writes_back_what_it_read_into_the_same_file)
     EXPECT_TRUE(fs::is_symlink(folder.path("link.roi")));
     EXPECT_EQ(fs::status(old).permissions(), fs::perms(0640));
     EXPECT_EQ(folder.files(), 2) << "nothing is left behind";
+    std::ostringstream out;
+    out << roi(-1, 2, 3, 4, "01");
+    EXPECT_EQ(out.str(), "-1 2 3 4 01");
+
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::fstream held(pipe);    // a reader
+    EXPECT_TRUE(db.write(pipe) && fs::is_fifo(pipe)) << "what is no regular file is not replaced";
 }
 
 // As on a full disk; 0 for no limit.

@@ -1,0 +1,392 @@
+// Splitting: what is done with a suspect, what a cut leaves behind, and when nothing is cut.
+#include "../support/captured_lines.h"
+#include "../support/editing.h"
+#include "../support/literal_search.h"
+#include "ORV_outline.h"
+#include "cutting_plane.h"
+
+#include <QTimer>
+
+#include <random>
+#include <sys/stat.h>
+
+namespace {
+
+using keys = std::set<std::string>;
+
+QString outline_of_box(int width, int height)
+{
+    return QString(height, '2') + QString(width, '3') + QString(height, '0') + QString(width, '1');
+}
+
+// Units of two planes named by letters. D spans A and B of the time point before it, and C and E of the
+// one after it, as W does. G is around the centre of A. M is where the right half of D starts when it is cut.
+const struct {
+    char letter;
+    int t, x, y = 10, width = 8, height = 8;
+} family[] = {{'K', 0, 10},       {'L', 0, 20},           {'A', 1, 11},         {'B', 1, 25},
+              {'F', 1, 40},       {'G', 1, 12, 11, 6, 6}, {'D', 2, 11, 10, 22}, {'S', 2, 40},
+              {'T', 2, 18, 30},   {'X', 2, 50, 1, 1, 1},  {'C', 3, 11},         {'E', 3, 25},
+              {'W', 3, 11, 9, 22}};
+
+class Family : public OpenWindow {
+public:
+    explicit Family(const SmallRecording& recording, const QString& links = {}, const QString& elite = {})
+        : OpenWindow(recording), _keys{{'M', keygen({32, 10, 20, 2})}}
+    {
+        for (const auto& [letter, t, x, y, width, height] : family) {
+            std::vector<std::string> members{put_roi(*this, {x, y, 20, t}, width, height)};
+            if (letter != 'X')    // a single pixel
+                members.push_back(put_roi(*this, {x, y, 21, t}, width, height));
+            _keys[letter] = put_unit(*this, members);
+        }
+        for (const QString& pair : links.split(' ', Qt::SkipEmptyParts))
+            m_linkage_multimap.emplace(at(pair[1].toLatin1()), at(pair[0].toLatin1()));
+        for (const QChar letter : elite)
+            m_elite_head_roi_set.insert(at(letter.toLatin1()));
+    }
+
+    [[nodiscard]] const std::string& at(char letter) const { return _keys.at(letter); }
+
+    // "AD BD": A is a parent of D, and so is B.
+    [[nodiscard]] QString links() const
+    {
+        QStringList pairs;
+        for (const auto& [child, parent] : m_linkage_multimap)
+            pairs << named(QString::fromStdString(parent + child));
+        return pairs.join(' ');
+    }
+
+    // With letters for keys.
+    [[nodiscard]] QString named(QString text) const
+    {
+        for (const auto& [letter, key] : _keys)
+            text.replace(QString::fromStdString(key), QChar(letter));
+        return text;
+    }
+
+private:
+    std::map<char, std::string> _keys;
+};
+
+// No unit, link or mark names what is not there, and links join successive time points.
+bool is_consistent(WindowProbe& w)
+{
+    bool good = w.m_head_members.size() == w.m_members_head.size();
+    for (const auto& [head, member] : w.m_head_members)
+        good = good && w.m_roidb->db.contains(member) && w.head(member) == head;
+    for (const auto& [child, parent] : w.m_linkage_multimap)
+        good = good && w.m_head_members.contains(child) && w.m_head_members.contains(parent) &&
+               decode(child).t() == decode(parent).t() + 1;
+    for (const std::string& head : w.m_elite_head_roi_set)
+        good = good && w.m_head_members.contains(head);
+    for (const auto* marks : {&w.m_selected_roi_set, &w.m_fwd_roi_set, &w.m_bwd_roi_set, &w.m_removed_roi_set,
+                              &w.m_mouse_over_roi_set, &w.m_lineage_mode_roi_set, &w.m_split_parents})
+        for (const std::string& key : *marks)
+            good = good && w.m_roidb->db.contains(key);
+    for (const auto& [key, raster] : w.m_q_roiimgdb->db)
+        good = good && raster->outline() == w.m_roidb->find_plus(key).outline();
+    return good && w.cursor().shape() == Qt::ArrowCursor;
+}
+
+struct suspect_row {
+    const char *links, *elite;
+    QString lines;
+    const char* links_after;
+};
+
+const QString merged = "Merge units: A B|mergeUnits: A B";
+const QString one_child = "Falsely grouped unit: D|p1(A): sisters: D|p2(B): sisters: D";
+const QString case_3 = one_child + "|split: case 3";
+
+const suspect_row suspect_table[] = {
+    {"AD", "", "Doubt units: none", "AD"},
+    {"AD AD BS", "", "Doubled link released: A D", "AD BS"},
+    {"AD BD DC", "", merged, "AD DC"},
+    {"AD BD DC", "A", merged, "AD DC"},        // cut down to none
+    {"KA KB AD BD", "AK", merged, "KA AD"},    // the later one goes
+    {"AD BD DC DE", "ABD", one_child, "AD BD DC DE"},
+    {"AD BD BS DC", "AB", one_child + " S|split: case 1", "BD BS DC"},
+    {"AD AS BD DC", "ABD", "Falsely grouped unit: D|p1(A): sisters: D S|p2(B): sisters: D|split: case 1",
+     "AD AS DC"},
+    {"AD BD BS FS DC", "AB", one_child + " S|split: case 1|split: case 3", "AD BM BS FS DC"},
+    {"AD AS BD BS DC", "AB", "Falsely grouped unit: D|p1(A): sisters: D S|p2(B): sisters: D S|split: case 2",
+     "AD BS DC"},
+    {"AD AT BD BT DC", "AB",    // a tie
+     "Falsely grouped unit: D|p1(A): sisters: D T|p2(B): sisters: D T|split: case 2", "BD AT DC"},
+    {"KA LB AD BD", "KL", case_3, "KA LB AD BM"},
+    {"AD BD FD DC", "AB", case_3, "AD BD FM DC"},    // by their sides
+    {"AD BD DC DE", "AB", case_3, "AD BM DC ME"},    // the nearer to the lone half
+    {"AD BD DW", "AB", case_3, "AD BM DW MW"},       // what overlaps the lone half
+};
+
+// In place of the ROI maker; without a line of its own it reads the mask, then answers.
+void use_script(const SmallRecording& recording, const std::string& answer, const std::string& first = {})
+{
+    const std::string script = recording.folder.with(
+        "script", "#!/bin/sh\n" + first +
+                      "\nread w; read h\nwhile [ $h -gt 0 ]; do read row; h=$((h-1)); done\n" + "printf '" +
+                      answer + "\\n'\n");
+    ::chmod(script.c_str(), 0755);
+    qputenv("ORVBROWSER_ROIMAKER", script.c_str());
+}
+
+// Events that pass before it.
+constexpr int in_search = 3;
+constexpr int in_cut = 61 + 1;    // between the members of D
+
+struct refusal_row {
+    const char *links, *line;
+    int events;
+    std::function<void(Family&, const SmallRecording&)> disturb;
+};
+
+const char not_whole[] = "Cannot split D: the halves did not come back whole";
+const char edited[] = "Cannot split D: it was edited meanwhile";
+
+const refusal_row refusal_table[] = {
+    {"AD BD", "Cannot find /no", 0, [](auto&, auto&) { qputenv("ORVBROWSER_ROIMAKER", "/no"); }},
+    {"AD BD", not_whole, 0, [](auto&, auto& r) { use_script(r, "0"); }},
+    {"AD BD", not_whole, 0, [](auto&, auto& r) { use_script(r, "1\\n\\nr 0 0 2301"); }},
+    {"AD BD", not_whole, 0,
+     [](auto&, auto& r) {
+         use_script(r, "1\\n\\nr 0 0 " + std::string(8, '2') + std::string(22, '3') + std::string(8, '0'));
+     }},
+    {"AD BD", not_whole, 0,
+     [](auto&, auto& r) { use_script(r, "1\\n\\nr 1 0 " + outline_of_box(22, 8).toStdString()); }},
+    {"AD BD", not_whole, 0,
+     [](auto&, auto& r) {    // only the last half does not come back
+         use_script(r, "0", "echo >>calls; [ $(wc -l <calls) -lt 4 ] && exec " ROIMAKER);
+     }},
+    {"AD BD", "another ROI stands where one of the halves would start", 0,
+     [](auto& w, auto&) {
+         put_roi(w, {32, 10, 21, 2});
+     }},
+    {"AD GD", "Cannot split D: no plane divides it", 0, [](auto&, auto&) {}},
+    {"AX BX", "Cannot split X: no plane divides it", 0, [](auto&, auto&) {}},
+    {"AD BD", edited, in_search, [](auto& w, auto&) { w.m_roidb->remove(w.at('D')); }},
+    {"AD BD", edited, in_cut, [](auto& w, auto&) { w.m_roidb->remove(*w.member(w.at('D')).rbegin()); }},
+    {"AD BD", edited, in_search, [](auto& w, auto&) { w.mergeUnits(w.at('D'), w.at('S')); }},
+    {"AD BD", edited, in_cut, [](auto& w, auto&) { w.link(w.at('F'), w.at('D')); }},
+    {"AD BD", edited, in_cut, [](auto& w, auto&) { w.m_elite_head_roi_set.insert(w.at('D')); }},
+    {"AD BD", edited, in_cut, [](auto& w, auto&) { w.pushButton_split_clicked(); }},
+    {"AD BD", "", in_search, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
+    {"AD BD", "", in_cut, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
+    {"AD BD", "", in_cut, [](auto& w, auto&) { w.close_common(); }},
+    {"AD BD", "", in_search, [](auto& w, auto&) { w.close(); }},
+    {"AD BD", "", in_cut, [](auto& w, auto&) { w.close(); }},
+};
+
+// All that a split may change.
+auto state_of(const WindowProbe& w)
+{
+    return std::tuple(w.m_roidb ? w.m_roidb->db : decltype(w.m_roidb->db)(), w.m_head_members,
+                      w.m_members_head, w.m_linkage_multimap, w.m_elite_head_roi_set, w.m_selected_roi_set);
+}
+
+constexpr int blob_side = 80;
+constexpr int blob_x = 100;    // where no other ROI is
+
+// How often each pixel of the planes at time point 2 is enclosed.
+std::map<int, std::vector<int>> pixels_of_blobs(const WindowProbe& w)
+{
+    std::map<int, std::vector<int>> planes;
+    for (const auto& [key, r] : w.m_roidb->db) {
+        if (r.t() != 2 || r.x() < blob_x)
+            continue;
+        std::vector<unsigned char> own(blob_side * blob_side);
+        if (!fill_outline({r.x() - blob_x, r.y()}, r.outline(), own, blob_side, blob_side))
+            qFatal("not closed: %s", r.outline().c_str());
+        auto& plane = planes[r.z()];
+        plane.resize(own.size());
+        std::transform(own.begin(), own.end(), plane.begin(), plane.begin(), std::plus<>());
+    }
+    return planes;
+}
+
+// A unit of three planes whose rows are single runs.
+std::string put_blob(WindowProbe& w, const std::function<int(int)>& up_to)
+{
+    keys members;
+    for (int z = 20; z < 23; ++z) {
+        std::vector<unsigned char> mask(blob_side * blob_side);
+        int left = 30;
+        int right = 40;    // one past the run
+        for (int y = 10; y < 70; ++y) {
+            std::fill(mask.begin() + y * blob_side + left, mask.begin() + y * blob_side + right, 1);
+            left = std::clamp(left + up_to(9) - 4, 1, right - 1);
+            right = std::clamp(right + up_to(9) - 4, left + 1, blob_side);
+        }
+        const outlined_region region = outline_regions(mask, blob_side, blob_side).front();
+        const pos4i at(region.start.x() + blob_x, region.start.y(), z, 2);
+        w.m_roidb->entry_plus({at, region.chain});
+        members.insert(keygen(at));
+    }
+    return put_unit(w, {members.begin(), members.end()});
+}
+
+}    // namespace
+
+class TestGuiSplit : public QObject {
+    Q_OBJECT
+private slots:
+    void aSuspectIsMergedRepairedOrCut()
+    {
+        const SmallRecording recording;
+        for (const auto& row : suspect_table) {
+            Family w(recording, row.links, row.elite);
+            CapturedLines out(std::cout);
+            w.pushButton_split_clicked();
+            QStringList lines = out.take();
+            lines.removeIf(
+                [](const QString& line) { return line.startsWith("s=") || line.startsWith("roi_"); });
+            QCOMPARE(w.named(lines.join('|')), row.lines);
+            QCOMPARE(w.links(), row.links_after);
+            QVERIFY(is_consistent(w));
+        }
+    }
+
+    // Clicks on the unit, on its parents and on the place. The marks stay on their planes.
+    void aPersonCutsAUnitThatWasMarked()
+    {
+        const SmallRecording recording;
+        Family w(recording, "AD BD DC DE", "DS");
+        const std::string lower = *w.member(w.at('D')).rbegin();
+        w.m_selected_roi_set = w.m_mouse_over_roi_set = {lower};
+        w.m_removed_roi_set = {w.at('D')};
+        w.setCurrentTimePoint(2);
+        QTest::keyClick(&w, Qt::Key_L);
+        click(w, 15, 13);
+        w.setCurrentTimePoint(1);
+        QTest::keyClick(&w, Qt::Key_S);
+        click(w, 15, 13);
+        click(w, 30, 13);
+        CapturedLines out(std::cout);
+        click(w, 21, 13);
+        QStringList lines = out.take();
+        QCOMPARE(lines.removeIf([](const QString& line) { return line.startsWith("s="); }), 41);
+        const QString plus = "roi_plus: 11 10 %1 2 " + outline_of_box(21, 8);
+        const QString minus = "roi_minus: 32 10 %1 2 " + outline_of_box(1, 8);
+        QCOMPARE(w.named(lines.join('|')),
+                 QStringList({"manual split mode:", "    doubt: D  parents: A B", " E_normal: (-1,0,0)",
+                              "      E_m: (21,13,95.2381)", plus.arg(20), minus.arg(20), plus.arg(21),
+                              minus.arg(21)})
+                     .join('|'));
+        QCOMPARE(w.links(), "AD BM DC ME");
+        QCOMPARE(w.m_elite_head_roi_set, keys{w.at('S')});
+        QCOMPARE(w.m_selected_roi_set, (keys{lower, keygen({32, 10, 21, 2})}));
+        QCOMPARE(w.m_removed_roi_set, (keys{w.at('D'), w.at('M')}));
+        QVERIFY(w.m_mouse_over_roi_set.empty() && w.m_lineage_mode_roi_set.empty() && !w.m_split_mode);
+        QVERIFY(is_consistent(w));
+    }
+
+    void splitModeShowsTheCursorOfBeforeAgain()
+    {
+        WindowProbe w;
+        w.setCursor(Qt::CrossCursor);
+        w.setSplitMode(true);
+        w.setSplitMode(true);
+        QCOMPARE(w.cursor().shape(), Qt::PointingHandCursor);
+        w.m_split_parents = {"000020010005"};
+        w.setSplitMode(false);
+        QVERIFY(w.cursor().shape() == Qt::CrossCursor && w.m_split_parents.empty());
+    }
+
+    // From near the unit, and from so far away that the start has to move.
+    void theSearchIsExactAndTheCutLosesNoPixel()
+    {
+        const SmallRecording recording;
+        std::mt19937 random(5);
+        const auto up_to = [&random](int n) { return static_cast<int>(random() % n); };
+        for (int i = 0; i < 20; ++i) {
+            OpenWindow w(recording);
+            const std::string blob = put_blob(w, up_to);
+            keys parents;
+            for (int p = 0; p < 2; ++p)
+                parents.insert(put_unit(w, {put_roi(w, {100 + up_to(70), up_to(70), 10 + up_to(20), 1})}));
+            const pos3d normal = w.E_g(*parents.begin()) - w.E_g(*parents.rbegin());
+            const pos3d start(130 + up_to(20), i % 2 ? 40 : 400, 21 * focal_plane_step);
+            CapturedLines out(std::cout);
+            const pos3d expected = literal_search(w, blob, normal, start, 20);
+            const QStringList lines = out.take();
+            const pos3d found = w.search_cutting_position(blob, normal, start, 20);
+            QCOMPARE(out.take(), lines);
+            QVERIFY(found.x() == expected.x() && found.y() == expected.y() && found.z() == expected.z());
+            bool plus = false, minus = i % 2, some_plus = false, some_minus = i % 2;
+            QCOMPARE(w.cross_section_size(blob, normal, start, plus, minus),
+                     literal_section_size(w, blob, normal, start, some_plus, some_minus));
+            QVERIFY(plus == some_plus && minus == some_minus);
+
+            const auto before = pixels_of_blobs(w);
+            w.manualSplit(blob, parents, 140, 40, 21);
+            QCOMPARE(w.units(2).size(), 2u);
+            QVERIFY(pixels_of_blobs(w) == before && is_consistent(w));
+        }
+    }
+
+    // Nothing changes but what the disturbance has done.
+    void whatCannotBeCutStaysAsItWas()
+    {
+        for (const auto& row : refusal_table) {
+            const SmallRecording recording;
+            Family w(recording, row.links, "ABG");
+            CapturedLines out(std::cout);
+            CapturedLines errors(std::cerr);
+            auto expected = state_of(w);
+            QTimer timer;
+            int events = 0;
+            timer.callOnTimeout([&] {
+                if (events++ != row.events)
+                    return;
+                timer.stop();
+                row.disturb(w, recording);
+                expected = state_of(w);
+            });
+            timer.start(0);
+            if (row.events == 0)
+                QTRY_COMPARE(events, 1);
+            w.pushButton_split_clicked();
+            qunsetenv("ORVBROWSER_ROIMAKER");
+            const QString lines = w.named((errors.take() + out.take()).join('|'));
+            QVERIFY2(lines.contains(row.line) && events == row.events + 1, qPrintable(lines.right(300)));
+            QVERIFY2(state_of(w) == expected, qPrintable(lines.right(300)));
+            QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        }
+    }
+
+    void aManualSplitNeedsAUnitAndTwoParents()
+    {
+        const SmallRecording recording;
+        Family w(recording);
+        const auto before = state_of(w);
+        const std::string a = w.at('A'), b = w.at('B'), d = w.at('D'), none = w.at('M');
+        CapturedLines out(std::cout);
+        for (const auto& [doubt, parents] :
+             {std::pair(d, keys{a}), {d, {}}, {none, {a, b}}, {d, {a, none}}, {"N/A", {a, b}}}) {
+            w.manualSplit(doubt, parents, 21, 13, 20);
+            QCOMPARE(out.take().last(),
+                     QString::fromStdString("Cannot split " + doubt + ": not a unit and two parent units"));
+        }
+        QVERIFY(state_of(w) == before);
+    }
+
+    // With work for two passes and then none, or with a suspect that stays.
+    void theAutomaticSplitGoesOnWithoutHasteUntilItIsSwitchedOff()
+    {
+        const SmallRecording recording;
+        for (const auto& [elite, idle_line, links_after] :
+             {std::tuple("AB", "Doubt units: none", "AD BM AX"), {"ABD", "Falsely grouped", "AD BD AX AX"}}) {
+            Family w(recording, "AD BD AX AX", elite);
+            w.pushButton_auto_split_toggled(true);
+            CapturedLines out(std::cout);
+            QTimer::singleShot(650, &w, [&w] { w.pushButton_auto_split_toggled(false); });
+            w.pushButton_split_clicked();
+            const auto passes = out.take().filter(idle_line).size();
+            QVERIFY2(passes >= 1 && passes <= 4, "five a second");
+            QCOMPARE(w.links(), links_after);
+        }
+    }
+};
+
+QTEST_MAIN(TestGuiSplit)
+#include "test_gui_split.moc"
