@@ -16,8 +16,8 @@
 
 namespace {
 
-constexpr double default_overlap =
-    0.2;    // gives the best units on recordings whose truth is known: docs/units.md
+// Gives the best units on recordings whose truth is known: docs/units.md.
+constexpr double default_overlap = 0;
 constexpr int watch_ms = 300;
 
 struct button_row {

