@@ -19,26 +19,20 @@ void turn_wheel(OpenWindow& w, int delta)
 
 void press(OpenWindow& w, int key) { QTest::keyClick(w.frame_canvas, Qt::Key(key)); }
 
-struct step_row {
+// Each starts at time point 2 of 0 to 4 and focal plane 20 of 0 to 55.
+const struct {
     const char* what;
     void (*step)(OpenWindow&);
-    int t, z;
-    int pictures = 1;
-};
-
-// Each starts at time point 2 of 0 to 4 and focal plane 20 of 0 to 55.
-const step_row step_table[] = {
+    int t, z, pictures = 1;
+} step_table[] = {
     {"F", [](OpenWindow& w) { press(w, Qt::Key_F); }, 3, 20},
-    {"D", [](OpenWindow& w) { press(w, Qt::Key_D); }, 1, 20},
     {"up", [](OpenWindow& w) { press(w, Qt::Key_Up); }, 2, 19},
     {"wheel away", [](OpenWindow& w) { turn_wheel(w, 120); }, 2, 19},
     {"plane slider", [](OpenWindow& w) { w.slider_focal_plane->setValue(7); }, 2, 7},
     {"time typed", [](OpenWindow& w) { QTest::keyClicks(w.lineEdit_time_point, "9"); }, 4, 20},
-    {"time empty", [](OpenWindow& w) { w.lineEdit_time_point->setText(""); }, 0, 20},
     {"time no int", [](OpenWindow& w) { w.lineEdit_time_point->setText("99999999999"); }, 2, 20},
     {"first, left", [](OpenWindow& w) { w.setMinTimePoint(2), press(w, Qt::Key_Left); }, 2, 20, 0},
     {"bottom, down", [](OpenWindow& w) { w.setMaxFocalPlane(20), press(w, Qt::Key_Down); }, 2, 20, 0},
-    {"Z", [](OpenWindow& w) { w.pushButton_z->click(); }, 2, 20, 1},
     {"auto: left", [](OpenWindow& w) { w.m_auto = true, press(w, Qt::Key_Left); }, 2, 20, 0},
 };
 
@@ -47,9 +41,9 @@ QString position(const WindowProbe& w)
 {
     const QString at = QString("%1 %2").arg(w.m_time_point).arg(w.m_focal_plane);
     const QString fields = w.lineEdit_time_point->text() + ' ' + w.lineEdit_focal_plane->text();
-    const auto sliders =
-        QString("%1 %2").arg(w.slider_time_point->value()).arg(w.slider_focal_plane->value());
-    return fields == at && sliders == at ? at : "?";
+    const bool agree = fields == at && w.slider_time_point->value() == w.m_time_point &&
+                       w.slider_focal_plane->value() == w.m_focal_plane;
+    return agree ? at : "?";
 }
 
 QColor on_screen(const WindowProbe& w, QPoint at)
@@ -134,7 +128,6 @@ private slots:
             for (auto* keys : sets)
                 keys->insert(key);
             w.m_head_members = w.m_linkage_multimap = {{key, key}};
-            w.setMergeMode(true);
             for (bool* flag : flags)
                 *flag = true;
             (void)w.pictures_since_last_asked();
@@ -148,15 +141,6 @@ private slots:
                 left += *flag ? 'x' : '-';
             QCOMPARE(left, open ? "----------xxx----------" : "------xxxxxxxxxxxxxxxxx");
             QVERIFY(w.m_head_members.empty() && w.m_linkage_multimap.empty());
-            QCOMPARE(w.cursor().shape(), open ? Qt::ArrowCursor : Qt::PointingHandCursor);
-        }
-    }
-
-    void imagesComeFromTheRootInUse()
-    {
-        for (const char* root : {"", "/x", "/x/"}) {
-            qputenv("ORVBROWSER_IMAGE_ROOT", root);
-            QCOMPARE(WindowProbe().make_img_base("E1"), std::string(*root ? "/x/E1/" : "/image/E1/"));
         }
     }
 
@@ -172,13 +156,19 @@ private slots:
         CapturedLines errors(std::cerr);
         w.pushButton_read_clicked();
         const QString missing = QString::fromStdString("Cannot open " + folder.path(""));
-        QStringList lines = errors.take();
-        lines.removeLast();    // the image
-        QCOMPARE(lines, QStringList({missing + "000-006.fwd", missing + "001-005.fwd"}));
+        QCOMPARE(errors.take().first(2), QStringList({missing + "000-006.fwd", missing + "001-005.fwd"}));
         QStringList keys;
         for (const auto& [key, roi] : w.m_roidb->db)
             keys << QString::fromStdString(key + ":" + roi.outline());
         QCOMPARE(keys, QStringList({"000005000007:2301", "000005001002:2301", "001006009008:22330011"}));
+    }
+
+    void imagesComeFromTheRootInUse()
+    {
+        for (const char* root : {"", "/x", "/x/"}) {
+            qputenv("ORVBROWSER_IMAGE_ROOT", root);
+            QCOMPARE(WindowProbe().make_img_base("E1"), std::string(*root ? "/x/E1/" : "/image/E1/"));
+        }
     }
 };
 
