@@ -102,18 +102,23 @@ public:
     }
 
 private:
+    static constexpr std::size_t time_point_field = 3;               // characters of a key
     using roi_table = std::unordered_map<std::string_view, bool>;    // ROI to whether it is in a unit
 
-    // Files are in order: one small table is in use at a time.
-    roi_table& rois_at(int t)
+    // The ROIs of the time point of this key. Files are in order: it is mostly that of the key before.
+    roi_table& rois_beside(const std::string& key)
     {
-        const auto [table, is_new] = _has_unit.try_emplace(t);
+        if (_table && key.compare(0, time_point_field, _table_field) == 0)
+            return *_table;
+        _table_field = key.substr(0, time_point_field);
+        const auto [table, is_new] = _has_unit.try_emplace(decode(key).t());
+        _table = &table->second;
         if (!is_new)
-            return table->second;
-        const auto [first, last] = at_time_point(_rois->db, t);
+            return *_table;
+        const auto [first, last] = at_time_point(_rois->db, decode(key).t());
         for (auto entry = first; entry != last; ++entry)
-            table->second.emplace(entry->first, false);
-        return table->second;
+            _table->emplace(entry->first, false);
+        return *_table;
     }
 
     const char* take_name(std::string_view name)
@@ -126,17 +131,16 @@ private:
     {
         if (!is_roi_key(head) || !is_roi_key(member))
             return "no such ROI";
-        roi_table& rois = rois_at(decode(member).t());
+        roi_table& rois = rois_beside(member);
         const auto roi = rois.find(member);
         if (roi == rois.end())
             return "no such ROI";
-        constexpr std::size_t time_point_field = 3;
         if (head.compare(0, time_point_field, member, 0, time_point_field) != 0)
             return "a unit of two time points";
         if (std::exchange(roi->second, true))
             return "an ROI in two units";
         if (head == member)
-            _named.insert(head);
+            _named.insert(_named.end(), head);
         _lineage.head_members.emplace_hint(_lineage.head_members.end(), std::move(head), std::move(member));
         return nullptr;
     }
@@ -165,7 +169,9 @@ private:
     bool _is_named = false;
     const roidb* _rois;
     std::map<int, roi_table> _has_unit;    // by time point, as far as it was asked for
-    std::set<std::string> _named;          // units that hold the ROI that names them
+    roi_table* _table = nullptr;           // the one asked for last
+    std::string _table_field;
+    std::set<std::string> _named;    // units that hold the ROI that names them
     lineage _lineage;
 };
 
