@@ -38,3 +38,12 @@ bool is_roi_key(const std::string& key) noexcept
     return key.size() >= shortest &&
            std::all_of(key.begin(), key.end(), [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
 }
+
+std::set<std::string> values_of(const std::multimap<std::string, std::string>& pairs, const std::string& key)
+{
+    std::set<std::string> values;
+    const auto [first, last] = pairs.equal_range(key);
+    for (auto entry = first; entry != last; ++entry)
+        values.insert(entry->second);
+    return values;
+}

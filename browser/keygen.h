@@ -5,6 +5,8 @@
 #pragma once
 #include "ORV_pos.h"
 
+#include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -17,10 +19,6 @@ std::string keygen(pos4i p);
 // digit, and is 0 without any. Throws std::out_of_range when the key has less than nine characters.
 pos4i decode(std::string key);
 
-// The entries of an ordered set or map of ROI keys that lie at time point t: first and one past the last.
-template <class Keys>
-auto at_time_point(Keys& keys, int t);
-
 // True iff decode() can read the key: at least twelve characters, all of them digits or signs. "N/A",
 // which stands for no unit, is none.
 bool is_roi_key(const std::string& key) noexcept;
@@ -32,6 +30,7 @@ std::string time_key(int t);
 // is the key of the next time point.
 std::string end_of_time_point(int t);
 
+// The entries of an ordered set or map of ROI keys that lie at time point t: first and one past the last.
 template <class Keys>
 auto at_time_point(Keys& keys, int t)
 {
@@ -41,3 +40,6 @@ auto at_time_point(Keys& keys, int t)
     const auto begin = keys.lower_bound(first);
     return std::pair(begin, first < last ? keys.lower_bound(last) : begin);
 }
+
+// The distinct values of one key: the members of a unit, the parents of a child.
+std::set<std::string> values_of(const std::multimap<std::string, std::string>& pairs, const std::string& key);

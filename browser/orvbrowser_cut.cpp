@@ -18,8 +18,6 @@ namespace {
 
 using key_set = std::set<std::string>;
 
-bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
-
 // A start that moves by less, in pixels, stands still.
 constexpr double smallest_move = 1e-9;
 

@@ -16,14 +16,7 @@ constexpr double pixel_size_um = 0.105;
 
 }    // namespace
 
-std::set<std::string> ORVBrowser::parents(string key)
-{
-    set<string> found;
-    const auto [first, last] = m_linkage_multimap.equal_range(key);
-    for (auto entry = first; entry != last; ++entry)
-        found.insert(entry->second);
-    return found;
-}
+std::set<std::string> ORVBrowser::parents(string key) { return values_of(m_linkage_multimap, key); }
 
 // The links whose child lies at time point t.
 std::pair<ORVBrowser::link_cursor, ORVBrowser::link_cursor> ORVBrowser::links_into(int t) const

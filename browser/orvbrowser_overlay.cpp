@@ -8,8 +8,6 @@
 
 namespace {
 
-bool is_finite(pos3d p) { return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z()); }
-
 QPoint truncated(pos3d p) { return {static_cast<int>(p.x()), static_cast<int>(p.y())}; }
 
 }    // namespace

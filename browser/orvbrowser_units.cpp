@@ -12,14 +12,7 @@ std::string ORVBrowser::head(string key)
     return found == m_members_head.end() ? "N/A" : found->second;
 }
 
-std::set<std::string> ORVBrowser::member(string key)
-{
-    set<string> members;
-    const auto [first, last] = m_head_members.equal_range(key);
-    for (auto entry = first; entry != last; ++entry)
-        members.insert(entry->second);
-    return members;
-}
+std::set<std::string> ORVBrowser::member(string key) { return values_of(m_head_members, key); }
 
 // A head at x = 0, y = 0 on plane 0 is not listed: its key is the time key itself.
 std::set<std::string> ORVBrowser::units(int t)

@@ -20,6 +20,11 @@ double pos3d::size() const noexcept { return length(_x, _y, _z); }
 
 double inner_product(pos3d a, pos3d b) { return (a.x() * b.x() + a.y() * b.y()) + a.z() * b.z(); }
 
+bool is_finite(pos3d v) noexcept
+{
+    return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z());
+}
+
 std::ostream& operator<<(std::ostream& out, pos3d v) { return out << v.x() << ' ' << v.y() << ' ' << v.z(); }
 
 std::ostream& operator<<(std::ostream& out, std::set<std::string> keys)

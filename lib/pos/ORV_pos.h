@@ -132,6 +132,9 @@ protected:
 // The dot product, summed from x to z.
 [[nodiscard]] double inner_product(pos3d a, pos3d b);
 
+// False when a coordinate is infinite or not a number, as after a division by zero.
+[[nodiscard]] bool is_finite(pos3d v) noexcept;
+
 // Writes "x y z" in the stream's own format for doubles.
 std::ostream& operator<<(std::ostream& out, pos3d v);
 
