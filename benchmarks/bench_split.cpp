@@ -1,123 +1,90 @@
-// Splitting a unit of 30 planes x 60 x 60 pixels: the search for the plane against its plainest form, in
-// turns so that one run gives their ratio, and the cut into ROIs, two ROI makers a member.
-#include "../tests/support/literal_search.h"
+// Splitting a unit of 30 planes x 60 x 60 pixels: the search for the plane, and the cut into ROIs, two
+// ROI makers a member.
+#include "bench_window.h"
+#include "topics.h"
+
+#include "body.h"
+#include "cutting_plane.h"
+#include "keygen.h"
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <memory>
 
 namespace {
 
 constexpr int planes = 30;
 constexpr int side = 60;    // pixels
 constexpr int search_width = 30;
-
-class BenchWindow : public ORVBrowser {
-public:
-    using ORVBrowser::m_head_members, ORVBrowser::m_members_head, ORVBrowser::m_q_roiimgdb,
-        ORVBrowser::m_roidb;
-
-    // Opens a recording of one unit.
-    BenchWindow()
-    {
-        std::string outline;
-        for (const char step : {'2', '3', '0', '1'})
-            outline.append(side, step);
-        const std::string filename = (std::filesystem::temp_directory_path() / "bench_split.roi").string();
-        std::ofstream records(filename);
-        records << "recording\n";
-        for (int z = 0; z < planes; ++z) {
-            records << "10 10 " << z << " 0 " << outline << '\n';
-            m_members.push_back(keygen({10, 10, z, 0}));
-        }
-        records.close();
-        openRoiFile(filename);
-        std::filesystem::remove(filename);
-        for (const std::string& key : m_members) {
-            m_head_members.emplace(unit(), key);
-            m_members_head.emplace(key, unit());
-        }
-    }
-
-    [[nodiscard]] const std::string& unit() const { return m_members.front(); }
-
-private:
-    std::vector<std::string> m_members;
-};
-
-// What the operations print goes nowhere.
-class SilentOutput {
-public:
-    SilentOutput() : _before(std::cout.rdbuf(_text.rdbuf())) {}
-    ~SilentOutput() { std::cout.rdbuf(_before); }
-    SilentOutput(const SilentOutput&) = delete;
-    SilentOutput& operator=(const SilentOutput&) = delete;
-
-    void drop() { _text.str({}); }
-
-private:
-    std::ostringstream _text;
-    std::streambuf* _before;
-};
+constexpr int searched_planes = 2 * search_width + 1;
 
 const pos3d normal(0.8, -0.36, 0.48);
-const pos3d centre(39.5, 39.5, planes / 2 * 100.0 / 21.0);
+const pos3d centre(39.5, 39.5, planes / 2 * focal_plane_step);
 
-template <class Run>
-double seconds_of(const Run& run)
+// A recording of one unit.
+std::string unit_file()
 {
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::string outline;
+    for (const char step : {'2', '3', '0', '1'})
+        outline.append(side, step);
+    const std::string filename = (std::filesystem::temp_directory_path() / "bench_split.roi").string();
+    std::ofstream file(filename);
+    file << "recording\n";
+    for (int z = 0; z < planes; ++z)
+        file << "10 10 " << z << " 0 " << outline << '\n';
+    return filename;
 }
 
-void search(benchmark::State& state, BenchWindow& w)
+// Looks at every pixel of the unit once.
+std::size_t pass_over_pixels(const std::vector<q_roiimg*>& members)
 {
-    SilentOutput output;
-    double fast = 1e9;
-    double literal = 1e9;
-    for (auto _ : state) {
-        const double now =
-            seconds_of([&] { w.search_cutting_position(w.unit(), normal, centre, search_width); });
-        state.SetIterationTime(now);
-        fast = std::min(fast, now);
-        literal =
-            std::min(literal, seconds_of([&] { literal_search(w, w.unit(), normal, centre, search_width); }));
-        output.drop();
-    }
-    state.counters["literal_ms"] = literal * 1e3;
-    state.counters["times_as_fast"] = literal / fast;
-}
-
-void cut(benchmark::State& state, BenchWindow& w)
-{
-    SilentOutput output;
-    for (auto _ : state) {
-        std::list<roi> plus;
-        std::list<roi> minus;
-        w.splitROI(w.unit(), normal, centre, plus, minus);
-        benchmark::DoNotOptimize(minus.size());
-        output.drop();
-    }
+    std::size_t inside = 0;
+    for (const q_roiimg* const raster : members)
+        for (int i = 0; i < raster->width() * raster->height(); ++i)
+            inside += raster->image()[i] != 0;
+    return inside;
 }
 
 }    // namespace
 
-int main(int argc, char** argv)
+std::vector<comparison> split_comparisons()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    BenchWindow w;
-    benchmark::Initialize(&argc, argv);
-    benchmark::RegisterBenchmark("search", [&w](benchmark::State& state) { search(state, w); })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("cut", [&w](benchmark::State& state) { cut(state, w); })
-        ->UseRealTime()
-        ->Unit(benchmark::kMillisecond);
-    benchmark::RunSpecifiedBenchmarks();
+    const auto window = std::make_shared<BenchWindow>(unit_file());
+    std::vector<q_roiimg*> members;
+    const std::string unit = window->m_roidb->db.begin()->first;
+    for (const auto& [key, r] : window->m_roidb->db) {
+        window->m_head_members.emplace(unit, key);
+        window->m_members_head.emplace(key, unit);
+        members.push_back(window->m_q_roiimgdb->qrimg(r));
+    }
+    const auto search = [window, unit] {
+        const SilentStream silent(std::cout);
+        return seconds_of([&] { window->search_cutting_position(unit, normal, centre, search_width); });
+    };
+    const auto search_floor = [members] {
+        return seconds_of([&] {
+            for (int i = 0; i < searched_planes; ++i)
+                benchmark::DoNotOptimize(pass_over_pixels(members));
+        });
+    };
+    const auto cut = [window, unit] {
+        const SilentStream silent(std::cout);
+        std::list<roi> plus;
+        std::list<roi> minus;
+        return seconds_of([&] { window->splitROI(unit, normal, centre, plus, minus); });
+    };
+    // As many ROI makers, each with a mask of a half.
+    const auto cut_floor = [] {
+        std::vector<unsigned char> half(static_cast<std::size_t>(side * side));
+        std::fill(half.begin(), half.begin() + side * side / 2, 1);
+        return seconds_of([&] {
+            for (int i = 0; i < 2 * planes; ++i)
+                benchmark::DoNotOptimize(makeROIs(half.data(), side, side));
+        });
+    };
+    return {{"search the plane of a cut", "one pass over the pixels per plane", 2, "plane", searched_planes,
+             search, search_floor},
+            {"cut a unit", "the ROI makers alone", 2, "member", planes, cut, cut_floor}};
 }
