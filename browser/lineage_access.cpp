@@ -64,14 +64,15 @@ void LineageAccess::make_units(int t, double overlap)
     for (auto entry = first_roi; entry != last_roi; ++entry)
         planes.insert(entry->second.z());
     for (const int z : planes) {
-        PlaneWalk walk(*_window->m_roidb, t, z);
-        for (roi r; walk.next(r);) {
-            const std::string key = keygen(r);
-            if (grouped.contains(key) || _window->m_removed_roi_set.contains(key))
+        PlaneWalk walk(*_window->m_roidb, *_window->m_q_roiimgdb, t, z);
+        while (plane_roi* const r = walk.next()) {
+            if (grouped.contains(*r->key) || _window->m_removed_roi_set.contains(*r->key))
                 continue;
-            _window->m_unit_roi_head = r;
+            const std::string key = *r->key;
+            _window->m_unit_roi_head = *r->record;
             _window->m_make_units = true;
-            _window->checkAdjacentFocalPlane(r, t, z, &grouped, 0.0, overlap);
+            _window->checkAdjacentFocalPlane(*_window->m_q_roiimgdb->raster_of(*r), t, z, &grouped, 0.0,
+                                             overlap);
             if (window)
                 window->m_make_units = false;
             if (!run.alive())

@@ -1,6 +1,18 @@
 #include "long_run.h"
 
-LongRun::LongRun(ORVBrowser& window) : _window(&window), _recording(window.m_recording) { ++window.m_runs; }
+#include <algorithm>
+
+namespace {
+
+constexpr int most_skipped = 512;    // steps between two looks for events: far less than a blink
+
+}    // namespace
+
+LongRun::LongRun(ORVBrowser& window) : _window(&window), _recording(window.m_recording)
+{
+    if (window.m_runs++ == 0)
+        window.m_quiet_steps = window.m_steps_to_skip = 0;
+}
 
 LongRun::~LongRun()
 {
@@ -20,6 +32,22 @@ bool LongRun::process_events(QEventLoop::ProcessEventsFlags flags)
     if (!alive())
         return false;
     _window->process_events_of_run(flags);
+    return alive();
+}
+
+bool LongRun::poll_events()
+{
+    if (!alive())
+        return false;
+    if (_window->m_steps_to_skip > 0) {
+        --_window->m_steps_to_skip;
+        return true;
+    }
+    const bool was_quiet = !_window->process_events_of_run(QEventLoop::AllEvents);
+    if (!_window)
+        return false;
+    _window->m_quiet_steps = was_quiet ? std::min(2 * _window->m_quiet_steps + 1, most_skipped) : 0;
+    _window->m_steps_to_skip = _window->m_quiet_steps;
     return alive();
 }
 

@@ -23,6 +23,11 @@ public:
     // Lets pending events be processed, then answers alive().
     [[nodiscard]] bool process_events(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
+    // The same for the small steps of an operation. While nothing happens it looks for events at fewer
+    // and fewer of them, soon once in most_skipped; what does happen is noticed hardly later, and from
+    // then on at every step again.
+    [[nodiscard]] bool poll_events();
+
     // Frees the rasters that have left the cache, when no other run may hold one.
     // REQUIRES: this run holds no raster
     void checkpoint();

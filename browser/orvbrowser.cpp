@@ -1,6 +1,7 @@
 // The window's start and end, and what its other files share.
 #include "orvbrowser.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCloseEvent>
 
 namespace {
@@ -83,15 +84,16 @@ void ORVBrowser::processEvents()
         process_events_of_run(QEventLoop::AllEvents);
 }
 
-void ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
+bool ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
 {
     if (m_event_depth >= max_event_depth)
-        return;
+        return false;
     const QPointer<ORVBrowser> self(this);    // a handler may delete the window
     ++m_event_depth;
-    (m_app ? m_app : QCoreApplication::instance())->processEvents(flags);
+    const bool had_events = QAbstractEventDispatcher::instance()->processEvents(flags);
     if (self)
         --m_event_depth;
+    return had_events;
 }
 
 void ORVBrowser::show_changes()

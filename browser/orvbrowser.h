@@ -328,7 +328,7 @@ private:
     // ---- Helpers of several files
     [[nodiscard]] bool isOpen() const noexcept { return m_roidb && m_imgdb && m_q_roiimgdb; }
     void processEvents();
-    void process_events_of_run(QEventLoop::ProcessEventsFlags flags);
+    bool process_events_of_run(QEventLoop::ProcessEventsFlags flags);    // true iff there were any
     void show_changes();               // marks the picture as out of date and paints it at once
     void finish();                     // the same, and lets pending events be processed
     void end_waiting();                // shows the cursor of before a wait
@@ -363,10 +363,9 @@ private:
     void paint_canvas();       // at once
     void refresh_picture();    // if it is out of date
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
-    void paint_roi(QPainter& painter, const roi& r, const set<string>& reached);
+    void paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached);
 
     // ---- Tracking
-    [[nodiscard]] bool is_reached(const roi& from, const roi& r, double mor_t, double mor_z);
     void add_to_unit(const string& key);
     bool for_each_marked(int t, const set<string>& keys, const std::function<void(roi&)>& visit);
     void track(int t, int t_to, set<string>& reached);
@@ -433,6 +432,8 @@ private:
     unsigned long m_edits = 0;        // counts the changes of units, links and elite marks
     int m_runs = 0;                   // the runs going on, one inside the other
     int m_busy_runs = 0;              // those of them that a person waits for
+    int m_quiet_steps = 0;            // how many steps of a run are done between two looks for events
+    int m_steps_to_skip = 0;          // how many of them are left
     int m_event_depth = 0;            // handlers waiting for the events that they let be processed
     bool m_closing = false;
 };

@@ -1,5 +1,4 @@
 // The picture on the canvas: the image of the current position and the outlines of its ROIs.
-#include "keygen.h"
 #include "orvbrowser.h"
 #include "roi_colors.h"
 
@@ -56,8 +55,7 @@ void ORVBrowser::drawROI(QPixmap& pix)
                                     ? set<string>()
                                     : units_reached_at(m_time_point, *m_lineage_mode_roi_set.begin());
     QPainter painter(&pix);
-    m_roidb->seek(m_time_point, m_focal_plane, 0);
-    for (roi r; m_roidb->find_plus(m_time_point, m_focal_plane, r);)
+    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois)
         paint_roi(painter, r, reached);
 }
 
@@ -85,13 +83,13 @@ int ORVBrowser::color_index(const string& key, const set<string>& reached)
     return s;
 }
 
-void ORVBrowser::paint_roi(QPainter& painter, const roi& r, const set<string>& reached)
+void ORVBrowser::paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached)
 {
-    const int s = color_index(keygen(r), reached);
+    const int s = color_index(*r.key, reached);
     if (m_show_tracked_rois_mode && (s & (FORWARD | BACKWARD)) == 0)
         return;
     painter.setPen(QPen(color[s], 1, Qt::SolidLine));
-    const QPolygon& outline = m_q_roiimgdb->qrimg(r)->qpointarray();
+    const QPolygon& outline = m_q_roiimgdb->raster_of(r)->qpointarray();
     if (outline.size() == 1)
         painter.drawPoint(outline.first());
     else

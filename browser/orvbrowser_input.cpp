@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
@@ -16,12 +17,9 @@ void toggle(std::set<std::string>& keys, const std::string& key)
         keys.insert(key);
 }
 
-bool covers(const q_roiimg& raster, int x, int y)
+bool covers(const plane_roi& r, int x, int y)
 {
-    const pos2i first = raster.top_left();
-    const pos2i last = raster.bottom_right();
-    const bool in_box = first.x() <= x && x <= last.x() && first.y() <= y && y <= last.y();
-    return in_box && raster.value(x - first.x(), y - first.y()) != 0;
+    return r.box_contains(x, y) && r.raster->value(x - r.left, y - r.top) != 0;
 }
 
 }    // namespace
@@ -39,11 +37,13 @@ std::string ORVBrowser::xyROI(int x, int y)
     if (!isOpen())
         return {};
     std::string hit;
-    m_roidb->seek(m_time_point, m_focal_plane, 0);
-    for (roi r; hit.empty() && m_roidb->find_plus(m_time_point, m_focal_plane, r);) {
-        if (covers(*m_q_roiimgdb->qrimg(r), x, y))
-            hit = keygen(r);
-    }
+    auto& rois = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois;
+    const auto found = std::ranges::find_if(rois, [&](plane_roi& r) {
+        m_q_roiimgdb->raster_of(r);
+        return covers(r, x, y);
+    });
+    if (found != rois.end())
+        hit = *found->key;
     release_dropped_rasters();
     return hit;
 }

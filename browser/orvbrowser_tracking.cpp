@@ -13,7 +13,7 @@ namespace {
 
 // One ROI from which the flood looks at one plane.
 struct flood_level {
-    roi from;
+    q_roiimg* from;
     int z;
     PlaneWalk walk;
 };
@@ -25,16 +25,14 @@ double shared_ratio(q_roiimg* a, q_roiimg* b)
     return std::min(shared / a->size(), shared / b->size());
 }
 
-}    // namespace
-
-bool ORVBrowser::is_reached(const roi& from, const roi& r, double mor_t, double mor_z)
+bool is_reached(q_roiimg* from, q_roiimg* raster, double mor_t, double mor_z)
 {
-    q_roiimg* const raster_from = m_q_roiimgdb->qrimg(from);
-    q_roiimg* const raster = m_q_roiimgdb->qrimg(r);
     if (mor_t == 0.0 && mor_z == 0.0)
-        return is_overlap(raster_from, raster);
-    return shared_ratio(raster_from, raster) > (from.t() != r.t() ? mor_t : mor_z);
+        return is_overlap(from, raster);
+    return shared_ratio(from, raster) > (from->t() != raster->t() ? mor_t : mor_z);
 }
+
+}    // namespace
 
 void ORVBrowser::add_to_unit(const string& key)
 {
@@ -53,29 +51,32 @@ void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>*
         return;
     LongRun run(*this);
     std::vector<flood_level> levels;
-    levels.push_back({r_from, z, PlaneWalk(*m_roidb, t, z)});
+    const auto look_at = [&](q_roiimg* from, int plane) {
+        levels.push_back({from, plane, PlaneWalk(*m_roidb, *m_q_roiimgdb, t, plane)});
+    };
+    look_at(m_q_roiimgdb->qrimg(r_from), z);
     while (!levels.empty()) {
         flood_level& level = levels.back();
-        const bool lost_its_origin = level.walk.is_stale() && !m_roidb->db.contains(keygen(level.from));
-        roi r;
-        if (lost_its_origin || !level.walk.next(r)) {
+        const bool lost_its_origin = level.walk.is_stale() && !m_roidb->db.contains(keygen(*level.from));
+        plane_roi* const r = lost_its_origin ? nullptr : level.walk.next();
+        if (!r) {
             levels.pop_back();
             continue;
         }
-        if (!run.process_events())
+        if (!run.poll_events())
             return;
         if (level.walk.is_stale())    // r may be gone: look again
             continue;
-        const std::string key = keygen(r);
-        if (m_removed_roi_set.contains(key) || !is_reached(level.from, r, mor_t, mor_z) ||
-            !roiset->insert(key).second)
+        q_roiimg* const raster = m_q_roiimgdb->raster_of(*r);
+        if (!r->box_meets(*level.from) || !is_reached(level.from, raster, mor_t, mor_z) ||
+            m_removed_roi_set.contains(*r->key) || !roiset->insert(*r->key).second)
             continue;
         dirty = true;
         if (m_make_units)
-            add_to_unit(key);
+            add_to_unit(*r->key);
         const int plane = level.z;
-        for (const int next : {plane + 1, plane - 1})    // the lower plane lies on top and is searched first
-            levels.push_back({r, next, PlaneWalk(*m_roidb, t, next)});
+        look_at(raster, plane + 1);
+        look_at(raster, plane - 1);    // lies on top and is searched first
     }
 }
 
@@ -85,12 +86,11 @@ bool ORVBrowser::for_each_marked(int t, const set<string>& keys, const std::func
 {
     LongRun run(*this);
     for (int z = m_min_focal_plane; z <= m_max_focal_plane; ++z) {
-        PlaneWalk walk(*m_roidb, t, z);
-        for (roi r; walk.next(r);) {
-            const std::string key = keygen(r);
-            if (!keys.contains(key) || m_removed_roi_set.contains(key))
+        PlaneWalk walk(*m_roidb, *m_q_roiimgdb, t, z);
+        while (plane_roi* const r = walk.next()) {
+            if (!keys.contains(*r->key) || m_removed_roi_set.contains(*r->key))
                 continue;
-            visit(r);
+            visit(*m_q_roiimgdb->raster_of(*r));
             if (!run.alive())
                 return false;
         }

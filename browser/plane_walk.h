@@ -1,34 +1,39 @@
 // plane_walk.h - a walk over the ROIs of one plane that stands changes of the database.
 #pragma once
-#include "roidb_plus.h"
+#include "q_roiimgdb.h"
 
 // When ROIs came or went since the last step, the walk starts over: it then yields ROIs a second
 // time, but never one that is gone, and misses none.
 class PlaneWalk {
 public:
-    PlaneWalk(roidb_plus& roidb, int t, int z) : _roidb(&roidb), _t(t), _z(z) { start(); }
+    PlaneWalk(const roidb_plus& roidb, q_roiimgdb& rasters, int t, int z)
+        : _roidb(&roidb), _rasters(&rasters), _t(t), _z(z)
+    {
+        start();
+    }
 
-    // The next ROI of the plane, with its outline; false at its end.
-    [[nodiscard]] bool next(roi& r)
+    // The next ROI of the plane; null at its end. It can be read until ROIs come or go.
+    [[nodiscard]] plane_roi* next()
     {
         if (is_stale())
             start();
-        return _roidb->find_plus_iter(_t, _z, r, _cursor);
+        return _next < _plane->rois.size() ? &_plane->rois[_next++] : nullptr;
     }
 
     // True iff ROIs came or went since the walk started: what next() yielded may be gone.
-    [[nodiscard]] bool is_stale() const noexcept { return _revision != _roidb->revision(); }
+    [[nodiscard]] bool is_stale() const noexcept { return _plane->revision != _roidb->revision(); }
 
 private:
     void start()
     {
-        _revision = _roidb->revision();
-        _roidb->seek_iter(_t, _z, 0, _cursor);
+        _plane = _rasters->plane(*_roidb, _t, _z);
+        _next = 0;
     }
 
-    roidb_plus* _roidb;
+    const roidb_plus* _roidb;
+    q_roiimgdb* _rasters;
     int _t;
     int _z;
-    unsigned long _revision = 0;
-    roidb_plus::cursor _cursor;
+    std::shared_ptr<plane_rois> _plane;
+    std::size_t _next = 0;
 };

@@ -1,13 +1,13 @@
 #include "q_roiimg.h"
 
+#include <algorithm>
 #include <utility>
 
 q_roiimg::q_roiimg(roi r) : roi_mask(std::move(r))
 {
     const std::vector<pos2i> polygon = _make_polygon();
-    _qpointarray.reserve(static_cast<qsizetype>(polygon.size()));
-    for (const pos2i point : polygon)
-        _qpointarray.append(QPoint(point.x(), point.y()));
+    _qpointarray.resize(static_cast<qsizetype>(polygon.size()));
+    std::ranges::transform(polygon, _qpointarray.begin(), [](pos2i p) { return QPoint(p.x(), p.y()); });
 }
 
 int q_shared_pixels(q_roiimg* img1, q_roiimg* img2) { return shared_pixels(*img1, *img2); }

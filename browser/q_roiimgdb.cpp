@@ -19,14 +19,33 @@ q_roiimg* q_roiimgdb::qrimg(const roi& r)
         return found->second;
     auto raster = std::make_unique<q_roiimg>(r);
     raster->map();
-    drop_far_from(r.t());
+    if (!_kept_around || *_kept_around != r.t()) {
+        drop_far_from(r.t());
+        _kept_around = r.t();
+    }
     return db.emplace(std::move(key), raster.release()).first->second;
+}
+
+std::shared_ptr<plane_rois> q_roiimgdb::plane(const roidb_plus& roidb, int t, int z)
+{
+    auto& known = _planes[{t, z}];
+    if (!known || known->revision != roidb.revision())
+        known = std::make_shared<plane_rois>(roidb, t, z);
+    return known;
 }
 
 void q_roiimgdb::remove(pos4i pos)
 {
     if (const auto found = db.find(keygen(pos)); found != db.end())
         drop(found, std::next(found));
+}
+
+void q_roiimgdb::release_dropped() noexcept
+{
+    if (_dropped.empty())
+        return;
+    _dropped.clear();
+    _planes.clear();    // they may point to rasters that are gone
 }
 
 void q_roiimgdb::remove_after(int t) { drop(db.lower_bound(end_of_time_point(t)), db.end()); }

@@ -3,11 +3,13 @@
 // Owns every raster that it hands out. One that leaves the map stays readable
 // until release_dropped(): an operation may still compare it with another.
 #pragma once
-#include "q_roiimg.h"
+#include "plane_rois.h"
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class q_roiimgdb {
@@ -20,6 +22,17 @@ public:
     // The mapped raster of r, made on first use. Making one drops those more than three time points away.
     q_roiimg* qrimg(const roi& r);
 
+    // The ROIs of plane (t, z), for a walk; shared by all walks over this plane until ROIs come or go.
+    [[nodiscard]] std::shared_ptr<plane_rois> plane(const roidb_plus& roidb, int t, int z);
+
+    // The raster of an ROI of such a plane, looked up once.
+    q_roiimg* raster_of(plane_roi& r)
+    {
+        if (!r.raster)
+            r.set_raster(qrimg(*r.record));
+        return r.raster;
+    }
+
     // Drops the raster at this position.
     void remove(pos4i pos);
 
@@ -27,8 +40,8 @@ public:
     void remove_after(int t);
 
     // Frees the dropped rasters.
-    // REQUIRES: nobody holds a pointer to one of them
-    void release_dropped() noexcept { _dropped.clear(); }
+    // REQUIRES: nobody holds a pointer to one of them, or walks over a plane
+    void release_dropped() noexcept;
 
     std::map<std::string, q_roiimg*> db;    // ROI key to raster
 
@@ -38,5 +51,7 @@ private:
     void drop(position first, position last);
     void drop_far_from(int t);
 
+    std::optional<int> _kept_around;    // the time point of the raster made last: no others lie far from it
     std::vector<std::unique_ptr<q_roiimg>> _dropped;
+    std::map<std::pair<int, int>, std::shared_ptr<plane_rois>> _planes;    // by time point and focal plane
 };

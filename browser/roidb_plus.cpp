@@ -14,11 +14,20 @@ bool is_between(int t, int first, int last) { return first <= t && t <= last; }
 
 }    // namespace
 
-roidb_plus::roidb_plus(std::string name) : roidb(std::move(name)), tz_iter(tz_xy_db.end()) {}
+roidb_plus::roidb_plus(std::string name) : roidb(std::move(name)), tz_iter(tz_xy_db.end())
+{
+    change_revision();
+}
+
+void roidb_plus::change_revision() noexcept
+{
+    static unsigned long last = 0;
+    _revision = ++last;
+}
 
 void roidb_plus::entry_plus(roi r)
 {
-    ++_revision;
+    change_revision();
     // Files are in key order: with the end as hint their entries go there without a search.
     tz_xy_db.emplace_hint(tz_xy_db.end(), plane_key(r.t(), r.z()), pos2i(r.x(), r.y()));
     entry(std::move(r));
@@ -78,7 +87,7 @@ void roidb_plus::remove(const std::string& key) { remove(roi(decode(key), {})); 
 
 void roidb_plus::remove(const roi& r)
 {
-    ++_revision;
+    change_revision();
     db.erase(keygen(r));
     auto [entry, end] = tz_xy_db.equal_range(plane_key(r.t(), r.z()));
     while (entry != end && !(entry->second == pos2i(r.x(), r.y())))

@@ -48,12 +48,15 @@ public:
     [[nodiscard]] int t_min() const;
     [[nodiscard]] int t_max() const;
 
-    // Changes whenever ROIs are added or removed: cursors taken before may then be invalid.
+    // Changes whenever ROIs are added or removed: cursors taken before may then be invalid. No two
+    // databases have the same.
     [[nodiscard]] unsigned long revision() const noexcept { return _revision; }
 
     std::multimap<std::string, pos2i> tz_xy_db;    // plane key, with x = y = 0, to the x and y of its ROIs
     cursor tz_iter;
 
 private:
+    void change_revision() noexcept;
+
     unsigned long _revision = 0;
 };

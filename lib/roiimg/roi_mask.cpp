@@ -11,78 +11,83 @@ namespace {
 
 constexpr unsigned char outline_mark = 2;
 
-// Where an outline has got to. Wider than int: a hostile outline may walk out of its range.
-struct walk_position {
-    long long x;
-    long long y;
-};
-
-// Collects the vertices of an outline, no two equal ones in a row, and the box around them.
+// Collects the vertices of an outline, counted from its start pixel, no two equal ones in a row.
 class vertex_collector {
 public:
-    explicit vertex_collector(pos2i start) : _left(start.x()), _top(start.y()), _right(_left), _bottom(_top)
+    explicit vertex_collector(std::size_t steps) { _points.reserve(steps + steps / 2); }
+
+    void _add_point(int x, int y)
     {
+        if (_points.empty() || !(_points.back() == pos2i(x, y)))
+            _points.emplace_back(x, y);
     }
 
-    void _add_point(long long x, long long y)
-    {
-        _left = std::min(_left, x);
-        _right = std::max(_right, x);
-        _top = std::min(_top, y);
-        _bottom = std::max(_bottom, y);
-        if (too_large())
-            return;
-        const pos2i point(static_cast<int>(x), static_cast<int>(y));
-        if (_points.empty() || !(_points.back() == point))
-            _points.push_back(point);
-    }
-
-    [[nodiscard]] bool too_large() const
-    {
-        using limits = std::numeric_limits<int>;
-        return _right - _left >= roi_mask::max_side || _bottom - _top >= roi_mask::max_side ||
-               _left < limits::min() || _top < limits::min() || _right > limits::max() ||
-               _bottom > limits::max();
-    }
-
-    [[nodiscard]] pos2i top_left() const { return {static_cast<int>(_left), static_cast<int>(_top)}; }
-    [[nodiscard]] pos2i bottom_right() const { return {static_cast<int>(_right), static_cast<int>(_bottom)}; }
-    [[nodiscard]] std::vector<pos2i> take_points() { return std::move(_points); }
+    [[nodiscard]] std::vector<pos2i>& points() { return _points; }
 
 private:
-    long long _left, _top, _right, _bottom;
     std::vector<pos2i> _points;
 };
 
-// Adds the vertices of one step. At a change of direction an extra vertex makes a corner, so that the
-// polygon follows the pixel boundary.
-void add_step(vertex_collector& polygon, walk_position& at, char previous, char step)
+// Adds the vertices of one step from `at`, and goes there. At a change of direction an extra vertex
+// makes a corner, so that the polygon follows the pixel boundary.
+void add_step(vertex_collector& polygon, int& x, int& y, char previous, char step)
 {
     switch (step) {
     case '0':
         if (previous == '1')
-            polygon._add_point(at.x - 1, at.y);
-        --at.y;
-        polygon._add_point(at.x - 1, at.y);
+            polygon._add_point(x - 1, y);
+        --y;
+        polygon._add_point(x - 1, y);
         break;
     case '1':
         if (previous == '2')
-            polygon._add_point(at.x, at.y);
-        --at.x;
-        polygon._add_point(at.x, at.y);
+            polygon._add_point(x, y);
+        --x;
+        polygon._add_point(x, y);
         break;
     case '2':
         if (previous == '3')
-            polygon._add_point(at.x, at.y - 1);
-        polygon._add_point(at.x, at.y);
-        ++at.y;
+            polygon._add_point(x, y - 1);
+        polygon._add_point(x, y);
+        ++y;
         break;
     default:
         if (previous == '0')
-            polygon._add_point(at.x - 1, at.y - 1);
-        polygon._add_point(at.x, at.y - 1);
-        ++at.x;
+            polygon._add_point(x - 1, y - 1);
+        polygon._add_point(x, y - 1);
+        ++x;
     }
+}
+
+// The box around some vertices and the start pixel they are counted from.
+struct vertex_box {
+    int left = 0, top = 0, right = 0, bottom = 0;
+
+    explicit vertex_box(const std::vector<pos2i>& points)
+    {
+        for (const pos2i p : points) {
+            left = std::min(left, p.x());
+            right = std::max(right, p.x());
+            top = std::min(top, p.y());
+            bottom = std::max(bottom, p.y());
+        }
+    }
+
+    // False when a mask of this box would be too large, or leaves the range of int around `start`.
+    [[nodiscard]] bool fits(pos2i start) const
+    {
+        using limits = std::numeric_limits<int>;
+        return right - left < roi_mask::max_side && bottom - top < roi_mask::max_side &&
+               start.x() >= limits::min() - left && start.y() >= limits::min() - top &&
+               start.x() <= limits::max() - right && start.y() <= limits::max() - bottom;
+    }
+};
+
+// True while an outline may still fit into a mask.
+bool is_near_start(int x, int y)
+{
+    constexpr int most = roi_mask::max_side;
+    return -most <= x && x <= most && -most <= y && y <= most;
 }
 
 bool is_step(char c) { return c >= '0' && c <= '3'; }
@@ -93,24 +98,31 @@ roi_mask::roi_mask(roi r) : roi(std::move(r)), _top_left(_x, _y), _bottom_right(
 
 std::vector<pos2i> roi_mask::_make_polygon()
 {
-    vertex_collector polygon({_x, _y});
-    walk_position at{_x, _y};
+    vertex_collector polygon(std::min(_outline.size(), std::size_t{4 * max_side}));
+    int x = 0;
+    int y = 0;
     char previous = '2';
     for (const char step : _outline) {
         if (!is_step(step))
             continue;
-        add_step(polygon, at, previous, step);
+        add_step(polygon, x, y, previous, step);
         previous = step;
-        if (polygon.too_large()) {
-            _too_large = true;
-            return {pos2i(_x, _y)};
-        }
+        if (!is_near_start(x, y))
+            break;    // the box is too large already
     }
-    _top_left = polygon.top_left();
-    _bottom_right = polygon.bottom_right();
-    _width = _bottom_right.x() - _top_left.x() + 1;
-    _height = _bottom_right.y() - _top_left.y() + 1;
-    return polygon.take_points();
+    const pos2i start(_x, _y);
+    const vertex_box box(polygon.points());
+    if (!box.fits(start)) {
+        _too_large = true;
+        return {start};
+    }
+    _top_left = start + pos2i(box.left, box.top);
+    _bottom_right = start + pos2i(box.right, box.bottom);
+    _width = box.right - box.left + 1;
+    _height = box.bottom - box.top + 1;
+    for (pos2i& point : polygon.points())
+        point = start + point;
+    return std::move(polygon.points());
 }
 
 void roi_mask::map()
@@ -171,13 +183,13 @@ void roi_mask::count_size()
     long long sum_x = 0;
     long long sum_y = 0;
     _size = 0;
-    unsigned char* pixel = _image.get();
-    for (int y = 0; pixel && y < _height; ++y) {
+    unsigned char* row = _image.get();
+    for (int y = 0; row && y < _height; ++y, row += _width) {
         int in_row = 0;
-        long long row_x = 0;
-        for (int x = 0; x < _width; ++x, ++pixel) {
-            const int in = *pixel != 0;
-            *pixel = static_cast<unsigned char>(in);
+        int row_x = 0;
+        for (int x = 0; x < _width; ++x) {
+            const int in = row[x] != 0;
+            row[x] = static_cast<unsigned char>(in);
             in_row += in;
             row_x += in * x;
         }

@@ -1,0 +1,14 @@
+#include "plane_rois.h"
+
+#include "keygen.h"
+
+plane_rois::plane_rois(const roidb_plus& roidb, int t, int z) : revision(roidb.revision())
+{
+    const auto [first, last] = roidb.tz_xy_db.equal_range(keygen(pos4i(0, 0, z, t)));
+    for (auto entry = first; entry != last; ++entry) {
+        const auto found = roidb.db.find(keygen(pos4i(entry->second.x(), entry->second.y(), z, t)));
+        if (found == roidb.db.end())
+            return;
+        rois.push_back({&found->first, &found->second});
+    }
+}
