@@ -378,8 +378,9 @@ private:
         set<string> children;
     };
     struct unit_member {
-        string unit;
+        const string* unit;
         q_roiimg* raster;
+        pixel_box box;
     };
     using members_by_plane = std::map<int, std::vector<unit_member>>;
 

@@ -19,7 +19,7 @@ void toggle(std::set<std::string>& keys, const std::string& key)
 
 bool covers(const plane_roi& r, int x, int y)
 {
-    return r.box_contains(x, y) && r.raster->value(x - r.left, y - r.top) != 0;
+    return r.box.contains(x, y) && r.raster->value(x - r.box.left, y - r.box.top) != 0;
 }
 
 }    // namespace

@@ -174,14 +174,20 @@ bool ORVBrowser::isLink(string parent, string child)
     return false;
 }
 
-// The rasters of the members of all units of a time point, by focal plane.
+// The members of all units of a time point that are ROIs, by focal plane.
 ORVBrowser::members_by_plane ORVBrowser::unit_members_at(int t)
 {
     members_by_plane planes;
-    for (const std::string& unit : units(t))
-        for (const std::string& key : member(unit))
-            if (const roi r = m_roidb->find_plus(key); !r.outline().empty())
-                planes[r.z()].push_back({unit, m_q_roiimgdb->qrimg(r)});
+    const std::string no_unit = time_key(t);    // see units()
+    const auto [first, last] = at_time_point(m_head_members, t);
+    for (auto entry = first; entry != last; ++entry) {
+        const auto& [unit, key] = *entry;
+        const auto found = m_roidb->db.find(key);
+        if (unit == no_unit || found == m_roidb->db.end() || found->second.outline().empty())
+            continue;
+        q_roiimg* const raster = m_q_roiimgdb->qrimg(found->second);
+        planes[raster->z()].push_back({&unit, raster, raster->box()});
+    }
     return planes;
 }
 
@@ -193,17 +199,16 @@ void ORVBrowser::makeLinkage(int t)
     const LongRun run(*this);    // keeps the rasters of both time points
     ++m_edits;
     const members_by_plane parental = unit_members_at(t - 1);
-    std::map<string, set<string>> parents_of;
+    set<std::pair<string, string>> links;    // child, parent
     for (const auto& [z, children] : unit_members_at(t)) {
         const auto plane = parental.find(z);
         if (plane == parental.end())
             continue;
-        for (const auto& [cu, c_qrimg] : children)
-            for (const auto& [pu, p_qrimg] : plane->second)
-                if (is_overlap(p_qrimg, c_qrimg))
-                    parents_of[cu].insert(pu);
+        for (const unit_member& child : children)
+            for (const unit_member& parent : plane->second)
+                if (child.box.meets(parent.box) && is_overlap(parent.raster, child.raster))
+                    links.emplace(*child.unit, *parent.unit);
     }
-    for (const auto& [cu, pus] : parents_of)
-        for (const std::string& pu : pus)
-            m_linkage_multimap.emplace(cu, pu);
+    for (const auto& [child, parent] : links)
+        m_linkage_multimap.emplace(child, parent);
 }

@@ -68,7 +68,7 @@ void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>*
         if (level.walk.is_stale())    // r may be gone: look again
             continue;
         q_roiimg* const raster = m_q_roiimgdb->raster_of(*r);
-        if (!r->box_meets(*level.from) || !is_reached(level.from, raster, mor_t, mor_z) ||
+        if (!r->box.meets(level.from->box()) || !is_reached(level.from, raster, mor_t, mor_z) ||
             m_removed_roi_set.contains(*r->key) || !roiset->insert(*r->key).second)
             continue;
         dirty = true;

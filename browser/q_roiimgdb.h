@@ -28,8 +28,10 @@ public:
     // The raster of an ROI of such a plane, looked up once.
     q_roiimg* raster_of(plane_roi& r)
     {
-        if (!r.raster)
-            r.set_raster(qrimg(*r.record));
+        if (!r.raster) {
+            r.raster = qrimg(*r.record);
+            r.box = r.raster->box();
+        }
         return r.raster;
     }
 

@@ -239,33 +239,29 @@ void roi_mask::mark(int x, int y) noexcept
 
 namespace {
 
-// The image pixels that two boxes have in common; both corners belong to it.
-struct common_box {
-    int left, top, right, bottom;
-
-    [[nodiscard]] int width() const { return right - left + 1; }
-    [[nodiscard]] int height() const { return bottom - top + 1; }
-};
-
-std::optional<common_box> common(const roi_mask& a, const roi_mask& b)
+// The image pixels that two masks have in common, if any.
+std::optional<pixel_box> common(const roi_mask& a, const roi_mask& b)
 {
-    const common_box box{std::max(a.top_left().x(), b.top_left().x()),
-                         std::max(a.top_left().y(), b.top_left().y()),
-                         std::min(a.bottom_right().x(), b.bottom_right().x()),
-                         std::min(a.bottom_right().y(), b.bottom_right().y())};
-    if (box.right < box.left || box.bottom < box.top)
+    const pixel_box box_a = a.box();
+    const pixel_box box_b = b.box();
+    if (!box_a.meets(box_b))
         return std::nullopt;
-    return box;
+    return pixel_box{std::max(box_a.left, box_b.left), std::max(box_a.top, box_b.top),
+                     std::min(box_a.right, box_b.right), std::min(box_a.bottom, box_b.bottom)};
 }
+
+int width_of(const pixel_box& box) { return box.right - box.left + 1; }
+
+int height_of(const pixel_box& box) { return box.bottom - box.top + 1; }
 
 // The rows of a mask within a box, counted from the top of the box. A raster without a mask covers
 // its whole box: it lends a row of ones.
 class mask_rows {
 public:
-    mask_rows(const roi_mask& mask, const common_box& box)
+    mask_rows(const roi_mask& mask, const pixel_box& box)
     {
         if (!mask.image()) {
-            _covered.assign(static_cast<std::size_t>(box.width()), 1);
+            _covered.assign(static_cast<std::size_t>(width_of(box)), 1);
             _first = _covered.data();
             return;
         }
@@ -299,8 +295,8 @@ int shared_pixels(const roi_mask& a, const roi_mask& b)
     const mask_rows rows_a(a, *box);
     const mask_rows rows_b(b, *box);
     int shared = 0;
-    for (int i = 0; i < box->height(); ++i)
-        shared += shared_in_row(rows_a.row(i), rows_b.row(i), box->width());
+    for (int i = 0; i < height_of(*box); ++i)
+        shared += shared_in_row(rows_a.row(i), rows_b.row(i), width_of(*box));
     return shared;
 }
 
@@ -311,8 +307,8 @@ bool share_a_pixel(const roi_mask& a, const roi_mask& b)
         return false;
     const mask_rows rows_a(a, *box);
     const mask_rows rows_b(b, *box);
-    for (int i = 0; i < box->height(); ++i)
-        if (shared_in_row(rows_a.row(i), rows_b.row(i), box->width()) != 0)
+    for (int i = 0; i < height_of(*box); ++i)
+        if (shared_in_row(rows_a.row(i), rows_b.row(i), width_of(*box)) != 0)
             return true;
     return false;
 }

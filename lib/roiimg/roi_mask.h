@@ -10,6 +10,21 @@
 #include <memory>
 #include <vector>
 
+// A box of image pixels; both corners belong to it.
+struct pixel_box {
+    int left = 0, top = 0, right = 0, bottom = 0;
+
+    [[nodiscard]] constexpr bool contains(int x, int y) const noexcept
+    {
+        return left <= x && x <= right && top <= y && y <= bottom;
+    }
+
+    [[nodiscard]] constexpr bool meets(const pixel_box& o) const noexcept
+    {
+        return left <= o.right && o.left <= right && top <= o.bottom && o.top <= bottom;
+    }
+};
+
 class roi_mask : public roi {
 public:
     // The largest box a mask is made for, in pixels a side. An outline that leaves it gets an empty
@@ -36,6 +51,10 @@ public:
 
     [[nodiscard]] pos2i top_left() const noexcept { return _top_left; }
     [[nodiscard]] pos2i bottom_right() const noexcept { return _bottom_right; }    // belongs to the box
+    [[nodiscard]] pixel_box box() const noexcept
+    {
+        return {_top_left.x(), _top_left.y(), _bottom_right.x(), _bottom_right.y()};
+    }
     [[nodiscard]] int width() const noexcept { return _width; }
     [[nodiscard]] int height() const noexcept { return _height; }
     [[nodiscard]] int size() const noexcept { return _size; }                             // pixels inside
