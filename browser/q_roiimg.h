@@ -9,13 +9,13 @@ public:
     explicit q_roiimg(roi r);    // the polygon and the box; the mask is made by map()
 
     // The outline in image pixels, no two equal points in a row.
-    [[nodiscard]] const QPolygon& qpointarray() const noexcept { return _qpointarray; }
+    [[nodiscard]] const QPolygon& qpointarray() const;
 
     // The centre of the mask in image pixels, with the focal plane for z; not finite for an empty mask.
     [[nodiscard]] pos3d centroid() const noexcept { return {_cx, _cy, static_cast<double>(_z)}; }
 
 private:
-    QPolygon _qpointarray;
+    mutable QPolygon _qpointarray;    // made when first asked for: what is only compared is never drawn
 };
 
 // The number of image pixels that both rasters cover; without a mask a raster covers its whole box.

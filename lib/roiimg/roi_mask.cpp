@@ -11,118 +11,113 @@ namespace {
 
 constexpr unsigned char outline_mark = 2;
 
-// Collects the vertices of an outline, counted from its start pixel, no two equal ones in a row.
-class vertex_collector {
-public:
-    explicit vertex_collector(std::size_t steps) { _points.reserve(steps + steps / 2); }
+int width_of(const pixel_box& box) { return box.right - box.left + 1; }
 
-    void _add_point(int x, int y)
-    {
-        if (_points.empty() || !(_points.back() == pos2i(x, y)))
-            _points.emplace_back(x, y);
-    }
+int height_of(const pixel_box& box) { return box.bottom - box.top + 1; }
 
-    [[nodiscard]] std::vector<pos2i>& points() { return _points; }
+bool is_step(char c) { return c >= '0' && c <= '3'; }
 
-private:
-    std::vector<pos2i> _points;
-};
-
-// Adds the vertices of one step from `at`, and goes there. At a change of direction an extra vertex
-// makes a corner, so that the polygon follows the pixel boundary.
-void add_step(vertex_collector& polygon, int& x, int& y, char previous, char step)
+// The vertices of one step, which starts at (x, y) and goes on from there. At a change of direction an
+// extra vertex makes a corner, so that the polygon follows the pixel boundary.
+template <class AddPoint>
+void walk_step(int& x, int& y, char previous, char step, const AddPoint& add_point)
 {
     switch (step) {
     case '0':
         if (previous == '1')
-            polygon._add_point(x - 1, y);
+            add_point(x - 1, y);
         --y;
-        polygon._add_point(x - 1, y);
+        add_point(x - 1, y);
         break;
     case '1':
         if (previous == '2')
-            polygon._add_point(x, y);
+            add_point(x, y);
         --x;
-        polygon._add_point(x, y);
+        add_point(x, y);
         break;
     case '2':
         if (previous == '3')
-            polygon._add_point(x, y - 1);
-        polygon._add_point(x, y);
+            add_point(x, y - 1);
+        add_point(x, y);
         ++y;
         break;
     default:
         if (previous == '0')
-            polygon._add_point(x - 1, y - 1);
-        polygon._add_point(x, y - 1);
+            add_point(x - 1, y - 1);
+        add_point(x, y - 1);
         ++x;
     }
 }
 
-// The box around some vertices and the start pixel they are counted from.
-struct vertex_box {
-    int left = 0, top = 0, right = 0, bottom = 0;
-
-    explicit vertex_box(const std::vector<pos2i>& points)
-    {
-        for (const pos2i p : points) {
-            left = std::min(left, p.x());
-            right = std::max(right, p.x());
-            top = std::min(top, p.y());
-            bottom = std::max(bottom, p.y());
-        }
-    }
-
-    // False when a mask of this box would be too large, or leaves the range of int around `start`.
-    [[nodiscard]] bool fits(pos2i start) const
-    {
-        using limits = std::numeric_limits<int>;
-        return right - left < roi_mask::max_side && bottom - top < roi_mask::max_side &&
-               start.x() >= limits::min() - left && start.y() >= limits::min() - top &&
-               start.x() <= limits::max() - right && start.y() <= limits::max() - bottom;
-    }
-};
-
-// True while an outline may still fit into a mask.
-bool is_near_start(int x, int y)
+// Calls add_point(x, y) for the vertices of an outline, counted from its start pixel, as long as they
+// may fit into a mask.
+template <class AddPoint>
+void walk_outline(const std::string& outline, const AddPoint& add_point)
 {
     constexpr int most = roi_mask::max_side;
-    return -most <= x && x <= most && -most <= y && y <= most;
-}
-
-bool is_step(char c) { return c >= '0' && c <= '3'; }
-
-}    // namespace
-
-roi_mask::roi_mask(roi r) : roi(std::move(r)), _top_left(_x, _y), _bottom_right(_x, _y) {}
-
-std::vector<pos2i> roi_mask::_make_polygon()
-{
-    vertex_collector polygon(std::min(_outline.size(), std::size_t{4 * max_side}));
     int x = 0;
     int y = 0;
     char previous = '2';
-    for (const char step : _outline) {
+    for (const char step : outline) {
         if (!is_step(step))
             continue;
-        add_step(polygon, x, y, previous, step);
+        walk_step(x, y, previous, step, add_point);
         previous = step;
-        if (!is_near_start(x, y))
-            break;    // the box is too large already
+        if (x < -most || x > most || y < -most || y > most)
+            return;
     }
+}
+
+// The start pixel and all vertices, counted from it.
+pixel_box box_of(const std::string& outline)
+{
+    pixel_box box;
+    walk_outline(outline, [&box](int x, int y) {
+        box.left = std::min(box.left, x);
+        box.right = std::max(box.right, x);
+        box.top = std::min(box.top, y);
+        box.bottom = std::max(box.bottom, y);
+    });
+    return box;
+}
+
+// False when a mask of this box would be too large, or leaves the range of int around `start`.
+bool fits(const pixel_box& box, pos2i start)
+{
+    using limits = std::numeric_limits<int>;
+    return width_of(box) <= roi_mask::max_side && height_of(box) <= roi_mask::max_side &&
+           start.x() >= limits::min() - box.left && start.y() >= limits::min() - box.top &&
+           start.x() <= limits::max() - box.right && start.y() <= limits::max() - box.bottom;
+}
+
+}    // namespace
+
+roi_mask::roi_mask(roi r) : roi(std::move(r)), _top_left(_x, _y), _bottom_right(_x, _y)
+{
     const pos2i start(_x, _y);
-    const vertex_box box(polygon.points());
-    if (!box.fits(start)) {
-        _too_large = true;
-        return {start};
-    }
+    const pixel_box box = box_of(_outline);
+    _too_large = !fits(box, start);
+    if (_too_large)
+        return;
     _top_left = start + pos2i(box.left, box.top);
     _bottom_right = start + pos2i(box.right, box.bottom);
-    _width = box.right - box.left + 1;
-    _height = box.bottom - box.top + 1;
-    for (pos2i& point : polygon.points())
-        point = start + point;
-    return std::move(polygon.points());
+    _width = width_of(box);
+    _height = height_of(box);
+}
+
+std::vector<pos2i> roi_mask::_make_polygon() const
+{
+    const pos2i start(_x, _y);
+    if (_too_large)
+        return {start};
+    std::vector<pos2i> points;
+    points.reserve(_outline.size() + _outline.size() / 2);
+    walk_outline(_outline, [&](int x, int y) {
+        const pos2i point = start + pos2i(x, y);
+        if (points.empty() || !(points.back() == point))
+            points.push_back(point);
+    });
+    return points;
 }
 
 void roi_mask::map()
@@ -249,10 +244,6 @@ std::optional<pixel_box> common(const roi_mask& a, const roi_mask& b)
     return pixel_box{std::max(box_a.left, box_b.left), std::max(box_a.top, box_b.top),
                      std::min(box_a.right, box_b.right), std::min(box_a.bottom, box_b.bottom)};
 }
-
-int width_of(const pixel_box& box) { return box.right - box.left + 1; }
-
-int height_of(const pixel_box& box) { return box.bottom - box.top + 1; }
 
 // The rows of a mask within a box, counted from the top of the box. A raster without a mask covers
 // its whole box: it lends a row of ones.

@@ -64,8 +64,8 @@ protected:
     explicit roi_mask(roi r);
     ~roi_mask() = default;
 
-    // The vertices of the outline, which follows the pixel boundaries; widens the box to hold them.
-    [[nodiscard]] std::vector<pos2i> _make_polygon();
+    // The vertices of the outline, which follow the pixel boundaries, no two equal ones in a row.
+    [[nodiscard]] std::vector<pos2i> _make_polygon() const;
 
     pos2i _top_left;
     pos2i _bottom_right;
