@@ -4,18 +4,23 @@
 
 #include <iostream>
 
+const QPixmap* ImageDB::cached(int t, int z) const
+{
+    const auto found = db.find(keygen(pos4i(0, 0, z, t)));
+    return found == db.end() ? nullptr : &found->second;
+}
+
 QPixmap ImageDB::img(int t, int z, const QString& name, int cache_time)
 {
-    const std::string key = keygen(pos4i(0, 0, z, t));
-    if (const auto found = db.find(key); found != db.end())
-        return found->second;
+    if (const QPixmap* const image = cached(t, z))
+        return *image;
     const QPixmap image(name);
     if (image.isNull()) {
         std::cerr << "Cannot find " << name.toStdString() << std::endl;
         return {};
     }
     drop_outside(keygen(pos4i(0, 0, 0, t - cache_time)), keygen(pos4i(0, 0, 0, t + cache_time)));
-    db.emplace(key, image);
+    db.emplace(keygen(pos4i(0, 0, z, t)), image);
     return image;
 }
 

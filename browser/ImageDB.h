@@ -14,6 +14,9 @@ public:
     // focal plane 0 of t + cache_time.
     QPixmap img(int t, int z, const QString& name, int cache_time);
 
+    // The cached image; null when there is none.
+    [[nodiscard]] const QPixmap* cached(int t, int z) const;
+
     std::map<std::string, QPixmap> db;    // plane key, with x = y = 0, to image
 
 private:

@@ -362,6 +362,8 @@ private:
     // ---- Canvas
     void paint_canvas();       // at once
     void refresh_picture();    // if it is out of date
+    [[nodiscard]] bool is_picture_current() const;
+    void paint_rois_anew(const set<string>& keys);
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
     void paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached);
 
@@ -429,6 +431,7 @@ private:
     std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
     int m_drawn_time_point = -1;                       // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
+    QRect m_area_to_paint;            // of the picture; null: all of it
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
     unsigned long m_edits = 0;        // counts the changes of units, links and elite marks
     int m_runs = 0;                   // the runs going on, one inside the other

@@ -6,6 +6,14 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <utility>
+
+namespace {
+
+pixel_box pixel_box_of(const QRect& r) { return {r.left(), r.top(), r.right(), r.bottom()}; }
+
+}    // namespace
+
 void ORVBrowser::paintEvent(QPaintEvent*) { refresh_picture(); }
 
 // Only the canvas: the controls repaint themselves where they change.
@@ -17,12 +25,14 @@ void ORVBrowser::paint_canvas()
     frame_canvas->repaint();
 }
 
+bool ORVBrowser::is_picture_current() const
+{
+    return !dirty && m_time_point == m_drawn_time_point && m_focal_plane == m_drawn_focal_plane;
+}
+
 void ORVBrowser::refresh_picture()
 {
-    if (!m_imgdb)
-        return;
-    const bool moved = m_time_point != m_drawn_time_point || m_focal_plane != m_drawn_focal_plane;
-    if (!moved && !dirty)
+    if (!m_imgdb || is_picture_current())
         return;
     dirty = false;
     m_drawn_time_point = m_time_point;
@@ -31,13 +41,38 @@ void ORVBrowser::refresh_picture()
     frame_canvas->set_picture(m_pix);
 }
 
+// Paints anew, at once, where these ROIs of the plane on view are, when the rest of the picture is up to
+// date. Lineage lines may cross any place.
+void ORVBrowser::paint_rois_anew(const set<string>& keys)
+{
+    const bool is_rest_current =
+        isOpen() && is_picture_current() && !m_show_centroid && m_imgdb->cached(m_time_point, m_focal_plane);
+    dirty = true;
+    if (!is_rest_current || !isVisible() || !updatesEnabled()) {
+        paint_canvas();
+        return;
+    }
+    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois)
+        if (r.raster && keys.contains(*r.key))
+            m_area_to_paint |= QRect(QPoint(r.box.left, r.box.top), QPoint(r.box.right, r.box.bottom));
+    dirty = false;
+    frame_canvas->release_picture();
+    myPaint();
+    frame_canvas->set_changed_picture(m_pix, m_area_to_paint);
+    frame_canvas->repaint(std::exchange(m_area_to_paint, QRect()));
+}
+
 void ORVBrowser::myPaint()
 {
     if (!m_imgdb)
         return;
-    m_pix =
+    const QPixmap image =
         m_imgdb->img(m_time_point, m_focal_plane, QFile::decodeName(image_filename().c_str()), m_cache_time);
-    if (m_pix.isNull()) {    // the ROIs are shown all the same
+    if (!m_area_to_paint.isNull()) {
+        QPainter(&m_pix).drawPixmap(m_area_to_paint, image, m_area_to_paint);
+    } else if (!image.isNull()) {
+        m_pix = image;
+    } else {    // the ROIs are shown all the same
         m_pix = QPixmap(frame_canvas->size());
         m_pix.fill(palette().color(QPalette::Window));
     }
@@ -55,8 +90,13 @@ void ORVBrowser::drawROI(QPixmap& pix)
                                     ? set<string>()
                                     : units_reached_at(m_time_point, *m_lineage_mode_roi_set.begin());
     QPainter painter(&pix);
-    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois)
-        paint_roi(painter, r, reached);
+    if (!m_area_to_paint.isNull())
+        painter.setClipRect(m_area_to_paint);
+    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+        m_q_roiimgdb->raster_of(r);
+        if (m_area_to_paint.isNull() || r.box.meets(pixel_box_of(m_area_to_paint)))
+            paint_roi(painter, r, reached);
+    }
 }
 
 // `reached` holds the units of the time point on view that descend from the lineage head or led to it.

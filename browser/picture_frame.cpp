@@ -10,6 +10,12 @@ void PictureFrame::set_picture(const QPixmap& picture)
     update();
 }
 
+void PictureFrame::set_changed_picture(const QPixmap& picture, const QRect& changed)
+{
+    _picture = picture;
+    update(changed);
+}
+
 void PictureFrame::paintEvent(QPaintEvent* e)
 {
     {

@@ -125,6 +125,19 @@ private slots:
         }
     }
 
+    void whatThePointerLightsIsPaintedAsInAWholePicture()
+    {
+        OpenWindow w(recording);
+        for (int i = 0; i < 12; ++i)    // each over its neighbours
+            put_roi(w, {2 + 4 * i, 3 + i, 20, 0}, 9, 5 + i % 3 * 4);
+        for (int i = 0; i < 60; ++i) {
+            move_pointer(w, i * 7 % 60, i * 11 % 36);
+            const QImage seen = w.frame_canvas->picture().toImage();
+            w.setCurrentTimePoint(0);
+            QCOMPARE(seen, w.frame_canvas->picture().toImage());
+        }
+    }
+
     void aModeTakesOneLeftClickOnARoi()
     {
         // The key, the lineage head chosen before, the time point, what it comes to, and the printed lines.
