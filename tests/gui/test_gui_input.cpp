@@ -130,6 +130,7 @@ private slots:
         OpenWindow w(recording);
         for (int i = 0; i < 12; ++i)    // each over its neighbours
             put_roi(w, {2 + 4 * i, 3 + i, 20, 0}, 9, 5 + i % 3 * 4);
+        w.setCurrentTimePoint(0);
         for (int i = 0; i < 60; ++i) {
             move_pointer(w, i * 7 % 60, i * 11 % 36);
             const QImage seen = w.frame_canvas->picture().toImage();
