@@ -364,6 +364,7 @@ private:
     void refresh_picture();    // if it is out of date
     [[nodiscard]] bool is_picture_current() const;
     void paint_rois_anew(const set<string>& keys);
+    [[nodiscard]] QPixmap background();
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
     void paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached);
 

@@ -6,11 +6,12 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <iostream>
 #include <utility>
 
 namespace {
 
-pixel_box pixel_box_of(const QRect& r) { return {r.left(), r.top(), r.right(), r.bottom()}; }
+QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
 
 }    // namespace
 
@@ -45,8 +46,9 @@ void ORVBrowser::refresh_picture()
 // date. Lineage lines may cross any place.
 void ORVBrowser::paint_rois_anew(const set<string>& keys)
 {
+    const QPixmap* const image = isOpen() ? m_imgdb->cached(m_time_point, m_focal_plane) : nullptr;
     const bool is_rest_current =
-        isOpen() && is_picture_current() && !m_show_centroid && m_imgdb->cached(m_time_point, m_focal_plane);
+        is_picture_current() && !m_show_centroid && image && image->size() == m_pix.size();
     dirty = true;
     if (!is_rest_current || !isVisible() || !updatesEnabled()) {
         paint_canvas();
@@ -54,7 +56,7 @@ void ORVBrowser::paint_rois_anew(const set<string>& keys)
     }
     for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois)
         if (r.raster && keys.contains(*r.key))
-            m_area_to_paint |= QRect(QPoint(r.box.left, r.box.top), QPoint(r.box.right, r.box.bottom));
+            m_area_to_paint |= rect_of(r.box);
     dirty = false;
     frame_canvas->release_picture();
     myPaint();
@@ -66,20 +68,40 @@ void ORVBrowser::myPaint()
 {
     if (!m_imgdb)
         return;
-    const QPixmap image =
-        m_imgdb->img(m_time_point, m_focal_plane, QFile::decodeName(image_filename().c_str()), m_cache_time);
-    if (!m_area_to_paint.isNull()) {
-        QPainter(&m_pix).drawPixmap(m_area_to_paint, image, m_area_to_paint);
-    } else if (!image.isNull()) {
-        m_pix = image;
-    } else {    // the ROIs are shown all the same
-        m_pix = QPixmap(frame_canvas->size());
-        m_pix.fill(palette().color(QPalette::Window));
-    }
+    if (m_area_to_paint.isNull())
+        m_pix = background();
+    else
+        QPainter(&m_pix).drawPixmap(m_area_to_paint, *m_imgdb->cached(m_time_point, m_focal_plane),
+                                    m_area_to_paint);
     drawROI(m_pix);
     if (m_show_centroid)
         drawLineage(m_pix);
     release_dropped_rasters();
+}
+
+// The image of this position. Where there is none, or it ends before the ROIs do, they are shown all
+// the same, as far as the canvas reaches.
+QPixmap ORVBrowser::background()
+{
+    const bool is_known = m_imgdb->cached(m_time_point, m_focal_plane);
+    const QString filename = QFile::decodeName(image_filename().c_str());
+    const QPixmap image = m_imgdb->img(m_time_point, m_focal_plane, filename, m_cache_time);
+    QRect covered = image.rect();
+    if (image.isNull())
+        covered = frame_canvas->rect();
+    else if (isOpen())
+        for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+            m_q_roiimgdb->raster_of(r);
+            covered |= rect_of(r.box) & frame_canvas->rect();
+        }
+    if (covered == image.rect())
+        return image;
+    if (!image.isNull() && !is_known)
+        std::cerr << "Image smaller than its ROIs: " << filename.toStdString() << std::endl;
+    QPixmap picture(covered.size());
+    picture.fill(palette().color(QPalette::Window));
+    QPainter(&picture).drawPixmap(0, 0, image);
+    return picture;
 }
 
 void ORVBrowser::drawROI(QPixmap& pix)
@@ -94,7 +116,7 @@ void ORVBrowser::drawROI(QPixmap& pix)
         painter.setClipRect(m_area_to_paint);
     for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
         m_q_roiimgdb->raster_of(r);
-        if (m_area_to_paint.isNull() || r.box.meets(pixel_box_of(m_area_to_paint)))
+        if (m_area_to_paint.isNull() || rect_of(r.box).intersects(m_area_to_paint))
             paint_roi(painter, r, reached);
     }
 }

@@ -1,6 +1,10 @@
 // What is drawn: the image, and each ROI in the colour of its state.
 #include "../support/captured_lines.h"
-#include "../support/open_window.h"
+#include "../support/editing.h"
+
+#include <QRegularExpression>
+
+#include <functional>
 
 namespace {
 
@@ -95,13 +99,45 @@ private slots:
     void roisAreShownWithoutTheirImage()
     {
         const SmallRecording recording;
-        const std::string image = recording.folder.path("tiny/000-020.jpg");
-        std::filesystem::remove(image);
-        CapturedLines errors(std::cerr);
-        OpenWindow w(recording);
-        QCOMPARE(errors.take(), {QString::fromStdString("Cannot find " + image)});
-        QCOMPARE(w.shown(10, 5), QColor(untouched));
-        QCOMPARE(w.shown(30, 25), QColor(untouched));
+        const QString image = recording.path("tiny/000-020.jpg");
+        const auto write = [&](QSize size, QImage::Format format, const char* as) {
+            QImage picture(size, format);
+            picture.fill(Qt::red);
+            QVERIFY(picture.save(image, as, 100));
+        };
+        const std::pair<std::function<void()>, QString> cases[] = {
+            {[&] { QFile::remove(image); }, "Cannot find " + image},
+            {[&] { (void)recording.folder.with("tiny/000-020.jpg", "no picture"); }, "Cannot find " + image},
+            {[&] {
+                 write({12, 8}, QImage::Format_RGB32, "JPEG");
+             },
+             "Image smaller than its ROIs: " + image},
+            {[&] {
+                 write({700, 620}, QImage::Format_RGB32, "JPEG");
+             },
+             ""},
+            {[&] {
+                 write({60, 40}, QImage::Format_Grayscale16, "PNG");
+             },
+             ""},
+            {[&] {
+                 write({60, 40}, QImage::Format_Grayscale8, "JPEG"),
+                     QFile::resize(image, QFileInfo(image).size() - 8);
+             },
+             ""}};
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("premature end"));    // the one line of the last
+        for (const auto& [damage, line] : cases) {
+            damage();
+            CapturedLines errors(std::cerr);
+            OpenWindow w(recording);
+            w.repaint();
+            QCOMPARE(errors.take().join('|'), line);
+            QCOMPARE(w.shown(10, 5), QColor(untouched));
+            QCOMPARE(w.shown(30, 25), QColor(untouched));
+            move_pointer(w, 30, 25);
+            QVERIFY(w.shown(30, 25) == w.color[64] && w.shown(10, 5) == QColor(untouched));
+        }
     }
 
     void withoutARecordingNothingIsDrawn()
