@@ -47,6 +47,7 @@ iroifstream& iroifstream::operator>>(roi& r)
     while (std::getline(*this, line) && is_blank(line)) {
     }
     std::istringstream words(line);
+    words.imbue(std::locale::classic());    // 1.234 is no number, wherever it is read
     int x = 0;
     int y = 0;
     std::string outline;

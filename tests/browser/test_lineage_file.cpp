@@ -1,4 +1,5 @@
 // The lineage file: what is written reads back; what is not sound changes nothing and names its line.
+#include "../support/comma_locale.h"
 #include "../support/temp_folder.h"
 #include "lineage_file.h"
 

@@ -1,4 +1,4 @@
-// temp_folder.h - a folder of its own for a test, removed at its end.
+// temp_folder.h - a folder of its own for a test, with a name that is not plain ASCII, removed at its end.
 #pragma once
 #include <filesystem>
 #include <fstream>
@@ -32,5 +32,5 @@ public:
     [[nodiscard]] auto files() const { return std::distance(std::filesystem::directory_iterator(_path), {}); }
 
 private:
-    std::string _path = (std::filesystem::temp_directory_path() / "orvbrowser-test-XXXXXX").string();
+    std::string _path = (std::filesystem::temp_directory_path() / "orvbrowser-tést-XXXXXX").string();
 };

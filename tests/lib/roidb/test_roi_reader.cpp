@@ -16,6 +16,7 @@ recording stream_read(const std::string& text)
 {
     recording all("before", {});
     std::istringstream file(text);
+    file.imbue(std::locale::classic());
     file >> all.first;
     int x = 0, y = 0, z = 0, t = 0;
     for (std::string outline; file >> x >> y >> z >> t >> outline;)

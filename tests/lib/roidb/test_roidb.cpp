@@ -1,13 +1,17 @@
 // The database of ROIs and the file it writes.
+#include "../../support/comma_locale.h"
 #include "../../support/temp_folder.h"
 #include "ORV_roidb.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <random>
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -63,15 +67,43 @@ TEST(roidb, a_failed_write_says_so_and_leaves_the_old_file_whole)
     const temp_folder folder;
     const std::string old = folder.with("old.roi", three_rois);
     fs::create_directory(folder.path("folder"));
+    const std::string protected_file = folder.path("folder/a.roi");
+    fs::copy_file(old, protected_file);
+    fs::permissions(folder.path("folder"), fs::perms(0555));
+    fs::permissions(folder.path(""), fs::perms(0755));
     for (const std::string& target :
-         {folder.path("none/a.roi"), folder.path("folder"), std::string("/dev/full"), old}) {
+         {folder.path("none/a.roi"), folder.path("folder"), std::string("/dev/full"), old, protected_file}) {
         testing::internal::CaptureStderr();
         limit_file_size(4096);
+        const uid_t user = ::geteuid();
+        (void)!::seteuid(target == protected_file ? 65534 : user);    // root may write anywhere
         EXPECT_FALSE(large().write(target)) << target;
+        (void)!::seteuid(user);
         limit_file_size(0);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "roidb: Cannot open " + target + "\n");
         EXPECT_EQ(folder.contents("old.roi"), three_rois);
+        EXPECT_EQ(folder.contents("folder/a.roi"), three_rois);
         EXPECT_EQ(folder.files(), 2) << target << ": nothing is left behind";
+    }
+    fs::permissions(folder.path("folder"), fs::perms(0755));    // so that it can be removed
+}
+
+TEST(roidb, the_old_file_or_the_new_one_is_there_whenever_the_writer_is_killed)
+{
+    const temp_folder folder;
+    const roidb db = large();
+    ASSERT_TRUE(db.write(folder.path("new.roi")));
+    std::mt19937 random(1);
+    for (int i = 0; i < 50; ++i) {
+        const std::string file = folder.with("a.roi", three_rois);
+        const pid_t writer = ::fork();
+        if (writer == 0)
+            ::_exit(db.write(file) ? 0 : 1);
+        ::usleep(static_cast<useconds_t>(random() % 15'000));
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+        const std::string found = folder.contents("a.roi");
+        EXPECT_TRUE(found == three_rois || found == folder.contents("new.roi")) << found.size() << " bytes";
     }
 }
 

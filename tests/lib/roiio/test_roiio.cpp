@@ -1,4 +1,5 @@
 // The detector's per-plane ROI files: their names and their text.
+#include "../../support/comma_locale.h"
 #include "../../support/temp_folder.h"
 #include "ORV_roiio.h"
 
@@ -27,6 +28,7 @@ TEST(roiio, delivers_complete_records_up_to_the_first_that_is_none)
     const std::pair<std::string, int> cases[] = {
         {"# detector 1.0\n\n \t\r\n#\n1 2 0123\n-3 4 2\n", 2},
         {"1\t2 0123\r\n\n -3 4 2 and more", 2},
+        {"1 2 0123\n1.000 2 0123", 1},
         {"1 2 0123", 1},
         {"1 2 0123\n-3 4\n2 6 01\n", 1},    // the outline of no other line is taken
         {"1 2 0123\n# not before the first record\n-3 4 2\n", 1},
