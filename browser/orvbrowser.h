@@ -10,21 +10,16 @@
 #include "ORV_pos.h"
 #include "ORV_roi.h"
 #include "file_dialogs.h"
-#include "picture_frame.h"
 #include "q_roiimgdb.h"
 #include "roidb_plus.h"
+#include "window_controls.h"
 
 #include <QApplication>
 #include <QColor>
 #include <QCursor>
 #include <QEventLoop>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPixmap>
 #include <QPointer>
-#include <QPushButton>
-#include <QSlider>
-#include <QTabWidget>
 #include <QWidget>
 
 #include <functional>
@@ -41,7 +36,7 @@ class LongRun;
 class QPainter;
 class unit_pixels;
 
-class ORVBrowser : public QWidget {
+class ORVBrowser : public QWidget, public WindowControls {
     Q_OBJECT
 
     // The slots are spelt with these short names.
@@ -54,39 +49,6 @@ class ORVBrowser : public QWidget {
 public:
     explicit ORVBrowser(QWidget* parent = nullptr, const char* name = nullptr, Qt::WindowFlags flags = {});
     ~ORVBrowser() override;
-
-    // ==== Widgets (orvbrowser_widgets.cpp); owned by their parents ====
-
-    QLabel* textLabel3 = nullptr;    // time point
-    QLabel* textLabel4 = nullptr;    // focal plane
-    QLineEdit* lineEdit_time_point = nullptr;
-    QLineEdit* lineEdit_focal_plane = nullptr;
-    QSlider* slider_focal_plane = nullptr;
-    QSlider* slider_time_point = nullptr;
-    QLineEdit* lineEdit_dataset = nullptr;
-    PictureFrame* frame_canvas = nullptr;
-    QTabWidget* tabWidget_control_panel = nullptr;
-
-    QWidget* file = nullptr;    // first page: files
-    QPushButton* pushButton_read_roifile = nullptr;
-    QPushButton* pushButton_read_info = nullptr;
-    QPushButton* pushButton_save_info = nullptr;
-    QPushButton* pushButton_save_roifile = nullptr;
-    QPushButton* pushButton_drop_false_positive = nullptr;
-    QPushButton* pushButton_clean = nullptr;
-    QPushButton* pushButton_restore = nullptr;
-    QPushButton* pushButton_exit = nullptr;
-    QPushButton* pushButton_read_FP = nullptr;
-    QPushButton* pushButton_save_FP = nullptr;
-
-    QWidget* mainPage = nullptr;    // second page: tracking
-    QPushButton* pushButton_z = nullptr;
-    QPushButton* pushButton_stop = nullptr;
-    QPushButton* pushButton_reset = nullptr;
-    QPushButton* pushButton_select_all = nullptr;
-    QPushButton* pushButton_backward_tracking = nullptr;
-    QPushButton* pushButton_auto = nullptr;
-    QPushButton* pushButton_forward_tracking = nullptr;
 
     // ==== Operations that are no slots ====
 
@@ -353,6 +315,7 @@ private:
     // ---- Input
     void set_mode(bool& mode, bool on);
     void show_mode_cursor();
+    bool press_mode_key(int key);    // true iff it is one
     void toggle_lineage_mode();
     void click_in_lineage_modes(const string& key);
     void mark_roi(const string& key, Qt::MouseButton button);
@@ -413,7 +376,14 @@ private:
     void pair_by_distance(const string& p1, const string& p2, const string& first, const string& second);
 
     // ---- Splitting: the cut (orvbrowser_cut.cpp)
+    struct unit_cut {
+        pos3d E_position;
+        list<roi> plus;
+        list<roi> minus;
+    };
     void cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width);
+    [[nodiscard]] std::optional<unit_cut> find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
+                                                   int search_width);
     [[nodiscard]] unit_pixels pixels_of(const string& unit);
     [[nodiscard]] std::optional<pos3d> best_position(LongRun& run, const string& doubt, pos3d nom,
                                                      pos3d E_pos, int search_width);

@@ -210,53 +210,58 @@ void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& ro
 
 // ---- The two units
 
-// Cuts the unit by a plane with this normal, searched from E_m on. Both sides are built first; the
-// unit, its links and its ROIs stay as they are unless all of that succeeds.
+// Searches a plane with this normal from E_m on and builds both sides, which changes nothing. Nothing
+// after one line that tells why, or when the run has ended.
+std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
+                                                         int search_width)
+{
+    LongRun run(*this);
+    const unsigned long revision = m_roidb->revision();
+    const set<string> doubt_member = member(doubt);
+    const unit_links links{parents(doubt), children(doubt)};
+    const bool was_elite = isElite(doubt);
+    unit_cut cut{search_cutting_position(doubt, E_normal, E_m, search_width), {}, {}};
+    if (!run.alive() || !is_finite(cut.E_position))
+        return std::nullopt;
+    splitROI(doubt, E_normal, cut.E_position, cut.plus, cut.minus);
+    if (!run.alive())
+        return std::nullopt;
+    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt) ||
+                            links.parents != parents(doubt) || links.children != children(doubt) ||
+                            was_elite != isElite(doubt);
+    const char* why_not = nullptr;
+    if (was_edited)
+        why_not = "it was edited meanwhile";
+    else if (cut.plus.empty() || cut.minus.empty())
+        why_not = "the halves did not come back whole";
+    else if (!are_new(doubt_member, cut.plus, cut.minus))
+        why_not = "another ROI stands where one of the halves would start";
+    if (!why_not)
+        return cut;
+    std::cout << "Cannot split " << doubt << ": " << why_not << std::endl;
+    return std::nullopt;
+}
+
+// Cuts the unit by a plane with this normal, searched from E_m on. The unit, its links and its ROIs stay
+// as they are unless all of that succeeds.
 void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
 {
     if (!is_roimaker_there()) {
         std::cerr << "Cannot find " << roimaker_path() << std::endl;
         return;
     }
-    LongRun run(*this);
-    const unsigned long revision = m_roidb->revision();
-    const set<string> doubt_member = member(doubt);
+    const std::optional<unit_cut> cut = find_cut(doubt, E_normal, E_m, search_width);
+    if (!cut)
+        return;
     const unit_links links{parents(doubt), children(doubt)};
-    const bool was_elite = isElite(doubt);
-    E_m = search_cutting_position(doubt, E_normal, E_m, search_width);
-    if (!run.alive() || !is_finite(E_m))
-        return;
-    list<roi> roi_plus;
-    list<roi> roi_minus;
-    splitROI(doubt, E_normal, E_m, roi_plus, roi_minus);
-    if (!run.alive())
-        return;
-    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt) ||
-                            links.parents != parents(doubt) || links.children != children(doubt) ||
-                            was_elite != isElite(doubt);
-    if (was_edited) {
-        std::cout << "Cannot split " << doubt << ": it was edited meanwhile" << std::endl;
-        return;
-    }
-    if (roi_plus.empty() || roi_minus.empty()) {
-        std::cout << "Cannot split " << doubt << ": the halves did not come back whole" << std::endl;
-        return;
-    }
-    if (!are_new(doubt_member, roi_plus, roi_minus)) {
-        std::cout << "Cannot split " << doubt << ": another ROI stands where one of the halves would start"
-                  << std::endl;
-        return;
-    }
-    for (const std::string& parent : links.parents)
-        release_all(parent, doubt);
-    for (const std::string& child : links.children)
-        release_all(doubt, child);
-    const string head_plus = *keys_of(roi_plus).begin();
-    const string head_minus = *keys_of(roi_minus).begin();
-    replace_members(doubt, roi_plus, roi_minus);
+    release_links(doubt, links);
+    const string head_plus = *keys_of(cut->plus).begin();
+    const string head_minus = *keys_of(cut->minus).begin();
+    replace_members(doubt, cut->plus, cut->minus);
     const pos3d nom = E_normal / E_normal.size();
     for (const set<string>* units : {&links.parents, &links.children})
-        link_to_halves(pair_with_halves(*units, nom, E_m, head_plus, head_minus), head_plus, head_minus);
+        link_to_halves(pair_with_halves(*units, nom, cut->E_position, head_plus, head_minus), head_plus,
+                       head_minus);
     m_elite_head_roi_set.erase(doubt);
     ++m_edits;
 }

@@ -85,14 +85,43 @@ void ORVBrowser::setSplitMode(bool on)
 
 void ORVBrowser::setShowTrackedRoisMode(bool on) { m_show_tracked_rois_mode = on; }
 
-void ORVBrowser::keyPressEvent(QKeyEvent* e)
+// The keys that arm a mode or put it away.
+bool ORVBrowser::press_mode_key(int key)
 {
     const bool has_lineage_head = !m_lineage_mode_roi_set.empty();
-    switch (e->key()) {
+    switch (key) {
     case Qt::Key_A:
         if (has_lineage_head)
             setAddLineageMode(!m_add_lineage_mode);
-        break;
+        return true;
+    case Qt::Key_E:
+        setLineageMode(false);
+        setManualEliteMode(!m_manual_elite);
+        return true;
+    case Qt::Key_L:
+    case Qt::Key_W:
+        toggle_lineage_mode();
+        return true;
+    case Qt::Key_M:
+    case Qt::Key_X:
+        setMergeMode(!m_merge_mode);
+        return true;
+    case Qt::Key_R:
+        setRemoveLineageMode(!m_remove_lineage_mode);
+        return true;
+    case Qt::Key_S:
+        if (has_lineage_head)
+            setSplitMode(!m_split_mode);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void ORVBrowser::keyPressEvent(QKeyEvent* e)
+{
+    const int key = press_mode_key(e->key()) ? 0 : e->key();
+    switch (key) {
     case Qt::Key_C:
         m_show_centroid = !m_show_centroid;
         show_changes();
@@ -102,29 +131,10 @@ void ORVBrowser::keyPressEvent(QKeyEvent* e)
         if (!m_auto)
             timePrev();
         break;
-    case Qt::Key_E:
-        setLineageMode(false);
-        setManualEliteMode(!m_manual_elite);
-        break;
     case Qt::Key_F:
     case Qt::Key_Right:
         if (!m_auto)
             timeNext();
-        break;
-    case Qt::Key_L:
-    case Qt::Key_W:
-        toggle_lineage_mode();
-        break;
-    case Qt::Key_M:
-    case Qt::Key_X:
-        setMergeMode(!m_merge_mode);
-        break;
-    case Qt::Key_R:
-        setRemoveLineageMode(!m_remove_lineage_mode);
-        break;
-    case Qt::Key_S:
-        if (has_lineage_head)
-            setSplitMode(!m_split_mode);
         break;
     case Qt::Key_T:
         setShowTrackedRoisMode(!m_show_tracked_rois_mode);
