@@ -1,5 +1,7 @@
 #include "body.h"
 
+#include "roimaker_answer.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -9,9 +11,7 @@
 #include <filesystem>
 #include <iostream>
 #include <limits.h>
-#include <memory>
 #include <poll.h>
-#include <sstream>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -110,32 +110,6 @@ void wait_for(pid_t pid)
     do
         ended = waitpid(pid, nullptr, 0);
     while (ended < 0 && errno == EINTR);
-}
-
-// One line on the number of ROIs; for each a line that is thrown away and a line "word x y outline".
-std::list<roi> read_answer(std::FILE* fp)
-{
-    constexpr int line_size = 65536;
-    const auto buf = std::make_unique<char[]>(line_size);
-    std::list<roi> rois;
-    std::stringstream stream;
-    int roi_num = 0;
-    if (!std::fgets(buf.get(), line_size, fp))
-        return rois;
-    stream << buf.get();
-    stream >> roi_num;
-    for (int i = 0; i < roi_num; ++i) {
-        if (!std::fgets(buf.get(), line_size, fp) || !std::fgets(buf.get(), line_size, fp))
-            break;
-        stream << buf.get();
-        std::string dum;
-        int x = 0;
-        int y = 0;
-        std::string ol;
-        stream >> dum >> x >> y >> ol;
-        rois.emplace_back(x, y, 0, 0, ol);
-    }
-    return rois;
 }
 
 }    // namespace

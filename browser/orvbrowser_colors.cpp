@@ -1,9 +1,9 @@
-// The colour table, the file it is read from, and Reset.
+// The colour table and Reset.
+#include "color_file.h"
 #include "orvbrowser.h"
 #include "roi_colors.h"
 
 #include <QFile>
-#include <QTextStream>
 
 #include <algorithm>
 #include <iostream>
@@ -31,43 +31,14 @@ constexpr std::pair<int, const char*> default_colors[] = {
     {LINEAGE | HIGHLIGHT, "#ffaaaa"},
 };
 
-constexpr std::pair<const char*, int> keywords[] = {
-    {"FORWARD", FORWARD}, {"BACKWARD", BACKWARD}, {"HIGHLIGHT", HIGHLIGHT}, {"SELECTED", SELECTED},
-    {"REMOVED", REMOVED}, {"ELITE", ELITE},       {"LINEAGE", LINEAGE},
-};
-
-// Keywords count wherever they stand in the key; a key without any names the default colour.
-int color_index_of(const QString& key)
-{
-    int index = DEFAULT;
-    for (const auto& [keyword, state] : keywords)
-        if (key.contains(QLatin1String(keyword)))
-            index |= state;
-    return index;
-}
-
-// An invalid colour for what is no colour name; the toolkit's own constructor would print a line.
-QColor color_named(const QString& name) { return QColor::isValidColor(name) ? QColor(name) : QColor(); }
-
 }    // namespace
 
 bool ORVBrowser::loadConfigFile()
 {
     if (!qEnvironmentVariableIsSet("HOME"))
         return false;
-    QFile config(QFile::decodeName(qgetenv("HOME") + "/.orvbrowser"));
-    if (!config.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!read_color_file(QFile::decodeName(qgetenv("HOME") + "/.orvbrowser"), color))
         return false;
-    std::fill(std::begin(color), std::end(color), QColor(Qt::white));
-    QTextStream words(&config);
-    QString key;
-    QString value;
-    while (!(words >> key).atEnd()) {
-        words >> value;
-        if (value.isEmpty())
-            break;
-        color[color_index_of(key)] = color_named(value);
-    }
     show_changes();
     return true;
 }

@@ -1,10 +1,9 @@
 // The selection and the removed marks: their files, and the buttons that mark many ROIs at once.
-#include "file_io.h"
 #include "keygen.h"
+#include "mark_files.h"
 #include "orvbrowser.h"
 #include "roi_reader.h"
 
-#include <fstream>
 #include <iostream>
 #include <limits>
 
@@ -18,27 +17,6 @@ file_question info_question(QFileDialog::AcceptMode mode, const char* object_nam
 file_question fp_question(QFileDialog::AcceptMode mode, const char* object_name, const QString& caption)
 {
     return {mode, "fp file (*.fp)", object_name, caption};
-}
-
-// Reads pairs of words; those with the keyword bring a mark.
-void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
-                    std::set<std::string>& marks)
-{
-    std::ifstream file(filename);
-    if (!file || (file.peek(), file.bad())) {    // a folder opens, but does not read
-        std::cerr << "Cannot open " << filename << std::endl;
-        return;
-    }
-    for (std::string word, value; file >> word;) {
-        value.clear();
-        file >> value;
-        if (word == "NAME" && value != dataset) {
-            std::cerr << "different dataset" << std::endl;
-            return;
-        }
-        if (word == keyword && !value.empty())
-            marks.insert(value);
-    }
 }
 
 // True iff the file belongs to the recording, reads to its end, and holds ROIs after time point t;
@@ -66,17 +44,6 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
             return true;
     }
     return false;
-}
-
-void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
-                     const std::set<std::string>& marks)
-{
-    replacing_file file(filename);
-    file.append("NAME " + dataset + '\n');
-    for (const std::string& key : marks)
-        file.append(keyword + ' ' + key + '\n');
-    if (!file.commit())
-        std::cerr << "Cannot open " << filename << std::endl;
 }
 
 }    // namespace

@@ -1,0 +1,37 @@
+#include "mark_files.h"
+
+#include "file_io.h"
+
+#include <fstream>
+#include <iostream>
+
+void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+                    std::set<std::string>& marks)
+{
+    std::ifstream file(filename);
+    if (!file || (file.peek(), file.bad())) {    // a folder opens, but does not read
+        std::cerr << "Cannot open " << filename << std::endl;
+        return;
+    }
+    for (std::string word, value; file >> word;) {
+        value.clear();
+        file >> value;
+        if (word == "NAME" && value != dataset) {
+            std::cerr << "different dataset" << std::endl;
+            return;
+        }
+        if (word == keyword && !value.empty())
+            marks.insert(value);
+    }
+}
+
+void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+                     const std::set<std::string>& marks)
+{
+    replacing_file file(filename);
+    file.append("NAME " + dataset + '\n');
+    for (const std::string& key : marks)
+        file.append(keyword + ' ' + key + '\n');
+    if (!file.commit())
+        std::cerr << "Cannot open " << filename << std::endl;
+}
