@@ -176,9 +176,9 @@ bool fill_outline(pos2i start, const std::string& chain, std::span<unsigned char
     if (!is_closed(chain))
         return false;
     const auto columns = static_cast<std::size_t>(width) + 1;
-    std::vector<int> steps(columns * static_cast<std::size_t>(height));
-    const auto step_at = [&](int x, int y) -> int& {
-        return steps[static_cast<std::size_t>(y) * columns + static_cast<std::size_t>(x)];
+    std::vector<int> crossings(columns * static_cast<std::size_t>(height));
+    const auto crossings_at = [&](int x, int y) -> int& {
+        return crossings[static_cast<std::size_t>(y) * columns + static_cast<std::size_t>(x)];
     };
     int x = start.x();
     int y = start.y();
@@ -192,19 +192,20 @@ bool fill_outline(pos2i start, const std::string& chain, std::span<unsigned char
         if (!in_mask())
             return false;
         if (y != from_y)
-            step_at(x, std::min(y, from_y)) += y - from_y;
+            crossings_at(x, std::min(y, from_y)) += y - from_y;
     }
     for (int row = 0; row < height; ++row) {
         int times = 0;
         for (int column = 0; column < width; ++column) {
-            times += step_at(column, row);
-            step_at(column, row) = times;
+            times += crossings_at(column, row);
+            crossings_at(column, row) = times;
             if (times < 0 || times > 1)
                 return false;
         }
     }
     for (std::size_t i = 0; i < mask.size(); ++i)
-        if (steps[i / static_cast<std::size_t>(width) * columns + i % static_cast<std::size_t>(width)] == 1)
+        if (crossings[i / static_cast<std::size_t>(width) * columns + i % static_cast<std::size_t>(width)] ==
+            1)
             mask[i] = 1;
     return true;
 }
