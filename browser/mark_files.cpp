@@ -30,8 +30,12 @@ void write_mark_file(const std::string& filename, const std::string& dataset, co
 {
     replacing_file file(filename);
     file.append("NAME " + dataset + '\n');
-    for (const std::string& key : marks)
-        file.append(keyword + ' ' + key + '\n');
+    for (const std::string& key : marks) {
+        file.append(keyword);
+        file.append(" ");
+        file.append(key);
+        file.append("\n");
+    }
     if (!file.commit())
         std::cerr << "Cannot open " << filename << std::endl;
 }
