@@ -1,10 +1,12 @@
-// ROI files: index and records agree, what is written reads back, every outline has a raster.
+// ROI files: read as a stream would, index and records agree, what is written reads back, every outline has a
+// raster.
 #include "harness.h"
 #include "keygen.h"
 #include "q_roiimg.h"
 #include "roidb_plus.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace {
 
@@ -50,6 +52,22 @@ void check_index(roidb_plus& rois, const std::string& filename)
     const auto before = rois.db;
     require(rois.replace_plus(filename, rois.t_min(), rois.t_max()), "a file that was read is read again");
     require(rois.db == before && rois.tz_xy_db.size() == before.size(), "replaced by itself nothing changes");
+}
+
+// The readers accept what extraction from a stream accepts.
+void check_against_stream(const roidb_plus& rois, const std::string& text)
+{
+    std::istringstream words(text);
+    std::string name = "fuzz";
+    words >> name;
+    roidb expected(name);
+    int x = 0;
+    int y = 0;
+    int z = 0;
+    int t = 0;
+    for (std::string outline; words >> x >> y >> z >> t >> outline;)
+        expected.entry(roi(x, y, z, t, outline));
+    require(rois.name() == expected.name() && rois.db == expected.db, "a stream reads the same");
 }
 
 void check_round_trip(const roidb_plus& rois)
@@ -108,6 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string filename = input_file(data, size);
     roidb_plus rois("fuzz");
     require(rois.read_plus(filename), "a file that is there opens");
+    check_against_stream(rois, {reinterpret_cast<const char*>(data), size});
     check_round_trip(rois);
     check_rasters(rois);
     check_index(rois, filename);

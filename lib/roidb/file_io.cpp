@@ -10,7 +10,11 @@
 
 namespace {
 
+#ifdef ORV_PIECE_SIZE
+constexpr std::size_t piece_size = ORV_PIECE_SIZE;    // small ones cut words and lines anywhere
+#else
 constexpr std::size_t piece_size = 1 << 18;
+#endif
 
 // read(2) that is not disturbed by signals.
 ssize_t read_some(int fd, char* to, std::size_t size)
