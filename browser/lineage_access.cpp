@@ -4,11 +4,13 @@
 #include "long_run.h"
 #include "plane_walk.h"
 
+#include <QScopeGuard>
+
 #include <utility>
 
 bool LineageAccess::is_open() const noexcept { return _window->isOpen(); }
 bool LineageAccess::is_busy() const noexcept { return _window->m_runs > 0; }
-bool LineageAccess::is_making_units() const noexcept { return _window->m_make_units; }
+bool LineageAccess::is_making_units() const noexcept { return _window->m_auto_make_units; }
 unsigned long LineageAccess::edits() const noexcept { return _window->m_edits; }
 unsigned long LineageAccess::recording() const noexcept { return _window->m_recording; }
 int LineageAccess::time_point() const noexcept { return _window->m_time_point; }
@@ -49,42 +51,41 @@ std::set<std::string> LineageAccess::ancestors(const std::string& unit) const
     return _window->subset_of_unit_from(unit);
 }
 
+// A unit is entered once it is complete: what a handler does meanwhile never meets half of one.
 void LineageAccess::make_units(int t, double overlap)
 {
-    const QPointer<ORVBrowser> window(_window);    // a handler may delete it
     LongRun run(*_window);
-    auto& grouped = _window->m_make_unit_roi_set;
-    grouped.clear();
+    _window->m_auto_make_units = true;
+    const auto done = qScopeGuard([window = QPointer<ORVBrowser>(_window)] {
+        if (window)    // a handler may delete it
+            window->m_auto_make_units = false;
+    });
     const auto& heads = _window->m_members_head;
-    const auto [first, last] = at_time_point(heads, t);
-    for (auto entry = first; entry != last; ++entry)
-        grouped.insert(grouped.end(), entry->first);
+    const auto& rois = _window->m_roidb->db;
     std::set<int> planes;
-    const auto [first_roi, last_roi] = at_time_point(_window->m_roidb->db, t);
-    for (auto entry = first_roi; entry != last_roi; ++entry)
+    const auto [first, last] = at_time_point(rois, t);
+    for (auto entry = first; entry != last; ++entry)
         planes.insert(entry->second.z());
     for (const int z : planes) {
         PlaneWalk walk(*_window->m_roidb, *_window->m_q_roiimgdb, t, z);
         while (plane_roi* const r = walk.next()) {
-            if (grouped.contains(*r->key) || _window->m_removed_roi_set.contains(*r->key))
+            if (heads.contains(*r->key) || _window->m_removed_roi_set.contains(*r->key))
                 continue;
             const std::string key = *r->key;
-            _window->m_unit_roi_head = *r->record;
-            _window->m_make_units = true;
-            _window->checkAdjacentFocalPlane(*_window->m_q_roiimgdb->raster_of(*r), t, z, &grouped, 0.0,
-                                             overlap);
-            if (window)
-                window->m_make_units = false;
+            std::set<std::string> members;
+            _window->flood(*r->record, t, z, 0.0, overlap, [&](const std::string& reached) {
+                return !heads.contains(reached) && members.insert(reached).second;
+            });
             if (!run.alive())
                 return;
-            if (heads.contains(key))
-                continue;
-            // It has no pixel to be reached by, or a handler has reset the units and left a torso.
-            _window->forget_unit(key);
-            _window->register_unit(key, {key});
+            members.insert(key);    // without a pixel it is not reached
+            std::erase_if(members, [&](const std::string& member) {
+                return heads.contains(member) || !rois.contains(member);
+            });
+            if (!members.empty())
+                _window->register_unit(members.contains(key) ? key : *members.begin(), members);
         }
     }
-    grouped.clear();
 }
 
 void LineageAccess::drop_links_into(int t)

@@ -14,7 +14,7 @@ public:
     // ---- Asking
     [[nodiscard]] bool is_open() const noexcept;
     [[nodiscard]] bool is_busy() const noexcept;            // a run is going on
-    [[nodiscard]] bool is_making_units() const noexcept;    // some unit is half made
+    [[nodiscard]] bool is_making_units() const noexcept;    // those of a time point
     [[nodiscard]] unsigned long edits() const noexcept;     // changes whenever units, links or elite marks do
     [[nodiscard]] unsigned long recording() const noexcept;    // changes whenever a recording opens or closes
     [[nodiscard]] int time_point() const noexcept;

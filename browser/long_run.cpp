@@ -57,24 +57,18 @@ void LongRun::checkpoint()
         _window->m_q_roiimgdb->release_dropped();
 }
 
-BusyRun::BusyRun(ORVBrowser& window) : LongRun(window), _makes_units(window.m_make_units)
+BusyRun::BusyRun(ORVBrowser& window) : LongRun(window)
 {
-    if (window.m_busy_runs++ > 0) {
-        window.m_make_units = false;
+    if (window.m_busy_runs++ > 0)
         return;
-    }
     window.setTrackingButtonsEnabled(false);
     window.setCursor(Qt::WaitCursor);
 }
 
 BusyRun::~BusyRun()
 {
-    if (!_window)
+    if (!_window || --_window->m_busy_runs > 0)
         return;
-    if (--_window->m_busy_runs > 0) {
-        _window->m_make_units = _makes_units && alive();
-        return;
-    }
     _window->show_mode_cursor();
     _window->setTrackingButtonsEnabled(_window->isOpen());
     // A disabled button hands the keyboard to another one: it belongs to the canvas.

@@ -40,12 +40,9 @@ private:
 };
 
 // A run that a person waits for: the wait cursor is shown and the tracking buttons are disabled until
-// the outermost such run ends. What it tracks does not join the unit that a run around it is making.
+// the outermost such run ends.
 class BusyRun : public LongRun {
 public:
     explicit BusyRun(ORVBrowser& window);
     ~BusyRun();
-
-private:
-    bool _makes_units;    // the switch as the run around this one has set it
 };

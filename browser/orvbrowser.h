@@ -333,6 +333,8 @@ private:
 
     // ---- Tracking
     void add_to_unit(const string& key);
+    void flood(const roi& r_from, int t, int z, double mor_t, double mor_z,
+               const std::function<bool(const string&)>& take);
     bool for_each_marked(int t, const set<string>& keys, const std::function<void(roi&)>& visit);
     void track(int t, int t_to, set<string>& reached);
     void repeat_tracking(const std::function<bool(const LongRun&)>& step);

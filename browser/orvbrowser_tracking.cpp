@@ -42,10 +42,10 @@ void ORVBrowser::add_to_unit(const string& key)
     ++m_edits;
 }
 
-// A depth-first flood over the planes of time point t. Its depth is that of the data, so the levels
-// lie on a stack of their own.
-void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
-                                         double mor_z)
+// A depth-first flood over the planes of time point t, which goes on from what take() takes. Its depth is
+// that of the data, so the levels lie on a stack of their own.
+void ORVBrowser::flood(const roi& r_from, int t, int z, double mor_t, double mor_z,
+                       const std::function<bool(const string&)>& take)
 {
     if (!isOpen())
         return;
@@ -69,15 +69,25 @@ void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>*
             continue;
         q_roiimg* const raster = m_q_roiimgdb->raster_of(*r);
         if (!r->box.meets(level.from->box()) || !is_reached(level.from, raster, mor_t, mor_z) ||
-            m_removed_roi_set.contains(*r->key) || !roiset->insert(*r->key).second)
+            m_removed_roi_set.contains(*r->key) || !take(*r->key))
             continue;
-        dirty = true;
-        if (m_make_units)
-            add_to_unit(*r->key);
         const int plane = level.z;
         look_at(raster, plane + 1);
         look_at(raster, plane - 1);    // lies on top and is searched first
     }
+}
+
+void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
+                                         double mor_z)
+{
+    flood(r_from, t, z, mor_t, mor_z, [this, roiset](const string& key) {
+        if (!roiset->insert(key).second)
+            return false;
+        dirty = true;
+        if (m_make_units)
+            add_to_unit(key);
+        return true;
+    });
 }
 
 // Runs visit() for the ROIs of time point t that have a key in `keys` and are not removed, until the
