@@ -37,6 +37,8 @@ public:
     explicit Monkey(std::uint64_t seed) : _seed(seed), _random(seed)
     {
         qputenv("HOME", _files.path("home").c_str());
+        qputenv("XDG_CONFIG_HOME",
+                "/dev/null");    // a file dialog would wait for the disk to keep its settings
         for (const char* folder : {"ORVBROWSER_IMAGE_ROOT", "PWD"})
             qputenv(folder, _files.path("").c_str());
         for (QTimer& timer : _timers) {    // one stays silent while it is served: the next acts inside it

@@ -44,7 +44,8 @@ public:
     void restore() const
     {
         for (const auto& [name, bytes] : _whole)
-            write(name, bytes);
+            if (contents(name) != bytes)
+                write(name, bytes);
     }
 
     // Garbles, cuts off, exchanges, removes or hides behind a folder one file.
