@@ -51,7 +51,6 @@ public:
     [[nodiscard]] const char* act(int action)
     {
         constexpr int patience_s = 120;
-        constexpr int costly_every = 10;
         alarm(patience_s);
         std::snprintf(story, sizeof story, "monkey: seed %d, action %d: ", static_cast<int>(_seed), action);
         _random = demo_random(_seed, 1, static_cast<std::uint64_t>(action));
@@ -63,7 +62,7 @@ public:
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         count_states();
-        return _window->broken_rule(action % costly_every == 0);
+        return _window->broken_rule();
     }
 
     [[nodiscard]] const std::map<std::string, int>& times() const { return _times; }
@@ -75,13 +74,14 @@ private:
             const char* name;
             int weight;    // in per cent
             void (Monkey::*act)();
-        } kinds[] = {{"key", 14, &Monkey::press_key},         {"control", 14, &Monkey::click_control},
-                     {"canvas", 18, &Monkey::click_canvas},   {"pointer", 9, &Monkey::move},
-                     {"wheel", 8, &Monkey::turn_wheel},       {"text", 8, &Monkey::type},
-                     {"edit", 10, &Monkey::edit_lineage},     {"tracking", 4, &Monkey::track},
-                     {"lineage", 3, &Monkey::make_lineage},   {"split", 2, &Monkey::split},
-                     {"file", 3, &Monkey::use_file},          {"swap", 3, &Monkey::swap_file},
-                     {"opening", 1, &Monkey::open_recording}, {"window", 3, &Monkey::handle_window}};
+        } kinds[] = {{"key", 13, &Monkey::press_key},       {"control", 14, &Monkey::click_control},
+                     {"canvas", 17, &Monkey::click_canvas}, {"pointer", 9, &Monkey::move},
+                     {"wheel", 8, &Monkey::turn_wheel},     {"text", 8, &Monkey::type},
+                     {"edit", 10, &Monkey::edit_lineage},   {"tracking", 4, &Monkey::track},
+                     {"lineage", 3, &Monkey::make_lineage}, {"split", 2, &Monkey::split},
+                     {"drop", 2, &Monkey::drop_rois},       {"file", 3, &Monkey::use_file},
+                     {"swap", 3, &Monkey::swap_file},       {"opening", 1, &Monkey::open_recording},
+                     {"window", 3, &Monkey::handle_window}};
         const auto* chosen = kinds;
         for (int number = _random.below(100); (number -= chosen->weight) >= 0;)
             ++chosen;
@@ -235,6 +235,13 @@ private:
             click(_window->page->elite);
         _user.answers = {"&Yes"};
         click(_window->page->make_links);
+    }
+
+    void drop_rois()
+    {
+        for (int clicks = _random.below(4); clicks > 0; --clicks)
+            click_roi(Qt::RightButton);
+        click(_window->pushButton_drop_false_positive);
     }
 
     void split() { click(_random.chance(0.7) ? _window->page->split : _window->page->auto_split); }

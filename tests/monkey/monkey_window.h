@@ -19,8 +19,8 @@ public:
     LineagePage* const page = new LineagePage(*this);
     const LineageAccess access{*this};
 
-    // The first rule that is broken, or nothing; those that cost time are left out unless asked for.
-    [[nodiscard]] const char* broken_rule(bool with_costly)
+    // The first rule that is broken, or nothing.
+    [[nodiscard]] const char* broken_rule()
     {
         const auto all = [](const auto& entries, const auto& rule) {
             return std::all_of(entries.begin(), entries.end(), rule);
@@ -59,14 +59,14 @@ public:
         if (!all(m_elite_head_roi_set,
                  [this](const auto& h) { return m_head_members.contains(h) || h == "N/A"; }))
             return "an elite mark is on a unit";
-        if (with_costly && !all(m_q_roiimgdb->db, [this](const auto& entry) {
+        if (!all(m_q_roiimgdb->db, [this](const auto& entry) {
                 const auto r = m_roidb->db.find(entry.first);
                 return keygen(*entry.second) == entry.first &&
                        (r == m_roidb->db.end() ||
                         q_roiimg(r->second).qpointarray() == entry.second->qpointarray());
             }))
             return "a cached raster is that of its ROI";
-        return with_costly && isVisible() && !shows_state() ? "the canvas shows the state" : nullptr;
+        return isVisible() && !shows_state() ? "the canvas shows the state" : nullptr;
     }
 
 private:

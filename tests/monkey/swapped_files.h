@@ -4,19 +4,21 @@
 #include "demo_files.h"
 #include "demo_random.h"
 
+#include <QRegularExpression>
+
 #include <map>
 
 class SwappedFiles {
 public:
-    // Two recordings, and a file in which the first has other ROIs.
+    // Two recordings, and a file in which all ROIs of the first are points.
     SwappedFiles()
     {
-        const char* const made[][2] = {{"demo", "variant.roi"}, {"demo", "demo.roi"}, {"other", "other.roi"}};
-        for (std::uint64_t seed = 1; const auto& [name, file] : made) {
+        for (std::uint64_t seed = 1; const char* name : {"demo", "other"})
             (void)write_recording(make_recording({name, seed++, 6, 14, 14, 160, 160, 0.05, 0.05, 0.25}),
                                   path(""));
-            std::filesystem::rename(path(name + std::string(".roi")), path(file));
-        }
+        QString rois = QString::fromStdString(contents(path("demo.roi")));
+        rois.replace(QRegularExpression(" [0-3]+\n"), " 2301\n");
+        write(path("variant.roi"), rois.toStdString());
         for (const auto& entry : std::filesystem::recursive_directory_iterator(path("")))
             if (entry.is_regular_file())
                 _whole[entry.path()] = contents(entry.path());
