@@ -30,7 +30,7 @@ public:
     // A file with this suffix, mostly one of the recording that is mostly open.
     [[nodiscard]] std::string of_kind(const std::string& suffix, demo_random& random) const
     {
-        return path((random.chance(0.7) ? "demo" : random.chance(0.5) ? "variant" : "other") + suffix);
+        return path((random.chance(0.5) ? "demo" : random.chance(0.7) ? "variant" : "other") + suffix);
     }
 
     [[nodiscard]] std::string any(demo_random& random) const
