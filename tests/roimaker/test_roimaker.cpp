@@ -104,7 +104,7 @@ bool raster_fits(const roi& r, int width, int height)
 TEST(makeROIs, brings_the_regions_through_the_pipe)
 {
     std::mt19937 random(4);
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 500; ++i) {
         const int width = static_cast<int>(1 + random() % 20), height = static_cast<int>(1 + random() % 20);
         const auto solid = 2 + random() % 6;
         std::vector<unsigned char> mask(width * height);
