@@ -11,7 +11,7 @@ constexpr int most_skipped = 512;    // steps between two looks for events: far 
 LongRun::LongRun(ORVBrowser& window) : _window(&window), _recording(window.m_recording)
 {
     if (window.m_runs++ == 0)
-        window.m_quiet_steps = window.m_steps_to_skip = 0;
+        window.m_steps_between_looks = window.m_steps_to_skip = 0;
 }
 
 LongRun::~LongRun()
@@ -35,19 +35,20 @@ bool LongRun::process_events(QEventLoop::ProcessEventsFlags flags)
     return alive();
 }
 
-bool LongRun::poll_events()
+bool LongRun::poll_events(int steps)
 {
     if (!alive())
         return false;
     if (_window->m_steps_to_skip > 0) {
-        --_window->m_steps_to_skip;
+        _window->m_steps_to_skip -= steps;
         return true;
     }
     const bool was_quiet = !_window->process_events_of_run(QEventLoop::AllEvents);
     if (!_window)
         return false;
-    _window->m_quiet_steps = was_quiet ? std::min(2 * _window->m_quiet_steps + 1, most_skipped) : 0;
-    _window->m_steps_to_skip = _window->m_quiet_steps;
+    _window->m_steps_between_looks =
+        was_quiet ? std::min(2 * _window->m_steps_between_looks + 1, most_skipped) : 0;
+    _window->m_steps_to_skip = _window->m_steps_between_looks;
     return alive();
 }
 

@@ -24,9 +24,9 @@ public:
     [[nodiscard]] bool process_events(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
     // The same for the small steps of an operation. While nothing happens it looks for events at fewer
-    // and fewer of them, soon once in most_skipped; what does happen is noticed hardly later, and from
-    // then on at every step again.
-    [[nodiscard]] bool poll_events();
+    // and fewer of them, soon once in hundreds; what does happen is noticed hardly later, and then it
+    // looks more often again. A step may be as long as several.
+    [[nodiscard]] bool poll_events(int steps = 1);
 
     // Frees the rasters that have left the cache, when no other run may hold one.
     // REQUIRES: this run holds no raster

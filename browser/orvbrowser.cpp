@@ -86,11 +86,12 @@ void ORVBrowser::processEvents()
 
 bool ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
 {
-    if (m_event_depth >= max_event_depth)
+    QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+    if (m_event_depth >= max_event_depth || !dispatcher)
         return false;
     const QPointer<ORVBrowser> self(this);    // a handler may delete the window
     ++m_event_depth;
-    const bool had_events = QAbstractEventDispatcher::instance()->processEvents(flags);
+    const bool had_events = dispatcher->processEvents(flags);
     if (self)
         --m_event_depth;
     return had_events;

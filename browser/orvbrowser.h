@@ -238,7 +238,7 @@ protected:
     set<string> m_bwd_roi_set;
     set<string> m_selected_roi_set;
     set<string> m_mouse_over_roi_set;
-    QApplication* m_app = nullptr;    // not owned
+    QApplication* m_app = nullptr;    // not owned; its events are those of the thread
     QPixmap m_pix;                    // the composed picture of the canvas
     string m_roi_ext_dir;
     int m_max_focal_plane = 0;
@@ -290,7 +290,7 @@ private:
     // ---- Helpers of several files
     [[nodiscard]] bool isOpen() const noexcept { return m_roidb && m_imgdb && m_q_roiimgdb; }
     void processEvents();
-    bool process_events_of_run(QEventLoop::ProcessEventsFlags flags);    // true iff there were any
+    bool process_events_of_run(QEventLoop::ProcessEventsFlags flags);    // false when there were none
     void show_changes();               // marks the picture as out of date and paints it at once
     void finish();                     // the same, and lets pending events be processed
     void end_waiting();                // shows the cursor of before a wait
@@ -326,9 +326,12 @@ private:
     void paint_canvas();       // at once
     void refresh_picture();    // if it is out of date
     [[nodiscard]] bool is_picture_current() const;
-    void paint_rois_anew(const set<string>& keys);
+    void show_changed_rois();
+    [[nodiscard]] std::optional<QRect> area_of_changed_rois();
     [[nodiscard]] QPixmap background();
+    [[nodiscard]] set<string> units_reached_on_view();
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
+    [[nodiscard]] int look_of(const string& key, const set<string>& reached);
     void paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached);
 
     // ---- Tracking
@@ -404,12 +407,12 @@ private:
     std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
     int m_drawn_time_point = -1;                       // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
-    QRect m_area_to_paint;            // of the picture; null: all of it
+    QRect m_area_to_paint;    // what myPaint() and drawROI(), whose signatures are fixed, paint; null: all
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
     unsigned long m_edits = 0;        // counts the changes of units, links and elite marks
     int m_runs = 0;                   // the runs going on, one inside the other
     int m_busy_runs = 0;              // those of them that a person waits for
-    int m_quiet_steps = 0;            // how many steps of a run are done between two looks for events
+    int m_steps_between_looks = 0;    // how many steps of a run are done between two looks for events
     int m_steps_to_skip = 0;          // how many of them are left
     int m_event_depth = 0;            // handlers waiting for the events that they let be processed
     bool m_closing = false;

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int not_shown = -2;    // where others have the index of their colour
+
 QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
 
 }    // namespace
@@ -42,26 +44,39 @@ void ORVBrowser::refresh_picture()
     frame_canvas->set_picture(m_pix);
 }
 
-// Paints anew, at once, where these ROIs of the plane on view are, when the rest of the picture is up to
-// date. Lineage lines may cross any place.
-void ORVBrowser::paint_rois_anew(const set<string>& keys)
+// Brings the picture up to date at once, like show_changes(), when only the looks of ROIs may have
+// changed: paints anew only where they have. Lineage lines may cross any place.
+void ORVBrowser::show_changed_rois()
 {
     const QPixmap* const image = isOpen() ? m_imgdb->cached(m_time_point, m_focal_plane) : nullptr;
-    const bool is_rest_current =
-        is_picture_current() && !m_show_centroid && image && image->size() == m_pix.size();
-    dirty = true;
-    if (!is_rest_current || !isVisible() || !updatesEnabled()) {
-        paint_canvas();
+    const bool can_paint_parts = isVisible() && updatesEnabled() && is_picture_current() &&
+                                 !m_show_centroid && image && image->size() == m_pix.size();
+    const std::optional<QRect> area = can_paint_parts ? area_of_changed_rois() : std::nullopt;
+    if (!area) {
+        show_changes();
         return;
     }
-    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois)
-        if (r.raster && keys.contains(*r.key))
-            m_area_to_paint |= rect_of(r.box);
-    dirty = false;
+    if (area->isNull())
+        return;
     frame_canvas->release_picture();
+    m_area_to_paint = *area;
     myPaint();
-    frame_canvas->set_changed_picture(m_pix, m_area_to_paint);
-    frame_canvas->repaint(std::exchange(m_area_to_paint, QRect()));
+    m_area_to_paint = QRect();
+    frame_canvas->show_changed_picture(m_pix, *area);
+}
+
+// Where ROIs look otherwise than the picture shows them. Nothing when that is not known of each.
+std::optional<QRect> ORVBrowser::area_of_changed_rois()
+{
+    const set<string> reached = units_reached_on_view();
+    QRect area;
+    for (const plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+        if (r.painted_as == plane_roi::not_painted)
+            return std::nullopt;
+        if (r.painted_as != look_of(*r.key, reached))
+            area |= rect_of(r.box);
+    }
+    return area;
 }
 
 void ORVBrowser::myPaint()
@@ -91,8 +106,8 @@ QPixmap ORVBrowser::background()
         covered = frame_canvas->rect();
     else if (isOpen())
         for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
-            m_q_roiimgdb->raster_of(r);
-            covered |= rect_of(r.box) & frame_canvas->rect();
+            if (m_q_roiimgdb->raster_of(r)->size() > 0)
+                covered |= rect_of(r.box) & frame_canvas->rect();
         }
     if (covered == image.rect())
         return image;
@@ -108,9 +123,7 @@ void ORVBrowser::drawROI(QPixmap& pix)
 {
     if (!isOpen())
         return;
-    const set<string> reached = m_lineage_mode_roi_set.empty()
-                                    ? set<string>()
-                                    : units_reached_at(m_time_point, *m_lineage_mode_roi_set.begin());
+    const set<string> reached = units_reached_on_view();
     QPainter painter(&pix);
     if (!m_area_to_paint.isNull())
         painter.setClipRect(m_area_to_paint);
@@ -121,7 +134,14 @@ void ORVBrowser::drawROI(QPixmap& pix)
     }
 }
 
-// `reached` holds the units of the time point on view that descend from the lineage head or led to it.
+// The units of the time point on view that descend from the lineage head or led to it.
+std::set<std::string> ORVBrowser::units_reached_on_view()
+{
+    return m_lineage_mode_roi_set.empty() ? set<string>()
+                                          : units_reached_at(m_time_point, *m_lineage_mode_roi_set.begin());
+}
+
+// `reached` holds the units_reached_on_view().
 int ORVBrowser::color_index(const string& key, const set<string>& reached)
 {
     const std::string unit = head(key);
@@ -145,12 +165,21 @@ int ORVBrowser::color_index(const string& key, const set<string>& reached)
     return s;
 }
 
+// The index of its colour, or not_shown.
+int ORVBrowser::look_of(const string& key, const set<string>& reached)
+{
+    const int s = color_index(key, reached);
+    const bool is_hidden = m_show_tracked_rois_mode && (s & (FORWARD | BACKWARD)) == 0;
+    return is_hidden ? not_shown : s;
+}
+
 void ORVBrowser::paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached)
 {
-    const int s = color_index(*r.key, reached);
-    if (m_show_tracked_rois_mode && (s & (FORWARD | BACKWARD)) == 0)
+    const int look = look_of(*r.key, reached);
+    r.painted_as = look;
+    if (look == not_shown)
         return;
-    painter.setPen(QPen(color[s], 1, Qt::SolidLine));
+    painter.setPen(QPen(color[look], 1, Qt::SolidLine));
     const QPolygon& outline = m_q_roiimgdb->raster_of(r)->qpointarray();
     if (outline.size() == 1)
         painter.drawPoint(outline.first());

@@ -191,9 +191,8 @@ void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
     if (std::string key = xyROI(at.x(), at.y()); !key.empty())
         under_pointer.insert(std::move(key));
     if (under_pointer != m_mouse_over_roi_set) {
-        under_pointer.swap(m_mouse_over_roi_set);
-        under_pointer.insert(m_mouse_over_roi_set.begin(), m_mouse_over_roi_set.end());
-        paint_rois_anew(under_pointer);
+        m_mouse_over_roi_set = std::move(under_pointer);
+        show_changed_rois();
     } else if (dirty) {
         paint_canvas();
     }

@@ -185,7 +185,11 @@ void ORVBrowser::build_roidb()
 
 void ORVBrowser::build_imgdb() { m_imgdb = std::make_unique<ImageDB>(); }
 
-void ORVBrowser::build_q_roiimgdb() { m_q_roiimgdb = std::make_unique<q_roiimgdb>(); }
+void ORVBrowser::build_q_roiimgdb()
+{
+    ++m_recording;    // a run that holds rasters must end
+    m_q_roiimgdb = std::make_unique<q_roiimgdb>();
+}
 
 void ORVBrowser::pushButton_read_clicked()
 {

@@ -11,6 +11,9 @@
 
 namespace {
 
+// Making a raster takes about as long as this many comparisons of two ROIs.
+constexpr int steps_of_a_raster = 64;
+
 // One ROI from which the flood looks at one plane.
 struct flood_level {
     q_roiimg* from;
@@ -25,11 +28,12 @@ double shared_ratio(q_roiimg* a, q_roiimg* b)
     return std::min(shared / a->size(), shared / b->size());
 }
 
-bool is_reached(q_roiimg* from, q_roiimg* raster, double mor_t, double mor_z)
+// REQUIRES: r.raster
+bool is_reached(q_roiimg* from, const plane_roi& r, double mor_t, double mor_z)
 {
     if (mor_t == 0.0 && mor_z == 0.0)
-        return is_overlap(from, raster);
-    return shared_ratio(from, raster) > (from->t() != raster->t() ? mor_t : mor_z);
+        return r.box.meets(from->box()) && is_overlap(from, r.raster);
+    return shared_ratio(from, r.raster) > (from->t() != r.record->t() ? mor_t : mor_z);
 }
 
 }    // namespace
@@ -63,13 +67,13 @@ void ORVBrowser::flood(const roi& r_from, int t, int z, double mor_t, double mor
             levels.pop_back();
             continue;
         }
-        if (!run.poll_events())
+        if (!run.poll_events(r->raster ? 1 : steps_of_a_raster))
             return;
         if (level.walk.is_stale())    // r may be gone: look again
             continue;
         q_roiimg* const raster = m_q_roiimgdb->raster_of(*r);
-        if (!r->box.meets(level.from->box()) || !is_reached(level.from, raster, mor_t, mor_z) ||
-            m_removed_roi_set.contains(*r->key) || !take(*r->key))
+        if (!is_reached(level.from, *r, mor_t, mor_z) || m_removed_roi_set.contains(*r->key) ||
+            !take(*r->key))
             continue;
         const int plane = level.z;
         look_at(raster, plane + 1);
@@ -134,8 +138,8 @@ void ORVBrowser::zTracking(int t)
     LongRun run(*this);
     for_each_marked(t, m_selected_roi_set, [&](roi& r) {
         checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
-        if (run.alive() && m_roidb->db.contains(keygen(r)))
-            checkAdjacentFocalPlane(r, t, r.z() + 1, &m_selected_roi_set, 0.0, 0.5);
+        if (roi as_it_is_now(r, {}); run.alive() && m_roidb->find(as_it_is_now))
+            checkAdjacentFocalPlane(as_it_is_now, t, r.z() + 1, &m_selected_roi_set, 0.0, 0.5);
     });
 }
 

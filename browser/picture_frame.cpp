@@ -10,10 +10,10 @@ void PictureFrame::set_picture(const QPixmap& picture)
     update();
 }
 
-void PictureFrame::set_changed_picture(const QPixmap& picture, const QRect& changed)
+void PictureFrame::show_changed_picture(const QPixmap& picture, const QRect& changed)
 {
     _picture = picture;
-    update(changed);
+    repaint(changed);
 }
 
 void PictureFrame::paintEvent(QPaintEvent* e)

@@ -10,9 +10,10 @@ public:
     // Shows this picture from now on; an empty one leaves the frame blank.
     void set_picture(const QPixmap& picture);
 
-    // Lets go of the picture, so that its owner can change a part of it in place, and takes it back.
+    // Lets go of the picture, so that its owner can change a part of it in place; takes it back and
+    // repaints that part at once.
     void release_picture() { _picture = QPixmap(); }
-    void set_changed_picture(const QPixmap& picture, const QRect& changed);
+    void show_changed_picture(const QPixmap& picture, const QRect& changed);
 
     [[nodiscard]] const QPixmap& picture() const noexcept { return _picture; }
 

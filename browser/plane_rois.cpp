@@ -2,7 +2,8 @@
 
 #include "keygen.h"
 
-plane_rois::plane_rois(const roidb_plus& roidb, int t, int z) : revision(roidb.revision())
+plane_rois::plane_rois(const roidb_plus& roidb, int t, int z)
+    : _revision(roidb.revision()), _records(roidb.db.size()), _entries(roidb.tz_xy_db.size())
 {
     const auto [first, last] = roidb.tz_xy_db.equal_range(keygen(pos4i(0, 0, z, t)));
     for (auto entry = first; entry != last; ++entry) {

@@ -21,7 +21,7 @@ public:
     }
 
     // True iff ROIs came or went since the walk started: what next() yielded may be gone.
-    [[nodiscard]] bool is_stale() const noexcept { return _plane->revision != _roidb->revision(); }
+    [[nodiscard]] bool is_stale() const noexcept { return !_plane->is_current(*_roidb); }
 
 private:
     void start()

@@ -19,17 +19,19 @@ q_roiimg* q_roiimgdb::qrimg(const roi& r)
         return found->second;
     auto raster = std::make_unique<q_roiimg>(r);
     raster->map();
-    if (!_kept_around || *_kept_around != r.t()) {
+    if (_kept_around != r.t() || _kept != db.size()) {
         drop_far_from(r.t());
         _kept_around = r.t();
     }
-    return db.emplace(std::move(key), raster.release()).first->second;
+    q_roiimg* const made = db.emplace(std::move(key), raster.release()).first->second;
+    _kept = db.size();
+    return made;
 }
 
 std::shared_ptr<plane_rois> q_roiimgdb::plane(const roidb_plus& roidb, int t, int z)
 {
     auto& known = _planes[{t, z}];
-    if (!known || known->revision != roidb.revision())
+    if (!known || !known->is_current(roidb))
         known = std::make_shared<plane_rois>(roidb, t, z);
     return known;
 }

@@ -53,7 +53,9 @@ private:
     void drop(position first, position last);
     void drop_far_from(int t);
 
-    std::optional<int> _kept_around;    // the time point of the raster made last: no others lie far from it
+    // The time point of the raster made last, and how many there were then: none of them lies far from it.
+    std::optional<int> _kept_around;
+    std::size_t _kept = 0;
     std::vector<std::unique_ptr<q_roiimg>> _dropped;
     std::map<std::pair<int, int>, std::shared_ptr<plane_rois>> _planes;    // by time point and focal plane
 };

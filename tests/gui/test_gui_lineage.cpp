@@ -50,7 +50,7 @@ private slots:
         QCOMPARE(s.w.m_members_head.size(), std::size_t(12));
         QCOMPARE(s.w.m_linkage_multimap.size(), std::size_t(4));
         QCOMPARE(s.w.parents("002020122050"), (std::set<std::string>{"001020121050"}));
-        QVERIFY(!s.w.m_make_units && s.w.m_make_unit_roi_set.empty());
+        QVERIFY(!s.w.m_auto_make_units);
         s.w.m_elite_head_roi_set = {"000020100050", "002020122050"};
         s.page->elite->click();    // of the time point on view one of two is: both become
         QCOMPARE(s.w.m_elite_head_roi_set.size(), std::size_t(3));

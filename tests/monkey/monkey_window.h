@@ -33,15 +33,15 @@ public:
         if (!all(findChildren<QWidget*>(),
                  [this](const QWidget* w) { return w->isEnabled() == may_be_used(w); }))
             return "controls are enabled as the recording is open or closed";
-        if (cursor().shape() == Qt::WaitCursor || access.is_busy() || m_auto_split || m_make_units ||
+        if (cursor().shape() == Qt::WaitCursor || access.is_busy() || m_auto_split || m_auto_make_units ||
             page->auto_split->isChecked() || m_auto != pushButton_auto->isChecked() || !updatesEnabled())
             return "a run leaves nothing behind";
         if (!is_open())
             return nullptr;
-        if (m_roidb->db.size() != m_roidb->tz_xy_db.size() || !all(m_roidb->db, [this](const auto& entry) {
+        if (m_roidb->db.size() > m_roidb->tz_xy_db.size() || !all(m_roidb->db, [this](const auto& entry) {
                 return entry.first == keygen(entry.second) && is_indexed(entry.second);
             }))
-            return "each ROI has one entry in the index";
+            return "each ROI has an entry in the index (a record that a file holds twice has two)";
         if (m_head_members.size() != m_members_head.size() ||
             !all(m_head_members, [this](const auto& unit) { return head(unit.second) == unit.first; }))
             return "heads and members mirror each other";
