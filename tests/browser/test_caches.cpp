@@ -54,6 +54,8 @@ TEST(raster_cache, hands_out_one_mapped_raster_a_roi_that_outlives_its_entry)
 
 TEST(image_cache, keeps_its_window_and_plane_0_of_the_time_point_after_it)
 {
+    int no_arguments = 0;
+    const QGuiApplication application(no_arguments, nullptr);    // pixmaps need one
     const temp_folder folder;
     const QString name = QString::fromStdString(folder.path("a.jpg"));
     ASSERT_TRUE(QImage(4, 3, QImage::Format_Grayscale8).save(name));
@@ -75,10 +77,3 @@ TEST(image_cache, keeps_its_window_and_plane_0_of_the_time_point_after_it)
 }
 
 }    // namespace
-
-int main(int argc, char** argv)
-{
-    const QGuiApplication application(argc, argv);    // pixmaps need one
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -36,6 +36,11 @@ TEST(roimaker, answers_the_regions_of_a_mask_from_the_top)
         {"3\n2\n000\n000\n", "0\n"},
         {"2\n2\n01\n10\n", "2\nregion 1 pixels 1\n1 1 0 2301\nregion 2 pixels 1\n2 0 1 2301\n"},
         {"3\n3\n111\n101\n111\n", "1\nregion 1 pixels 8\n1 0 0 222333000111\n"},
+        {"3\n3\n110\n101\n111\n", "1\nregion 1 pixels 7\n1 0 0 2223330012103011\n"},    // touches itself
+        {"5\n5\n11111\n10001\n10101\n10001\n11111\n",
+         "2\nregion 1 pixels 16\n1 0 0 22222333330000011111\nregion 2 pixels 1\n2 2 2 2301\n"},
+        {"2\n2\n01\n11\n", "1\nregion 1 pixels 3\n1 1 0 21233001\n"},
+        {"3\n3\n110\n001\n001\n", "2\nregion 1 pixels 2\n1 0 0 233011\nregion 2 pixels 2\n2 2 1 223001\n"},
         {"3\n1\n709", "2\nregion 1 pixels 1\n1 0 0 2301\nregion 2 pixels 1\n2 2 0 2301\n"},
         {"1\n1\n1\nmore", "1\nregion 1 pixels 1\n1 0 0 2301\n"},
         {"4096\n1\n" + std::string(4096, '0'), "0\n"},

@@ -45,8 +45,8 @@ TEST(make_demo, tracks_and_outlines_tell_one_story)
         EXPECT_TRUE(!k.parent || r.embryo.tracks[k.parent - 1].last + 1 == k.first) << k.label;
     }
     daughters.erase(0);
-    EXPECT_FALSE(daughters.empty());
-    EXPECT_TRUE(std::ranges::all_of(daughters, [](const auto& d) { return d.second == 2; }));
+    EXPECT_TRUE(!daughters.empty() &&
+                std::ranges::all_of(daughters, [](const auto& d) { return d.second == 2; }));
     std::string last_key;
     for (const demo_detection& d : r.detections) {
         const std::string key = roidb::keygen(d.outline);
@@ -54,11 +54,6 @@ TEST(make_demo, tracks_and_outlines_tell_one_story)
         std::vector<unsigned char> image(220 * 180);
         EXPECT_TRUE(fill_outline({d.outline.x(), d.outline.y()}, d.outline.outline(), image, 220, 180))
             << key;
-        const pos3d start(d.outline.x(), d.outline.y(), d.outline.z() * plane_step);
-        const bool holds_start = std::ranges::any_of(r.embryo.nuclei[d.outline.t()], [&](const auto& n) {
-            return (n.label == d.label || n.label == d.other) && n.in_own_axes(start - n.centre).size() < 1;
-        });
-        EXPECT_TRUE(holds_start || d.label == 0) << key;
     }
 }
 
@@ -67,14 +62,12 @@ TEST(make_demo, wrong_arguments_are_one_line_and_write_nothing)
     const temp_folder folder;
     fs::create_directories(folder.path("blocked/demo/000-001.jpg"));    // where an image should go
     for (const std::string arguments :
-         {"", "a b", "--planes", "--unknown out", "--planes 0 out", "--planes 12x out", "--width 1001 out",
-          "--missing nan out", "--name ../up out", "--seed -1 out", "--no-images /dev/null",
-          "--time-points 1 --planes 2 blocked"}) {
-        const int exit_code = arguments.ends_with("null") || arguments.ends_with("blocked") ? 1 : 2;
+         {"", "a b", "--planes", "--unknown out", "--planes 0 out", "--planes 12x out", "--missing nan out",
+          "--name ../up out", "--no-images /dev/null", "--time-points 1 --planes 2 blocked"}) {
+        const int status = arguments.ends_with("null") || arguments.ends_with("blocked") ? 1 : 2;
         const std::string command = "cd " + folder.path("") + " && " MAKE_DEMO " " + arguments + " 2> lines";
-        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), exit_code) << arguments;
-        const std::string lines = folder.contents("lines");
-        EXPECT_EQ(lines.find('\n'), lines.size() - 1) << arguments << '\n' << lines;
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), status) << arguments;
+        EXPECT_EQ(std::ranges::count(folder.contents("lines"), '\n'), 1) << arguments;
     }
     EXPECT_EQ(folder.files(), 2) << "the lines and the blocked one";
     EXPECT_FALSE(fs::exists(folder.path("blocked/demo.roi")));

@@ -51,31 +51,6 @@ TEST(outline, encloses_exactly_the_regions_with_their_holes)
     }
 }
 
-TEST(outline, walks_typed_pictures)
-{
-    const std::tuple<int, std::string, std::string> cases[] = {
-        {3, "... ...", ""},
-        {3, "##. ..# ..#", "0,0 233011 2; 2,1 223001 2; "},
-        {3, "#.# .#. #..", "0,0 2301 1; 2,0 2301 1; 1,1 2301 1; 0,2 2301 1; "},
-        {3, "##. #.# ###", "0,0 2223330012103011 7; "},    // touches its own corner
-        {5, "##### #...# #.#.# #...# #####", "0,0 22222333330000011111 16; 2,2 2301 1; "},
-        {2, ".# ##", "1,0 21233001 3; "},
-    };
-    for (const auto& [width, rows, answer] : cases) {
-        pixels mask;
-        for (const char c : rows)
-            if (c != ' ')
-                mask.push_back(c == '#');
-        std::string walks;
-        for (const auto& [start, chain, count] :
-             outline_regions(mask, width, static_cast<int>(mask.size()) / width))
-            walks += std::to_string(start.x()) + ',' + std::to_string(start.y()) + ' ' + chain + ' ' +
-                     std::to_string(count) + "; ";
-        EXPECT_EQ(walks, answer) << rows;
-    }
-    EXPECT_TRUE(outline_regions({}, 0, 0).empty());
-}
-
 TEST(outline, large_masks_neither_recurse_nor_crawl)
 {
     constexpr int side = 4096;
@@ -86,16 +61,6 @@ TEST(outline, large_masks_neither_recurse_nor_crawl)
     ASSERT_EQ(regions.size(), 1u);
     EXPECT_EQ(regions.front().pixels, side / 2 * (side - 1) + side);
     EXPECT_EQ(enclosed_pixels(regions.front().chain), regions.front().pixels);
-}
-
-TEST(outline, area_and_closure_of_any_chain)
-{
-    const std::tuple<const char*, long long, bool> cases[] = {
-        {"", 0, true}, {"3210", -1, true}, {"2 3x0\n1", 1, true}, {"22", 0, false}, {"230", 1, false}};
-    for (const auto& [chain, area, closed] : cases) {
-        EXPECT_EQ(is_closed(chain), closed) << chain;
-        EXPECT_EQ(enclosed_pixels(chain), area) << chain;
-    }
 }
 
 }    // namespace

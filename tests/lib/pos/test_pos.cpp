@@ -1,12 +1,9 @@
-// Arithmetic, lengths and printing of positions and vectors.
+// Arithmetic and lengths of positions and vectors.
 #include "ORV_pos.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <sstream>
-
-namespace {
 
 TEST(pos, arithmetic_and_size_take_every_coordinate)
 {
@@ -29,13 +26,3 @@ TEST(pos, vectors_follow_ieee_arithmetic)
     EXPECT_EQ(inner_product({1, 2, 3}, {5, 7, 11}), 52);
     EXPECT_EQ(inner_product({1e16, -1e16, 1}, {1, 1, 1}), 1);    // another order gives 0
 }
-
-TEST(pos, prints_with_single_blanks_between)
-{
-    using keys = std::set<std::string>;
-    std::ostringstream out;
-    out << pos3d(0.5, 1.0 / 3, -1) << '|' << keys{} << '|' << keys{"a"} << '|' << keys{"002", "001"};
-    EXPECT_EQ(out.str(), "0.5 0.333333 -1||a|001 002");
-}
-
-}    // namespace

@@ -65,17 +65,6 @@ public:
     explicit mapped(roi r) : roiimg(std::move(r)) { map(); }
 };
 
-TEST(roi_mask, walks_its_points_and_has_nothing_outside_its_box)
-{
-    roiimg cross({1, 0, 0, 0, "212323030101"});
-    EXPECT_EQ(cross.value(0, 0), -1) << "no mask yet";
-    EXPECT_EQ(cross.points(),
-              (std::list<pos2i>{{1, 0}, {1, 1}, {0, 1}, {1, 1}, {1, 2}, {1, 1}, {2, 1}, {1, 1}, {1, 0}}));
-    cross.map();
-    for (const pos2i p : {pos2i(-1, 0), pos2i(0, -1), pos2i(cross.width(), 0), pos2i(0, cross.height())})
-        EXPECT_EQ(cross.value(p.x(), p.y()), 0);
-}
-
 TEST(roi_mask, fills_any_outline_by_the_rules)
 {
     std::mt19937 random(3);

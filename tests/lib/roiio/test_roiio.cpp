@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 TEST(roiio, reads_time_point_and_focal_plane_back_from_the_name)
 {
     const std::pair<const char*, pos2i> cases[] = {
@@ -52,5 +50,3 @@ TEST(roiio, delivers_complete_records_up_to_the_first_that_is_none)
         EXPECT_TRUE(plane.fail() && plane.filename == name) << name;
     }
 }
-
-}    // namespace
