@@ -1,32 +1,14 @@
-// What is drawn: the image, and each ROI in the colour of its state.
+// What is drawn: the image, and each ROI in the colour of its state; the file with the colours.
 #include "../support/captured_lines.h"
 #include "../support/editing.h"
 
 #include <QRegularExpression>
-
-#include <functional>
 
 namespace {
 
 // The square and the point of the recording, as keys of time point 1.
 const std::string square = "001020010005";
 const std::string point = "001020030025";
-const std::string earlier = "000020010005";    // the square of time point 0
-
-// Puts an ROI in a unit of its own.
-void make_unit(WindowProbe& w, const std::string& key)
-{
-    w.m_members_head.emplace(key, key);
-    w.m_head_members.emplace(key, key);
-}
-
-void choose_lineage_head(WindowProbe& w, const std::string& head)
-{
-    for (const std::string& key : {square, point, earlier})
-        make_unit(w, key);
-    w.m_linkage_multimap.emplace(square, earlier);
-    w.m_lineage_mode_roi_set = {head};
-}
 
 const char untouched[] = "#a8a8ff";
 
@@ -51,11 +33,28 @@ const state_row state_table[] = {
     {"and selected", [](WindowProbe& w) { w.m_removed_roi_set = w.m_selected_roi_set = {square}; },
      "#ffffff"},
     {"the other", [](WindowProbe& w) { w.m_selected_roi_set = {point}; }, untouched, false, "#00ffda"},
-    {"elite", [](WindowProbe& w) { make_unit(w, square), w.m_elite_head_roi_set = {square}; }, "#ffff00"},
+    {"elite", [](WindowProbe& w) { put_unit(w, {square}), w.m_elite_head_roi_set = {square}; }, "#ffff00"},
     {"elite, no unit", [](WindowProbe& w) { w.m_elite_head_roi_set = {square}; }, untouched, false},
-    {"lineage head", [](WindowProbe& w) { choose_lineage_head(w, square); }, "#ff5555", false},
-    {"reached", [](WindowProbe& w) { choose_lineage_head(w, earlier); }, "#ff8f00"},
-    {"not reached", [](WindowProbe& w) { choose_lineage_head(w, point); }, untouched, false, "#ff5555"},
+};
+
+struct config_row {
+    const char* what;
+    const char* words;    // null when there is no file
+    int index;
+    const char* color;                 // null for the toolkit's invalid colour
+    const char* others = "#ffffff";    // of entry 66, which no file names
+};
+
+const config_row config_table[] = {
+    {"no file", nullptr, 31, "#00ffda", "#f7c3ff"},
+    {"lineage head", nullptr, 4, "#ff5555", "#f7c3ff"},
+    {"lines do not count", "DEFAULT\n#a8a8ff SELECTED\n\n\t#00ffda\n", 31, "#00ffda"},
+    {"removed", "xREMOVEDx_HIGHLIGHT #010203", 111, "#010203"},
+    {"lower case is no keyword", "SELECTED #010203 selected #040506", 31, "#010203"},
+    {"the later pair counts", "FORWARD red FORWARD #010203", 1, "#010203"},
+    {"no color", "FORWARD reddish", 1, nullptr},
+    {"a word and blanks too many", "FORWARD #010203 FORWARD \n", 1, "#010203"},
+    {"empty", "", 31, "#ffffff"},
 };
 
 bool is_bare(QColor color) { return color.hslSaturation() < 9; }    // the grey of the image
@@ -91,44 +90,31 @@ private slots:
         QCOMPARE(drawn, 12 + 1);    // the border of the square, the point
         w.focusUp();
         QVERIFY2(is_bare(w.shown(10, 5)), "the plane has no ROIs");
-        const QImage screen = w.grab().toImage();
-        QCOMPARE(screen.pixelColor(10 + 30, 10 + 20), w.shown(30, 20));    // unscaled, from the top left
-        QCOMPARE(screen.pixelColor(10 + 61, 10 + 20), w.palette().color(QPalette::Window));
     }
 
     void roisAreShownWithoutTheirImage()
     {
         const SmallRecording recording;
         const QString image = recording.path("tiny/000-020.jpg");
-        const auto write = [&](QSize size, QImage::Format format, const char* as) {
-            QImage picture(size, format);
-            picture.fill(Qt::red);
-            QVERIFY(picture.save(image, as, 100));
-        };
-        const std::pair<std::function<void()>, QString> cases[] = {
-            {[&] { QFile::remove(image); }, "Cannot find " + image},
-            {[&] { (void)recording.folder.with("tiny/000-020.jpg", "no picture"); }, "Cannot find " + image},
-            {[&] {
-                 write({12, 8}, QImage::Format_RGB32, "JPEG");
-             },
-             "Image smaller than its ROIs: " + image},
-            {[&] {
-                 write({700, 620}, QImage::Format_RGB32, "JPEG");
-             },
-             ""},
-            {[&] {
-                 write({60, 40}, QImage::Format_Grayscale16, "PNG");
-             },
-             ""},
-            {[&] {
-                 write({60, 40}, QImage::Format_Grayscale8, "JPEG"),
-                     QFile::resize(image, QFileInfo(image).size() - 8);
-             },
-             ""}};
+        const struct {
+            QSize size;    // none: no picture
+            const char* as;
+            QImage::Format format;
+            int bytes_lost;
+            QString line;
+        } cases[] = {{{}, "", {}, 0, "Cannot find " + image},
+                     {{12, 8}, "JPEG", QImage::Format_RGB32, 0, "Image smaller than its ROIs: " + image},
+                     {{700, 620}, "JPEG", QImage::Format_RGB32, 0, ""},
+                     {{60, 40}, "PNG", QImage::Format_Grayscale16, 0, ""},
+                     {{60, 40}, "JPEG", QImage::Format_Grayscale8, 8, ""}};
         QTest::ignoreMessage(QtWarningMsg,
                              QRegularExpression("premature end"));    // the one line of the last
-        for (const auto& [damage, line] : cases) {
-            damage();
+        for (const auto& [size, as, format, bytes_lost, line] : cases) {
+            (void)recording.folder.with("tiny/000-020.jpg", "no picture");
+            QImage picture(size, format);
+            picture.fill(Qt::red);
+            QCOMPARE(picture.save(image, as, 100), size.isValid());
+            QFile::resize(image, QFileInfo(image).size() - bytes_lost);
             CapturedLines errors(std::cerr);
             OpenWindow w(recording);
             w.repaint();
@@ -140,17 +126,37 @@ private slots:
         }
     }
 
-    void withoutARecordingNothingIsDrawn()
+    void theFileDecidesTheTable()
     {
         CapturedLines errors(std::cerr);
-        ShownWindow w;
-        w.repaint();
-        w.myPaint();
-        QPixmap pix(8, 8);
-        pix.fill(Qt::red);
-        w.drawROI(pix);
-        QCOMPARE(pix.toImage().pixelColor(4, 4), QColor(Qt::red));
-        QVERIFY(w.m_pix.isNull() && w.frame_canvas->picture().isNull());
+        for (const auto& row : config_table) {
+            const temp_folder home;
+            qputenv("HOME", home.path("").c_str());
+            if (row.words)
+                (void)home.with(".orvbrowser", row.words);
+            const WindowProbe w;
+            QVERIFY2(w.color[row.index] == (row.color ? QColor(row.color) : QColor()), row.what);
+            QVERIFY2(w.color[66] == QColor(row.others), row.what);
+        }
+        qunsetenv("HOME");
+        QCOMPARE(WindowProbe().color[66], QColor("#f7c3ff"));
+        QVERIFY(errors.take().isEmpty());
+    }
+
+    void readingTheFileAgainShowsItAtOnce()
+    {
+        const SmallRecording recording;
+        const temp_folder home;
+        qputenv("HOME", home.path("").c_str());
+        OpenWindow w(recording);
+        w.color[5] = Qt::green;
+        CapturedLines errors(std::cerr);
+        w.pushButton_reload_config_file_clicked();
+        QCOMPARE(errors.take(), {"Cannot find the config file in your home directory."});
+        QVERIFY(w.color[5] == QColor(Qt::green) && w.pictures_since_last_asked() == 0);
+        (void)home.with(".orvbrowser", "DEFAULT #010203");
+        w.pushButton_reload_config_file_clicked();
+        QVERIFY(w.shown(10, 5) == QColor("#010203") && w.color[5] == QColor(Qt::white));
         QVERIFY(errors.take().isEmpty());
     }
 };

@@ -4,8 +4,6 @@
 
 namespace {
 
-using keys = std::set<std::string>;
-
 const std::string square = "000020010005";    // of time point 0
 const std::string point = "000020030025";
 const std::string later = "001020010005";    // the square of time point 1

@@ -9,8 +9,6 @@
 
 namespace {
 
-using keys = std::set<std::string>;
-
 std::string square(int t) { return keygen({10, 5, 20, t}); }    // one at each time point of the recording
 std::string point(int t) { return keygen({30, 25, 20, t}); }
 std::string column(int z, int t) { return keygen({40, 10, z, t}); }
@@ -38,10 +36,11 @@ void drop_the_column(WindowProbe& w)
 
 class TestGuiTracking : public QObject {
     Q_OBJECT
+    const SmallRecording other{"other", 2, 3}, recording;
+
 private slots:
     void oneSharedPixelIsEnoughAndARemovedRoiBlocks()
     {
-        const SmallRecording recording;
         for (const int step : {1, -1}) {
             OpenWindow w(recording);
             const int t = 2 + step;
@@ -50,39 +49,34 @@ private slots:
             const std::string below = put_roi(w, {46, 16, 21, t}), behind = put_roi(w, {46, 16, 22, t});
             put_roi(w, {39, 14, 20, t});    // touches, but shares nothing
             put_roi(w, {40, 10, 22, t});    // on a plane that is not reached
-            const struct {
-                keys selected, removed, reached;
-            } cases[] = {{{start}, {}, {start, twin, above, next, below, behind}},
-                         {{start}, {below}, {start, twin, above, next}},
-                         {{start}, {next}, {start, twin, above}},
-                         {{start}, {start}, {}},
-                         {{square(2), point(2)}, {}, {square(2), point(2), square(t), point(t)}}};
-            for (const auto& c : cases) {
+            const std::tuple<keys, keys, keys> cases[] = {
+                {{start}, {}, {start, twin, above, next, below, behind}},
+                {{start}, {below}, {start, twin, above, next}},
+                {{start}, {next}, {start, twin, above}},
+                {{start}, {start}, {}},
+                {{square(2), point(2)}, {}, {square(2), point(2), square(t), point(t)}}};
+            for (const auto& [selected, removed, reached] : cases) {
                 w.m_fwd_roi_set = w.m_bwd_roi_set = {};
-                w.m_selected_roi_set = c.selected, w.m_removed_roi_set = c.removed;
+                w.m_selected_roi_set = selected, w.m_removed_roi_set = removed;
                 w.setCurrentTimePoint(2);
                 (step > 0 ? w.pushButton_forward_tracking : w.pushButton_backward_tracking)->click();
-                QCOMPARE(step > 0 ? w.m_fwd_roi_set : w.m_bwd_roi_set, c.reached);
-                QVERIFY(w.m_time_point == t && w.m_selected_roi_set == c.selected && is_at_rest(w));
+                QCOMPARE(step > 0 ? w.m_fwd_roi_set : w.m_bwd_roi_set, reached);
+                QVERIFY(w.m_time_point == t && w.m_selected_roi_set == selected && is_at_rest(w));
             }
         }
     }
 
     void throughZMoreThanHalfOfTheLargerMustBeShared()
     {
-        const SmallRecording recording;
-        struct next_plane {
-            int x, width, joined;
-        };    // beside 8 pixels from x = 20
-        for (const auto& c :
-             {next_plane{24, 8, 0}, {23, 8, 1}, {22, 4, 0}, {22, 5, 1}, {15, 16, 0}, {15, 15, 1}})
+        const int cases[][3] = {{24, 8, 0}, {23, 8, 1}, {22, 4, 0}, {22, 5, 1}, {15, 16, 0}, {15, 15, 1}};
+        for (const auto& [x, width, joined] : cases)    // beside 8 pixels from x = 20
             for (const int step : {1, -1}) {
                 OpenWindow w(recording);
                 keys expected = {put_roi(w, {20, 30, 20, 0}, 8, 1), square(1)};
                 w.m_selected_roi_set = expected;
                 for (const int planes : {1, 2})
-                    if (put_roi(w, {c.x, 30, 20 + planes * step, 0}, c.width, 1); c.joined)
-                        expected.insert(keygen({c.x, 30, 20 + planes * step, 0}));
+                    if (put_roi(w, {x, 30, 20 + planes * step, 0}, width, 1); joined)
+                        expected.insert(keygen({x, 30, 20 + planes * step, 0}));
                 QTest::keyClick(&w, Qt::Key_Z);
                 QCOMPARE(w.m_selected_roi_set, expected);
                 QVERIFY(w.m_fwd_roi_set.empty() && w.m_time_point == 0 && is_at_rest(w));
@@ -91,7 +85,6 @@ private slots:
 
     void autoRunsToTheEndAndNoFurther()
     {
-        const SmallRecording recording;
         OpenWindow w(recording);
         w.m_make_units = true;    // of what is reached
         w.m_unit_roi_head = {10, 5, 20, 0, ""}, w.m_members_head = {{square(1), "kept"}};
@@ -111,45 +104,35 @@ private slots:
 
     void theDepthOfTheDataIsNotThatOfTheStack()
     {
-        const SmallRecording recording;
         OpenWindow w(recording);
         for (int z = 0; z < 1000; ++z)
             put_roi(w, {40, 10, z, 1});
         w.m_selected_roi_set = {put_roi(w, {40, 10, 20, 0})};
-        std::uintptr_t highest = 0, lowest = UINTPTR_MAX;    // while events are processed
+        std::set<std::uintptr_t> frames;    // while events are processed
         QTimer watch;
-        watch.callOnTimeout([&] {
-            const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-            highest = std::max(highest, here);
-            lowest = std::min(lowest, here);
-        });
+        watch.callOnTimeout(
+            [&] { frames.insert(reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0))); });
         watch.start(0);
         w.forwardTracking(0);
-        QVERIFY(w.m_fwd_roi_set.size() == 1001 && highest - lowest < 1000);
+        QVERIFY(w.m_fwd_roi_set.size() == 1001 && *frames.rbegin() - *frames.begin() < 1000);
     }
 
     void aRunStandsWhateverAPersonDoesMeanwhile()
     {
         constexpr int stopped = -1;    // somewhere before the end
-        const struct {
-            const char* what;
-            void (*action)(WindowProbe&);
-            int ends_at;
-            bool reaches_end = false;
-        } cases[] = {
+        const std::tuple<const char*, void (*)(WindowProbe&), int, bool> cases[] = {
+            // ends at, reaches the end
             {"select", [](WindowProbe& w) { click(w, 30, 25); }, 4, true},
             {"Z", [](WindowProbe& w) { QTest::keyClick(&w, Qt::Key_Z); }, 4, true},
             {"Drop FP", drop_the_column, 4, true},
-            {"Reset", [](WindowProbe& w) { w.pushButton_reset->click(); }, 4},
-            {"Stop", [](WindowProbe& w) { w.pushButton_stop->click(); }, stopped},
-            {"Read ROIs", [](WindowProbe& w) { w.pushButton_read_roifile->click(); }, 2},
-            {"close", [](WindowProbe& w) { w.close_common(); }, 0},
-            {"close the window", [](WindowProbe& w) { w.close(); }, stopped},
-            {"Exit", [](WindowProbe& w) { w.pushButton_exit->click(); }, stopped},
-        };
-        const SmallRecording other("other", 2, 3), recording;
+            {"Reset", [](WindowProbe& w) { w.pushButton_reset->click(); }, 4, false},
+            {"Stop", [](WindowProbe& w) { w.pushButton_stop->click(); }, stopped, false},
+            {"Read ROIs", [](WindowProbe& w) { w.pushButton_read_roifile->click(); }, 2, false},
+            {"close", [](WindowProbe& w) { w.close_common(); }, 0, false},
+            {"close the window", [](WindowProbe& w) { w.close(); }, stopped, false},
+            {"Exit", [](WindowProbe& w) { w.pushButton_exit->click(); }, stopped, false}};
         const CapturedLines lines(std::cout), errors(std::cerr);    // the other's images are elsewhere
-        for (const auto& c : cases)
+        for (const auto& [what, action, ends_at, reaches_end] : cases)
             for (const int nth : {1, 7, 25, 60}) {    // candidate of the run
                 OpenWindow w(recording);
                 for (int i = 0; i < 5 * 4; ++i)
@@ -158,9 +141,9 @@ private slots:
                 w.pushButton_auto->click();
                 const ScriptedDialogs user({other.path("file.roi")});
                 QTimer disturbance;
-                disturbance.callOnTimeout([&, passes = 0]() mutable {
+                disturbance.callOnTimeout([&, act = action, passes = 0]() mutable {
                     if (++passes == nth)
-                        disturbance.stop(), c.action(w);
+                        disturbance.stop(), act(w);
                 });
                 disturbance.start(0);
                 QTimer::singleShot(0, [&w] {
@@ -169,17 +152,16 @@ private slots:
                 });
                 QCoreApplication::exec();
                 QCoreApplication::processEvents();    // also those that ask the program to quit
-                QVERIFY2(c.ends_at == stopped ? w.m_time_point < 4 : w.m_time_point == c.ends_at, c.what);
-                QVERIFY2(!disturbance.isActive() && is_at_rest(w), c.what);
+                QVERIFY2(ends_at == stopped ? w.m_time_point < 4 : w.m_time_point == ends_at, what);
+                QVERIFY2(!disturbance.isActive() && is_at_rest(w), what);
                 QVERIFY2(w.isVisible() || nth > 1 || w.m_fwd_roi_set.empty(), "at once");
-                QVERIFY2(!c.reaches_end || w.m_fwd_roi_set.contains(square(4)), c.what);
-                QVERIFY2(c.ends_at != 2 || (w.m_dataset == "other" && w.m_fwd_roi_set.empty()), c.what);
+                QVERIFY2(!reaches_end || w.m_fwd_roi_set.contains(square(4)), what);
+                QVERIFY2(ends_at != 2 || (w.m_dataset == "other" && w.m_fwd_roi_set.empty()), what);
             }
     }
 
     void aKeyHeldDownDoesNotKeepStopOut()
     {
-        const SmallRecording recording;
         for (const Qt::Key key : {Qt::Key_Z, Qt::Key_Right, Qt::Key_M}) {
             OpenWindow w(recording);
             w.m_selected_roi_set = {square(0)};

@@ -14,11 +14,7 @@ private slots:
         qputenv("XDG_RUNTIME_DIR", folder.path("").c_str());    // else the toolkit adds a line
         const QString unreadable = QString::fromStdString(folder.path(""));
         const QString version = QStringLiteral("orvbrowser " ORV_VERSION "\n");
-        const struct {
-            QStringList words;
-            int status;
-            QString out, err;
-        } cases[] = {
+        const std::tuple<QStringList, int, QString, QString> cases[] = {
             {{"--version"}, 0, version, {}},
             {{"--no-such-option"}, 2, {}, "orvbrowser: Unknown option 'no-such-option'.\n"},
             {{"--image-root"}, 2, {}, "orvbrowser: Missing value after '--image-root'.\n"},
@@ -26,14 +22,13 @@ private slots:
             {{"missing.roi"}, 1, {}, "No such file or directory: missing.roi\n"},
             {{unreadable}, 1, {}, "roidb: Cannot open " + unreadable + "\n"},
         };
-        for (const auto& c : cases) {
+        for (const auto& [words, status, out, err] : cases) {
             QProcess program;
-            program.start(ORVBROWSER, c.words);
+            program.start(ORVBROWSER, words);
             QVERIFY(program.waitForFinished());
-            QCOMPARE(QString(program.readAllStandardError()), c.err);
-            QCOMPARE(QString(program.readAllStandardOutput()), c.out);
-            QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-            QCOMPARE(program.exitCode(), c.status);
+            QCOMPARE(QString(program.readAllStandardError()), err);
+            QCOMPARE(QString(program.readAllStandardOutput()), out);
+            QVERIFY(program.exitStatus() == QProcess::NormalExit && program.exitCode() == status);
         }
     }
 };

@@ -1,18 +1,20 @@
 // monkey - does to the window whatever comes to its mind, and looks each time whether its rules still hold.
 //
-// monkey [--actions N] [--seed S]: the same for the same seed, as far as the clock lets it. Ends with how
-// often it did what, or with the first broken rule and what led to it.
+// monkey [--actions N] [--seed S]: the same for the same seed, as far as the clock lets it. Ends with the
+// first broken rule, if any, and what led to it.
 #include "../support/captured_lines.h"
 #include "../support/editing.h"
 #include "../support/scripted_dialogs.h"
-#include "monkey_window.h"
-#include "swapped_files.h"
+#include "demo_files.h"
+#include "demo_random.h"
+#include "lineage_page.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
 #include <QTimer>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstring>
@@ -21,6 +23,8 @@
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*)());
 
 namespace {
+
+namespace fs = std::filesystem;
 
 char story[1000];    // of the action going on, for when the program dies in it
 
@@ -32,13 +36,141 @@ void note(const QString& what)
     std::snprintf(story + length, sizeof story - length, "%s, ", qPrintable(what));
 }
 
+// ---- The files, which change under the window that has read them
+
+class SwappedFiles {
+public:
+    explicit SwappedFiles(demo_random& random) : _random(random) { restore(); }
+
+    [[nodiscard]] std::string path(const std::string& name) const { return _folder.path(name); }
+
+    // A file with this suffix, mostly one of the recording that is mostly open.
+    [[nodiscard]] std::string of_kind(const std::string& suffix) const
+    {
+        return path((_random.chance(0.7) ? "demo" : _random.chance(0.7) ? "variant" : "other") + suffix);
+    }
+
+    [[nodiscard]] std::string any() const
+    {
+        const std::string image =
+            "/00" + std::to_string(_random.below(6)) + "-00" + std::to_string(_random.below(10)) + ".jpg";
+        const std::string kinds[] = {".roi", ".lineage",   ".info", ".fp", ".nwk",
+                                     "/",    "/a/missing", image,   image};
+        return _random.chance(0.1) ? path("home/.orvbrowser") : of_kind(kinds[_random.below(9)]);
+    }
+
+    // Two recordings, and a file in which all ROIs of the first are points.
+    void restore() const
+    {
+        for (const char* name : {"demo", "other", "demo.roi", "other.roi", "variant.roi", "home"})
+            fs::remove_all(path(name));
+        for (std::uint64_t seed = 1; const char* name : {"demo", "other"})
+            (void)write_recording(make_recording({name, seed++, 6, 14, 14, 160, 160, 0.05, 0.05, 0.25}),
+                                  path(""));
+        QString rois = QString::fromStdString(_folder.contents("demo.roi"));
+        rois.replace(QRegularExpression(" [0-3]+\n"), " 2301\n");
+        (void)_folder.with("variant.roi", rois.toStdString());
+        fs::create_directory(path("home"));
+        (void)_folder.with("home/.orvbrowser", "DEFAULT #ff0000\nSELECTED nonsense\nREMOVED");
+    }
+
+    // Garbles, cuts off, exchanges, removes or hides behind a folder one file.
+    void swap_one() const
+    {
+        const fs::path name = any(), other = any();
+        if (!name.has_filename())
+            return;
+        const int change = _random.below(5);
+        std::string bytes = contents(change == 2 ? other : name);
+        for (int i = _random.below(30); change == 0 && i > 0 && !bytes.empty(); --i)
+            bytes[_random.below(static_cast<int>(bytes.size()))] = "01239- \n\xff\0x"[_random.below(11)];
+        if (change == 1)
+            bytes.resize(_random.below(static_cast<int>(bytes.size()) + 1));
+        fs::remove_all(name);
+        create_directories(change == 4 ? name : name.parent_path());
+        if (change < 3)
+            std::ofstream(name, std::ios::binary) << bytes;
+    }
+
+private:
+    [[nodiscard]] static std::string contents(const fs::path& name)
+    {
+        std::ifstream file(name, std::ios::binary);
+        return is_directory(name) ? std::string() : std::string{std::istreambuf_iterator<char>(file), {}};
+    }
+
+    demo_random& _random;
+    temp_folder _folder;
+};
+
+// ---- The window as the program puts it together, and what holds in it between actions
+
+class MonkeyWindow : public WindowProbe {
+public:
+    MonkeyWindow()
+    {
+        setApplication(qApp);
+        tabWidget_control_panel->addTab(page, "Lineage");
+    }
+
+    [[nodiscard]] bool is_open() const { return access.is_open(); }
+    LineagePage* const page = new LineagePage(*this);
+    const LineageAccess access{*this};
+
+    // The first rule that is broken, or nothing.
+    [[nodiscard]] const char* broken_rule()
+    {
+        for (const auto& [at, low, high, slider, field] :
+             {std::tuple(m_time_point, m_min_time_point, m_max_time_point, slider_time_point,
+                         lineEdit_time_point),
+              {m_focal_plane, m_min_focal_plane, m_max_focal_plane, slider_focal_plane,
+               lineEdit_focal_plane}})
+            if (at < low || at > high || slider->minimum() != low || slider->maximum() != high ||
+                slider->value() != at || field->text() != QString::number(at))
+                return "the position is within its bounds, and its controls show it";
+        if (!std::ranges::all_of(findChildren<QWidget*>(),
+                                 [this](auto* w) { return w->isEnabled() == may_be_used(w); }))
+            return "controls are enabled as the recording is open or closed";
+        if (cursor().shape() == Qt::WaitCursor || access.is_busy() || m_auto_split || m_auto_make_units ||
+            page->auto_split->isChecked() || m_auto != pushButton_auto->isChecked() || !updatesEnabled())
+            return "a run leaves nothing behind";
+        if (!is_open())
+            return nullptr;
+        return isVisible() && !shows_state() ? "the canvas shows the state" : broken_state_rule(*this);
+    }
+
+private:
+    [[nodiscard]] bool may_be_used(const QWidget* w) const
+    {
+        const bool is_button = qobject_cast<const QPushButton*>(w);
+        if (w == lineEdit_dataset || w == page->stop)
+            return w == lineEdit_dataset && !is_open();
+        if (is_button && (w->parentWidget() == file || w == page->help || w == pushButton_select_all))
+            return true;
+        return (is_button && w->window() == this) || w == lineEdit_time_point || w == lineEdit_focal_plane ||
+                       w == page->overlap
+                   ? is_open()
+                   : w->isEnabled();
+    }
+
+    // A picture made afresh is the one that is shown.
+    [[nodiscard]] bool shows_state()
+    {
+        const QImage shown = frame_canvas->picture().toImage();
+        dirty = true;
+        paintEvent(nullptr);
+        return shown == frame_canvas->picture().toImage();
+    }
+};
+
+// ---- The monkey
+
 class Monkey : public QObject {
 public:
     explicit Monkey(std::uint64_t seed) : _seed(seed), _random(seed)
     {
         qputenv("HOME", _files.path("home").c_str());
-        qputenv("XDG_CONFIG_HOME",
-                "/dev/null");    // a file dialog would wait for the disk to keep its settings
+        qputenv("XDG_CONFIG_HOME", "/dev/null");    // else file dialogs wait for the disk
         for (const char* folder : {"ORVBROWSER_IMAGE_ROOT", "PWD"})
             qputenv(folder, _files.path("").c_str());
         for (QTimer& timer : _timers) {    // one stays silent while it is served: the next acts inside it
@@ -47,45 +179,37 @@ public:
         }
     }
 
-    // The rule that is broken, or nothing.
     [[nodiscard]] const char* act(int action)
     {
-        constexpr int patience_s = 120;
-        alarm(patience_s);
+        alarm(120);    // seconds
+        const CapturedLines out(std::cout), err(std::cerr);
         std::snprintf(story, sizeof story, "monkey: seed %d, action %d: ", static_cast<int>(_seed), action);
         _random = demo_random(_seed, 1, static_cast<std::uint64_t>(action));
         _patience = _random.below(10000);
         _meddling = std::pow(10, -1 - _random.below(4));
         if (!_window || _random.chance(0.0003))
             _window.reset(), _window = std::make_unique<MonkeyWindow>();
-        _window->is_open() || _random.chance(0.8) ? act_once() : open_recording();
+        _window->is_open() || _random.chance(0.8) ? act_once() : click_button("read_roifile");
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        count_states();
         return _window->broken_rule();
     }
-
-    [[nodiscard]] const std::map<std::string, int>& times() const { return _times; }
 
 private:
     void act_once()
     {
-        const struct {
+        static const struct {
             const char* name;
             int weight;    // in per cent
             void (Monkey::*act)();
-        } kinds[] = {{"key", 13, &Monkey::press_key},       {"control", 14, &Monkey::click_control},
-                     {"canvas", 17, &Monkey::click_canvas}, {"pointer", 9, &Monkey::move},
+        } kinds[] = {{"key", 13, &Monkey::press_any_key},   {"widget", 16, &Monkey::click_widget},
+                     {"canvas", 14, &Monkey::click_canvas}, {"pointer", 9, &Monkey::move},
                      {"wheel", 8, &Monkey::turn_wheel},     {"text", 8, &Monkey::type},
-                     {"edit", 10, &Monkey::edit_lineage},   {"tracking", 4, &Monkey::track},
-                     {"lineage", 3, &Monkey::make_lineage}, {"split", 2, &Monkey::split},
-                     {"drop", 2, &Monkey::drop_rois},       {"file", 3, &Monkey::use_file},
-                     {"swap", 3, &Monkey::swap_file},       {"opening", 1, &Monkey::open_recording},
+                     {"steps", 26, &Monkey::take_steps},    {"swap", 3, &Monkey::swap_file},
                      {"window", 3, &Monkey::handle_window}};
         const auto* chosen = kinds;
-        for (int number = _random.below(100); (number -= chosen->weight) >= 0;)
+        for (int number = below(100); (number -= chosen->weight) >= 0;)
             ++chosen;
-        ++_times[(_depth > 0 ? "in a run: " : "") + std::string(chosen->name)];
         note(chosen->name);
         _user.answers = {any_answer(), any_answer()};
         _window->show();
@@ -97,35 +221,33 @@ private:
     {
         if (!_window || !_window->access.is_busy() || QApplication::activeModalWidget())
             return;
-        ++_times["in a run: events"];
-        if (--_patience < 0) {
+        if (--_patience < 0)
             _window->page->stop->click();
-        } else if (_random.chance(_meddling)) {
-            _times["in a run: depth"] = std::max(++_depth, _times["in a run: depth"]);
+        else if (chance(_meddling))
             act_once();
-            --_depth;
-        }
     }
 
     // ---- Choosing
 
+    int below(int n) { return _random.below(n); }
+    bool chance(double probability) { return _random.chance(probability); }
+
     template <class Values>
     auto& any_of(const Values& values)
     {
-        return *std::next(std::begin(values), _random.below(static_cast<int>(std::size(values))));
+        return *std::next(std::begin(values), below(static_cast<int>(std::size(values))));
     }
 
-    QPoint any_point(const QWidget* in) { return {_random.below(in->width()), _random.below(in->height())}; }
-    Qt::MouseButton any_button() { return Qt::MouseButton(_random.chance(0.7) ? 1 : 1 << _random.below(3)); }
-    QString any_answer()
-    {
-        return _random.chance(0.3) ? "&Yes" : QString::fromStdString(_files.any(_random));
-    }
+    QPoint any_point(const QWidget* in) { return {below(in->width()), below(in->height())}; }
+    Qt::MouseButton any_button() { return Qt::MouseButton(chance(0.7) ? 1 : 1 << below(3)); }
+    QString any_answer() { return chance(0.3) ? "&Yes" : QString::fromStdString(_files.any()); }
 
-    // Of any window; its page comes to the front.
-    QWidget* any_control()
+    // The window, or a control of any window; its page comes to the front.
+    QWidget* any_widget(double window_share)
     {
         static const QRegularExpression kinds("Button|Slider|LineEdit|TabBar|SpinBox|TreeWindow|TextBrowser");
+        if (chance(window_share))
+            return _window.get();
         QList<QWidget*> controls = _window->findChildren<QWidget*>();
         controls.removeIf([](QWidget* w) { return !kinds.match(w->metaObject()->className()).hasMatch(); });
         QWidget* const control = any_of(controls);
@@ -137,38 +259,67 @@ private:
 
     // ---- One event
 
-    void press(int key) { note(QChar(key)), QTest::keyClick(_window.get(), Qt::Key(key)); }
-    void click(QWidget* button) { note(button->objectName()), QTest::mouseClick(button, Qt::LeftButton); }
-    void move() { move_pointer(*_window, _random.below(170), _random.below(170)); }
-
-    void press_key()
+    void click_canvas() { click_roi(any_button()); }
+    void move() { move_pointer(*_window, below(170), below(170)); }
+    void press(int key, int modifiers = 0, QWidget* in = nullptr)
     {
-        static const std::string letters = "ACDEFLMRSTWXZQ7 ";
-        const int other =
-            _random.chance(0.8) ? Qt::Key_Home + _random.below(8) : Qt::Key_Escape + _random.below(11);
-        const int key = _random.chance(0.5) ? any_of(letters) : other;
-        const int modifiers = _random.chance(0.8) ? 0 : _random.below(16) * Qt::ShiftModifier;
-        QWidget* const focus = QApplication::focusWidget();
         note(QString::number(key, 16));
-        QTest::keyClick(focus && _random.chance(0.3) ? focus : _window.get(), Qt::Key(key),
-                        Qt::KeyboardModifiers(modifiers));
+        QTest::keyClick(in ? in : _window.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     }
 
-    void click_control()
+    void press_any_key()
     {
-        const QPointer<QWidget> control = any_control();
+        static const std::string letters = "ACDEFLMRSTWXZQ7 ";
+        const int other = chance(0.8) ? Qt::Key_Home + below(8) : Qt::Key_Escape + below(11);
+        press(chance(0.5) ? any_of(letters) : other, chance(0.8) ? 0 : below(16) * Qt::ShiftModifier,
+              chance(0.3) ? QApplication::focusWidget() : nullptr);
+    }
+
+    void click_widget()
+    {
+        const QPointer<QWidget> widget = any_widget(0.2);
         const Qt::MouseButton button = any_button();
-        const QPoint at = any_point(control);
-        if (_random.chance(0.1))
-            return QTest::mouseDClick(control, button, {}, at);
-        QTest::mousePress(control, button, {}, at);
-        if (_random.chance(0.2))
-            QTest::mouseMove(control, any_point(control));
-        QTest::mouseRelease(control, button, {}, at);
+        const QPoint at = any_point(widget);
+        if (chance(0.2))
+            return QTest::mouseDClick(widget, button, {}, at);
+        QTest::mousePress(widget, button, {}, at);
+        if (chance(0.2))
+            QTest::mouseMove(widget, any_point(widget));
+        QTest::mouseRelease(widget, button, {}, at);
+    }
+
+    // Answers with Yes, or with a file of its kind when it asks for one.
+    void click_button(const QString& name)
+    {
+        QPushButton* const button = any_of(_window->findChildren<QPushButton*>(QRegularExpression(name)));
+        QString kind = button->objectName().section('_', -1).toLower();
+        kind.replace(QRegularExpression("roifile|restore"), "roi").replace("file", "lineage");
+        _user.answers = {QString::fromStdString(_files.of_kind('.' + kind.toStdString())), "&Yes"};
+        if (kind == "links")
+            _user.answers.removeFirst();
+        note(button->objectName());
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+
+    // Several in a row that make sense: clicks on ROIs, a step in time, keys, and buttons.
+    void take_steps()
+    {
+        static const QStringList series =
+            QString("L . > A .;L . R .;L . M .;L . > S . . .;L . > S . . .;drop;, , drop;"
+                    ". ward_tracking;. ward_tracking;. auto$ ward_tracking;. (auto|stop|z|select_all|reset)$;"
+                    "make_units make_links;make_units elite make_links;^split;^split;^auto_split;"
+                    "^(pushButton_)?(read|save|restore);read_;save_;read_roifile")
+                .split(';');
+        for (const QString& step : any_of(series).split(' '))
+            step == "."        ? click_roi(Qt::LeftButton)
+            : step == ","      ? click_roi(Qt::RightButton)
+            : step == ">"      ? press(chance(0.4) ? Qt::Key_F : Qt::Key_D)
+            : step.size() == 1 ? press(step[0].unicode())
+                               : click_button(step);
     }
 
     // On an ROI; where the plane on view has none, beside them, and another plane is shown.
-    void click_roi(Qt::MouseButton button = Qt::LeftButton)
+    void click_roi(Qt::MouseButton button)
     {
         QPoint at;
         int tries = 60;
@@ -177,20 +328,14 @@ private:
         while (--tries > 0 && _window->xyROI(at.x(), at.y()).empty());
         if (tries == 0 && _window->is_open() && !_window->m_roidb->db.empty())
             _window->view(any_of(_window->m_roidb->db).first);
-        ::click(*_window, at.x(), at.y(), button);
-    }
-
-    void click_canvas()
-    {
-        _random.chance(0.8) ? click_roi(any_button())
-                            : QTest::mouseDClick(_window.get(), any_button(), {}, any_point(_window.get()));
+        click(*_window, at.x(), at.y(), button);
     }
 
     void turn_wheel()
     {
-        QWidget* const to = _random.chance(0.6) ? _window.get() : any_control();
+        QWidget* const to = any_widget(0.6);
         const QPointF at = any_point(to);
-        const QPoint turn(0, 120 * (_random.below(21) - 10));
+        const QPoint turn(0, 120 * (below(21) - 10));
         QWheelEvent e(at, to->mapToGlobal(at), {}, turn, Qt::NoButton, {}, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(to, &e);
     }
@@ -205,107 +350,30 @@ private:
             field->insert(any_of(texts));
     }
 
-    // ---- Several in a row that make sense
-
-    void edit_lineage()
-    {
-        static const std::string edits = "ARMSSE";
-        const int edit = any_of(edits);
-        press(Qt::Key_L);
-        click_roi();
-        if (edit == Qt::Key_A || edit == Qt::Key_S)
-            press(_random.chance(0.4) ? Qt::Key_F : Qt::Key_D);
-        press(edit);
-        for (int clicks = edit == Qt::Key_S ? 3 : 1; clicks > 0; --clicks)
-            click_roi();
-    }
-
-    void track()
-    {
-        click_roi();
-        if (_random.chance(0.3))
-            click(_window->pushButton_auto);
-        click(any_of(_window->mainPage->findChildren<QPushButton*>()));
-    }
-
-    void make_lineage()
-    {
-        click(_window->page->make_units);
-        if (_random.chance(0.5))
-            click(_window->page->elite);
-        _user.answers = {"&Yes"};
-        click(_window->page->make_links);
-    }
-
-    void drop_rois()
-    {
-        for (int clicks = _random.below(4); clicks > 0; --clicks)
-            click_roi(Qt::RightButton);
-        click(_window->pushButton_drop_false_positive);
-    }
-
-    void split() { click(_random.chance(0.7) ? _window->page->split : _window->page->auto_split); }
-
-    void open_recording()
-    {
-        _user.answers = {QString::fromStdString(_files.path(_random.chance(0.9) ? "demo.roi" : "other.roi"))};
-        click(_window->pushButton_read_roifile);
-    }
-
-    // Any control that asks for a file, answered with one of its kind.
-    void use_file()
-    {
-        static const QRegularExpression names("(read|save|restore).*");
-        QPushButton* const button = any_of(_window->findChildren<QPushButton*>(names));
-        const QString kind = button->objectName().section('_', -1);
-        const QString suffix = kind == "file" ? "lineage" : kind == "roifile" ? "roi" : kind.toLower();
-        _user.answers = {QString::fromStdString(_files.of_kind('.' + suffix.toStdString(), _random)), "&Yes"};
-        click(button);
-    }
-
     void swap_file()
     {
-        _random.chance(0.3) ? _files.restore() : _files.swap_one(_random);
+        chance(0.3) ? _files.restore() : _files.swap_one();
         _window->dirty = true;    // the image on view may be another now
         _window->repaint();
     }
 
     void handle_window()
     {
-        const int what = _random.below(4);
-        what == 0   ? _window->resize(_random.below(1200), _random.below(1200))
+        const int what = below(4);
+        what == 0   ? _window->resize(below(1200), below(1200))
         : what == 1 ? _window->hide()
-        : what == 2 ? (void)any_control()->window()->close()
+        : what == 2 ? (void)any_widget(0)->window()->close()
                     : _window->activateWindow();
-    }
-
-    // ---- Counting
-
-    void count_states()
-    {
-        for (const QString& line : _out.take() + _err.take())
-            ++_times["line: " + line.section(QRegularExpression("[0-9/(]"), 0, 0).left(40).toStdString()];
-        const std::pair<const char*, bool> states[] = {
-            {"open", _window->is_open()},
-            {"units", !_window->m_head_members.empty()},
-            {"links", !_window->m_linkage_multimap.empty()},
-            {"doubtful", !_window->m_falsely_grouped_units_candidates.empty()},
-            {"elite", !_window->m_elite_head_roi_set.empty()}};
-        for (const auto& [state, is_so] : states)
-            _times[std::string("state: ") + state] += is_so;
     }
 
     const std::uint64_t _seed;
     demo_random _random;
-    SwappedFiles _files;
-    CapturedLines _out{std::cout}, _err{std::cerr};
+    const SwappedFiles _files{_random};
     ScriptedDialogs _user{{}};
     std::unique_ptr<MonkeyWindow> _window;
     QTimer _timers[3];
     int _patience = 0;       // events until a run is stopped
     double _meddling = 0;    // actions per event of a run
-    int _depth = 0;
-    std::map<std::string, int> _times;
 };
 
 }    // namespace
@@ -324,14 +392,11 @@ int main(int argc, char** argv)
     parser.addOptions({{"actions", "How many.", "N", "2000"}, {"seed", "Which.", "S", "1"}});
     parser.process(application);
     Monkey monkey(parser.value("seed").toULongLong());
-    for (int action = 0; action < parser.value("actions").toInt(); ++action) {
+    for (int action = 0; action < parser.value("actions").toInt(); ++action)
         if (const char* const rule = monkey.act(action)) {
             tell_story();
             std::fprintf(stderr, "\nThis does not hold: %s\n", rule);
             return 1;
         }
-    }
-    for (const auto& [what, times] : monkey.times())
-        std::printf("%8d %s\n", times, what.c_str());
     return 0;
 }

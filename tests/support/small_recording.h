@@ -16,7 +16,12 @@ struct SmallRecording {
         QDir().mkpath(QString::fromStdString(folder.path(dataset)));
         for (int t = first; t <= last; ++t)
             for (int z = 19; z <= 22; ++z)
-                write_image(folder.path(dataset) + "/" + digits(t) + "-" + digits(z) + ".jpg", grey(t, z));
+                write_image(path(QString("%1/%2-%3.jpg")
+                                     .arg(dataset.c_str())
+                                     .arg(t, 3, 10, QChar('0'))
+                                     .arg(z, 3, 10, QChar('0'))
+                                     .toUtf8()),
+                            grey(t, z));
         qputenv("ORVBROWSER_IMAGE_ROOT", folder.path("").c_str());
         qputenv("PWD", folder.path("").c_str());
     }
@@ -30,14 +35,12 @@ struct SmallRecording {
     std::string file;    // as "Read ROIs" takes it
 
 private:
-    static std::string digits(int n) { return QString::number(n).rightJustified(3, '0').toStdString(); }
-
-    static void write_image(const std::string& name, int level)
+    static void write_image(const QString& name, int level)
     {
         QImage image(60, 40, QImage::Format_Grayscale8);
         image.fill(QColor(level, level, level));
-        if (!image.save(QString::fromStdString(name), "JPEG", 100))
-            qFatal("cannot write %s", name.c_str());
+        if (!image.save(name, "JPEG", 100))
+            qFatal("cannot write %s", qPrintable(name));
     }
 
     // On focal plane 20 of each time point: a square of 4 x 4 pixels at (10, 5) and a single point at (30,

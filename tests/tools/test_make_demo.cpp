@@ -2,13 +2,11 @@
 #include "../support/temp_folder.h"
 #include "demo_files.h"
 
-#include "ORV_outline.h"
 #include "ORV_roidb.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <sys/wait.h>
 
 namespace {
@@ -34,27 +32,6 @@ TEST(make_demo, the_same_seed_writes_the_same_files)
     options.seed = 2;
     EXPECT_TRUE(write_recording(make_recording(options), second.path("")));
     EXPECT_NE(first.contents("demo.roi"), second.contents("demo.roi"));
-}
-
-TEST(make_demo, tracks_and_outlines_tell_one_story)
-{
-    const demo_recording r = make_recording(small_options);
-    std::map<int, int> daughters;
-    for (const demo_track& k : r.embryo.tracks) {
-        ++daughters[k.parent];
-        EXPECT_TRUE(!k.parent || r.embryo.tracks[k.parent - 1].last + 1 == k.first) << k.label;
-    }
-    daughters.erase(0);
-    EXPECT_TRUE(!daughters.empty() &&
-                std::ranges::all_of(daughters, [](const auto& d) { return d.second == 2; }));
-    std::string last_key;
-    for (const demo_detection& d : r.detections) {
-        const std::string key = roidb::keygen(d.outline);
-        EXPECT_LT(std::exchange(last_key, key), key);
-        std::vector<unsigned char> image(220 * 180);
-        EXPECT_TRUE(fill_outline({d.outline.x(), d.outline.y()}, d.outline.outline(), image, 220, 180))
-            << key;
-    }
 }
 
 TEST(make_demo, wrong_arguments_are_one_line_and_write_nothing)
