@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QImage>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -87,8 +88,12 @@ std::string crowded_plane(const std::string& folder)
     constexpr int in_row = 32;
     constexpr int distance = 18;
     const std::string filename = folder + "/crowded.roi";
+    std::filesystem::create_directories(folder + "/crowded");
+    QImage image(600, 600, QImage::Format_Grayscale8);
+    image.fill(Qt::gray);
+    (void)image.save(QString::fromStdString(folder + "/crowded/000-020.jpg"));
     std::ofstream file(filename);
-    file << "recording\n";
+    file << "crowded\n";
     std::string outline;
     for (const char step : {'2', '3', '0', '1'})
         outline.append(10, step);
