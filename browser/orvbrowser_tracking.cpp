@@ -138,8 +138,10 @@ void ORVBrowser::zTracking(int t)
     LongRun run(*this);
     for_each_marked(t, m_selected_roi_set, [&](roi& r) {
         checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
-        if (roi as_it_is_now(r, {}); run.alive() && m_roidb->find(as_it_is_now))
-            checkAdjacentFocalPlane(as_it_is_now, t, r.z() + 1, &m_selected_roi_set, 0.0, 0.5);
+        if (!run.alive())
+            return;
+        if (roi as_it_is_now(r, {}); m_roidb->find(as_it_is_now))
+            checkAdjacentFocalPlane(as_it_is_now, t, as_it_is_now.z() + 1, &m_selected_roi_set, 0.0, 0.5);
     });
 }
 
