@@ -160,6 +160,24 @@ private slots:
             }
     }
 
+    void zEndsWithItsRecording()
+    {
+        for (int nth = 1; nth < 12; ++nth) {    // look for events
+            OpenWindow w(recording);
+            for (int z = 19; z < 23; ++z)
+                put_roi(w, {40, 10, z, 0});
+            w.m_selected_roi_set = {column(20, 0)};
+            QTimer user;
+            user.callOnTimeout([&, looks = 0]() mutable {
+                if (++looks == nth)
+                    w.close_common();
+            });
+            user.start(0);
+            w.do_zTracking();
+            QVERIFY(is_at_rest(w) && (nth > 6 || !w.m_roidb));
+        }
+    }
+
     void aKeyHeldDownDoesNotKeepStopOut()
     {
         for (const Qt::Key key : {Qt::Key_Z, Qt::Key_Right, Qt::Key_M}) {
