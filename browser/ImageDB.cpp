@@ -1,8 +1,7 @@
 #include "ImageDB.h"
 
+#include "error_line.h"
 #include "keygen.h"
-
-#include <iostream>
 
 const QPixmap* ImageDB::cached(int t, int z) const
 {
@@ -16,7 +15,7 @@ QPixmap ImageDB::img(int t, int z, const QString& name, int cache_time)
         return *image;
     const QPixmap image(name);
     if (image.isNull()) {
-        std::cerr << "Cannot find " << name.toStdString() << std::endl;
+        error_line("Cannot find ", name.toStdString());
         return {};
     }
     drop_outside(keygen(pos4i(0, 0, 0, t - cache_time)), keygen(pos4i(0, 0, 0, t + cache_time)));

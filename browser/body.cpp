@@ -1,5 +1,6 @@
 #include "body.h"
 
+#include "error_line.h"
 #include "roimaker_answer.h"
 
 #include <algorithm>
@@ -117,7 +118,7 @@ void wait_for(pid_t pid)
 std::list<roi> makeROIs(unsigned char* canvas, int width, int height)
 {
     if (!is_mask(canvas, width, height)) {
-        std::cerr << "makeROIs: no mask of up to " << max_side << " x " << max_side << " pixels" << std::endl;
+        error_line("makeROIs: no mask of up to ", max_side, " x ", max_side, " pixels");
         return {};
     }
     const std::string path = roimaker_path();

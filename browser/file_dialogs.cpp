@@ -1,13 +1,13 @@
 #include "file_dialogs.h"
 
+#include "error_line.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
-
-#include <iostream>
 
 namespace {
 
@@ -54,7 +54,7 @@ bool is_there(const std::string& filename)
 {
     if (QFileInfo::exists(QFile::decodeName(filename.c_str())))
         return true;
-    std::cerr << "No such file or directory: " << filename << std::endl;
+    error_line("No such file or directory: ", filename);
     return false;
 }
 

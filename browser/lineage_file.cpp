@@ -1,10 +1,10 @@
 #include "lineage_file.h"
 
+#include "error_line.h"
 #include "file_io.h"
 #include "keygen.h"
 
 #include <algorithm>
-#include <iostream>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -205,7 +205,7 @@ std::optional<lineage> read_lineage(const std::string& filename, const std::stri
 {
     line_reader lines(filename);
     if (!lines.is_open()) {
-        std::cerr << "Cannot open " << filename << std::endl;
+        error_line("Cannot open ", filename);
         return std::nullopt;
     }
     lineage_builder builder(dataset, rois);
@@ -216,7 +216,7 @@ std::optional<lineage> read_lineage(const std::string& filename, const std::stri
         fault = lines.failed() ? "the file cannot be read to its end" : builder.finish();
     if (!fault)
         return std::move(builder.result());
-    std::cerr << filename << ":" << lines.number() << ": " << fault << std::endl;
+    error_line(filename, ":", lines.number(), ": ", fault);
     return std::nullopt;
 }
 
@@ -230,6 +230,6 @@ bool write_lineage(const std::string& filename, const std::string& dataset, cons
         file.append("ELITE " + head + '\n');
     if (file.commit())
         return true;
-    std::cerr << "Cannot open " << filename << std::endl;
+    error_line("Cannot open ", filename);
     return false;
 }

@@ -1,23 +1,23 @@
 #include "mark_files.h"
 
+#include "error_line.h"
 #include "file_io.h"
 
 #include <fstream>
-#include <iostream>
 
 void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks)
 {
     std::ifstream file(filename);
     if (!file || (file.peek(), file.bad())) {    // a folder opens, but does not read
-        std::cerr << "Cannot open " << filename << std::endl;
+        error_line("Cannot open ", filename);
         return;
     }
     for (std::string word, value; file >> word;) {
         value.clear();
         file >> value;
         if (word == "NAME" && value != dataset) {
-            std::cerr << "different dataset" << std::endl;
+            error_line("different dataset");
             return;
         }
         if (word == keyword && !value.empty())
@@ -37,5 +37,5 @@ void write_mark_file(const std::string& filename, const std::string& dataset, co
         file.append("\n");
     }
     if (!file.commit())
-        std::cerr << "Cannot open " << filename << std::endl;
+        error_line("Cannot open ", filename);
 }

@@ -1,4 +1,5 @@
 // The picture on the canvas: the image of the current position and the outlines of its ROIs.
+#include "error_line.h"
 #include "orvbrowser.h"
 #include "roi_colors.h"
 
@@ -6,7 +7,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 
-#include <iostream>
 #include <utility>
 
 namespace {
@@ -112,7 +112,7 @@ QPixmap ORVBrowser::background()
     if (covered == image.rect())
         return image;
     if (!image.isNull() && !is_known)
-        std::cerr << "Image smaller than its ROIs: " << filename.toStdString() << std::endl;
+        error_line("Image smaller than its ROIs: ", filename.toStdString());
     QPixmap picture(covered.size());
     picture.fill(palette().color(QPalette::Window));
     QPainter(&picture).drawPixmap(0, 0, image);

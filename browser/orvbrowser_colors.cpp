@@ -1,12 +1,12 @@
 // The colour table and Reset.
 #include "color_file.h"
+#include "error_line.h"
 #include "orvbrowser.h"
 #include "roi_colors.h"
 
 #include <QFile>
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 #include <utility>
 
@@ -55,7 +55,7 @@ void ORVBrowser::initColors()
 void ORVBrowser::pushButton_reload_config_file_clicked()
 {
     if (!loadConfigFile())
-        std::cerr << "Cannot find the config file in your home directory." << std::endl;
+        error_line("Cannot find the config file in your home directory.");
 }
 
 void ORVBrowser::pushButton_reset_clicked()

@@ -2,6 +2,7 @@
 // take the place of the old one.
 #include "body.h"
 #include "cutting_plane.h"
+#include "error_line.h"
 #include "keygen.h"
 #include "long_run.h"
 #include "orvbrowser.h"
@@ -247,7 +248,7 @@ std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, po
 void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
 {
     if (!is_roimaker_there()) {
-        std::cerr << "Cannot find " << roimaker_path() << std::endl;
+        error_line("Cannot find ", roimaker_path());
         return;
     }
     const std::optional<unit_cut> cut = find_cut(doubt, E_normal, E_m, search_width);

@@ -1,8 +1,7 @@
 // ROI files: opening a recording from one, saving it, and dropping the ROIs marked as removed.
+#include "error_line.h"
 #include "file_dialogs.h"
 #include "orvbrowser.h"
-
-#include <iostream>
 
 namespace {
 
@@ -19,7 +18,7 @@ bool ORVBrowser::openRoiFile(const string& filename)
     auto roidb = std::make_unique<roidb_plus>("");
     bool was_read = roidb->read_plus(filename);
     if (was_read && roidb->name().empty()) {
-        std::cerr << "Not an ROI file: " << filename << std::endl;
+        error_line("Not an ROI file: ", filename);
         was_read = false;
     }
     if (was_read)
@@ -70,7 +69,7 @@ void ORVBrowser::pushButton_save_roifile_clicked()
 void ORVBrowser::save_rois(const string& filename)
 {
     if (!m_roidb) {
-        std::cerr << "No recording is open: nothing to save in " << filename << std::endl;
+        error_line("No recording is open: nothing to save in ", filename);
         return;
     }
     setCursor(Qt::WaitCursor);

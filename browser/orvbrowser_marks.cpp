@@ -1,10 +1,10 @@
 // The selection and the removed marks: their files, and the buttons that mark many ROIs at once.
+#include "error_line.h"
 #include "keygen.h"
 #include "mark_files.h"
 #include "orvbrowser.h"
 #include "roi_reader.h"
 
-#include <iostream>
 #include <limits>
 
 namespace {
@@ -27,9 +27,9 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
     std::string name;
     int later_rois = 0;
     if (!reader.is_open())
-        std::cerr << "roidb: Cannot open " << filename << std::endl;
+        error_line("roidb: Cannot open ", filename);
     else if (!reader.read_word(name) || name != dataset)
-        std::cerr << "different dataset" << std::endl;
+        error_line("different dataset");
     else {
         bool is_whole = true;
         for (roi r; is_whole && !reader.is_at_end();) {
@@ -37,9 +37,9 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
             later_rois += is_whole && r.t() > t;
         }
         if (!is_whole)
-            std::cerr << "Not an ROI file to its end: " << filename << std::endl;
+            error_line("Not an ROI file to its end: ", filename);
         else if (later_rois == 0)
-            std::cerr << "No ROIs after time point " << t << " in " << filename << std::endl;
+            error_line("No ROIs after time point ", t, " in ", filename);
         else
             return true;
     }
@@ -120,7 +120,7 @@ void ORVBrowser::pushButton_clean_clicked()
                 to_remove.insert(to_remove.end(), key);
     }
     if (to_remove.size() == rois) {    // marks that name no ROI of the recording count for nothing
-        std::cerr << "Nothing is selected or tracked: no ROI is marked as removed" << std::endl;
+        error_line("Nothing is selected or tracked: no ROI is marked as removed");
         return;
     }
     m_removed_roi_set.merge(to_remove);

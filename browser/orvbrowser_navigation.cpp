@@ -1,4 +1,5 @@
 // Opening and closing a recording, the time point and the focal plane, and their controls.
+#include "error_line.h"
 #include "keygen.h"
 #include "long_run.h"
 #include "orvbrowser.h"
@@ -8,7 +9,6 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
-#include <iostream>
 
 namespace {
 
@@ -171,7 +171,7 @@ void ORVBrowser::build_roidb()
             iroifstream plane;
             plane.open(name);
             if (!plane) {
-                std::cerr << "Cannot open " << name << std::endl;
+                error_line("Cannot open ", name);
                 continue;
             }
             plane.seek_roi();

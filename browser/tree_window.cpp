@@ -1,5 +1,6 @@
 #include "tree_window.h"
 
+#include "error_line.h"
 #include "file_dialogs.h"
 #include "file_io.h"
 
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 
 namespace {
 
@@ -209,5 +209,5 @@ void TreeWindow::save(const QString& filter, const char* object_name, const char
     // A picture that could not be made must not take the place of an old one.
     const bool is_made = !content.isEmpty() || _tree.nodes.empty();
     if (!is_made || !file.commit())
-        std::cerr << "Cannot open " << native_name(filename) << std::endl;
+        error_line("Cannot open ", native_name(filename));
 }

@@ -1,5 +1,6 @@
 // orvbrowser - opens the one window, and in it the recording of an ROI file when one is named.
 #include "MimeSourceFactory_ORVBrowser.h"
+#include "error_line.h"
 #include "lineage_page.h"
 #include "orvbrowser.h"
 
@@ -9,7 +10,6 @@
 #include <QIcon>
 
 #include <csignal>
-#include <iostream>
 
 namespace {
 
@@ -22,7 +22,7 @@ struct request {
 // One plain line, and the status of a program that was called wrongly.
 request refuse(const QString& line)
 {
-    std::cerr << "orvbrowser: " << line.toStdString() << std::endl;
+    error_line("orvbrowser: ", line.toStdString());
     return {.roi_file = {}, .status = 2};
 }
 

@@ -1,5 +1,6 @@
 #include "ORV_roidb.h"
 
+#include "error_line.h"
 #include "file_io.h"
 #include "roi_reader.h"
 
@@ -96,7 +97,7 @@ bool roidb::write(const std::string& filename) const
     }
     if (file.commit())
         return true;
-    std::cerr << "roidb: Cannot open " << filename << std::endl;
+    error_line("roidb: Cannot open ", filename);
     return false;
 }
 

@@ -1,7 +1,8 @@
 #include "roi_reader.h"
 
+#include "error_line.h"
+
 #include <algorithm>
-#include <iostream>
 #include <limits>
 #include <utility>
 
@@ -75,7 +76,7 @@ bool read_roi_file(const std::string& filename, std::string& name, const std::fu
 {
     roi_reader reader(filename);
     if (!reader.is_open()) {
-        std::cerr << "roidb: Cannot open " << filename << std::endl;
+        error_line("roidb: Cannot open ", filename);
         return false;
     }
     if (!reader.read_word(name))

@@ -1,8 +1,9 @@
 #include "roi_mask.h"
 
+#include "error_line.h"
+
 #include <algorithm>
 #include <cstring>
-#include <iostream>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -127,8 +128,8 @@ void roi_mask::map()
     _image = std::make_unique<unsigned char[]>(static_cast<std::size_t>(_width) *
                                                static_cast<std::size_t>(_height));
     if (_too_large)
-        std::cerr << "Outline larger than " << max_side << " x " << max_side << " pixels: ROI at x " << _x
-                  << ", y " << _y << ", focal plane " << _z << ", time point " << _t << std::endl;
+        error_line("Outline larger than ", max_side, " x ", max_side, " pixels: ROI at x ", _x, ", y ", _y,
+                   ", focal plane ", _z, ", time point ", _t);
     else
         trace_outline();
     count_size();
