@@ -1,6 +1,10 @@
-// file_dialogs.h - the program's questions for a file name, and its one question before a file is replaced.
+// file_dialogs.h - the program's questions: for a file name, and before something is replaced.
+//
+// While a question is open handlers may delete its parent. The question goes with it, answered with No, and
+// the caller must look whether it is still there itself.
 #pragma once
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QString>
 #include <QWidget>
 
@@ -19,6 +23,10 @@ struct file_question {
 // The file name that the person chose, or "" when the dialog was cancelled. A file to open need not
 // exist: the caller says so in its own words.
 [[nodiscard]] QString ask_filename(QWidget* parent, const file_question& question, const QString& start_name);
+
+// True iff the person answers Yes. Escape is No.
+[[nodiscard]] bool ask_yes_or_no(QWidget* parent, const QString& caption, const QString& text,
+                                 QMessageBox::StandardButton default_button);
 
 // True iff there is no file of this name, or the person wants it overwritten.
 [[nodiscard]] bool may_write(QWidget* parent, const QString& filename);

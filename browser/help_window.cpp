@@ -11,34 +11,102 @@ struct help_row {
     const char* does;
 };
 
+const help_row words[] = {
+    {QT_TRANSLATE_NOOP("HelpWindow", "ROI"),
+     QT_TRANSLATE_NOOP("HelpWindow", "the outline of one nucleus in one image")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "unit"),
+     QT_TRANSLATE_NOOP("HelpWindow", "the ROIs of one nucleus on all focal planes of one time point")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "link"),
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "from a unit to its parent: the same nucleus, or its mother, one time point before")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "chosen nucleus"),
+     QT_TRANSLATE_NOOP("HelpWindow", "the unit that A, M and S work on: choose it with L")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "elite"), QT_TRANSLATE_NOOP("HelpWindow", "a unit known to be right")},
+};
+
 const help_row keys[] = {
-    {"Left, D &nbsp; Right, F", "the time point before, the time point after"},
-    {"Up &nbsp; Down", "the lower focal plane, the higher focal plane"},
-    {"Z", "select across focal planes what overlaps the selection of this time point by more than half"},
+    {"Left, D &nbsp; Right, F",
+     QT_TRANSLATE_NOOP("HelpWindow", "the time point before, the time point after")},
+    {"Up &nbsp; Down", QT_TRANSLATE_NOOP("HelpWindow", "the lower focal plane, the higher focal plane")},
+    {"Z", QT_TRANSLATE_NOOP("HelpWindow",
+                            "select across focal planes what overlaps the selection of this time point by "
+                            "more than half")},
     {"C",
-     "show or hide the lineage: centroids of this time point in red, of the one before in blue, and links"},
-    {"T", "show tracked ROIs only, or all"},
-    {"L, W", "choose a lineage head with the next click; pressed again, forget it"},
-    {"A", "link the unit of the next click to the lineage head"},
-    {"R", "release the unit of the next click from its parents"},
-    {"M, X", "merge the unit of the next click into that of the lineage head"},
-    {"S", "split the unit of the lineage head: click on two parent units, then on the place of the cut"},
-    {"E", "mark or unmark the unit of the next click as elite: known to be right"},
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "show or hide the lineage: centroids of this time point in red, of the one before in "
+                       "blue, and links")},
+    {"T", QT_TRANSLATE_NOOP("HelpWindow", "show tracked ROIs only, or all")},
+    {"L, W",
+     QT_TRANSLATE_NOOP(
+         "HelpWindow",
+         "choose a nucleus with the next click. Pressed again: nothing is chosen any more, and A and R "
+         "are put away")},
+    {"A", QT_TRANSLATE_NOOP("HelpWindow", "link the unit of the next click to the chosen nucleus")},
+    {"R",
+     QT_TRANSLATE_NOOP(
+         "HelpWindow",
+         "remove all links of the unit of the next click to its parents; it becomes the chosen nucleus")},
+    {"M, X", QT_TRANSLATE_NOOP("HelpWindow", "merge the unit of the next click into the chosen nucleus")},
+    {"S",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "split the chosen nucleus: click on two parent units, then on the place of the cut")},
+    {"E", QT_TRANSLATE_NOOP("HelpWindow", "mark or unmark the unit of the next click as elite")},
+    {"Tab",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "to the buttons, sliders and fields; after use the keys are the canvas's again")},
+    {"Enter, Esc", QT_TRANSLATE_NOOP("HelpWindow", "in a field: done with typing")},
 };
 
 const help_row mouse[] = {
-    {"left click", "select an ROI, or take it out of the selection; in a mode, what its key says"},
-    {"right click", "mark an ROI as removed (false positive), or take the mark away"},
-    {"wheel", "focal planes"},
-    {"in the tree", "wheel zooms, drag pans, a click on a unit shows it in the main window"},
+    {QT_TRANSLATE_NOOP("HelpWindow", "left click"),
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "select an ROI, or take it out of the selection; in a mode, what its key says")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "right click"),
+     QT_TRANSLATE_NOOP("HelpWindow", "mark an ROI as a false positive, or take the mark away")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "wheel"), QT_TRANSLATE_NOOP("HelpWindow", "focal planes")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "in the tree"),
+     QT_TRANSLATE_NOOP(
+         "HelpWindow",
+         "wheel zooms, drag pans, a click on a unit shows it in the main window; keys act there")},
 };
 
 const help_row modes[] = {
-    {"pointing hand", "a mode is armed: the next left click does what its key says and ends it"},
-    {"Auto", "tracking goes on to the end of the recording until Stop"},
+    {QT_TRANSLATE_NOOP("HelpWindow", "pointing hand"),
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "a mode is armed: the next left click does what its key says and ends it")},
+    {"Auto", QT_TRANSLATE_NOOP("HelpWindow", "tracking goes on to the end of the recording until Stop")},
     {"Auto split",
-     "doubtful units are split or repaired one by one until it is switched off; mark the units of the "
-     "first time point as elite before: parents without elite ancestors count as one nucleus"},
+     QT_TRANSLATE_NOOP(
+         "HelpWindow",
+         "doubtful units are split or repaired one by one until it is switched off; mark the units of the "
+         "first time point as elite before: parents without elite ancestors count as one nucleus")},
+};
+
+const help_row buttons[] = {
+    {"Drop FP",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "take every ROI marked as a false positive out of the recording; the next save leaves "
+                       "them out")},
+    {"Clean Up",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "mark every ROI that is neither selected nor tracked as a false positive")},
+    {"Restore ROIs",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "replace the ROIs of all time points after this one by those of an ROI file of "
+                       "this recording")},
+    {"Read Info, Save Info",
+     QT_TRANSLATE_NOOP("HelpWindow", "the selection, from and to a file; reading adds to it")},
+    {"Read FP, Save FP",
+     QT_TRANSLATE_NOOP("HelpWindow", "the false positives, from and to a file; reading adds to them")},
+    {"Forward, Backward tracking",
+     QT_TRANSLATE_NOOP("HelpWindow", "step in time and mark what overlaps the ROIs selected or tracked")},
+    {"Select all",
+     QT_TRANSLATE_NOOP("HelpWindow", "select every ROI of this time point that is no false positive")},
+    {"Reset",
+     QT_TRANSLATE_NOOP(
+         "HelpWindow",
+         "forget what was tracked, and all units, links and elite marks; the selection and the false "
+         "positives stay")},
 };
 
 struct color_row {
@@ -47,22 +115,25 @@ struct color_row {
 };
 
 const color_row colors[] = {
-    {DEFAULT, "untouched"},
-    {SELECTED, "selected"},
-    {FORWARD, "tracked forward"},
-    {BACKWARD, "tracked backward"},
-    {FORWARD | BACKWARD, "tracked both ways, or related to the lineage head"},
-    {LINEAGE, "the lineage head"},
-    {ELITE, "elite"},
-    {REMOVED, "removed"},
+    {DEFAULT, QT_TRANSLATE_NOOP("HelpWindow", "untouched")},
+    {SELECTED, QT_TRANSLATE_NOOP("HelpWindow", "selected")},
+    {FORWARD, QT_TRANSLATE_NOOP("HelpWindow", "tracked forward")},
+    {BACKWARD, QT_TRANSLATE_NOOP("HelpWindow", "tracked backward")},
+    {FORWARD | BACKWARD,
+     QT_TRANSLATE_NOOP("HelpWindow", "tracked both ways, or related to the chosen nucleus")},
+    {LINEAGE, QT_TRANSLATE_NOOP("HelpWindow", "the chosen nucleus")},
+    {ELITE, QT_TRANSLATE_NOOP("HelpWindow", "elite")},
+    {REMOVED, QT_TRANSLATE_NOOP("HelpWindow", "false positive")},
 };
+
+QString tr(const char* text) { return QCoreApplication::translate("HelpWindow", text); }
 
 template <class Rows>
 QString table(const char* title, const Rows& rows)
 {
-    QString html = QString("<h3>%1</h3><table cellspacing=4>").arg(title);
+    QString html = QString("<h3>%1</h3><table cellspacing=4>").arg(tr(title));
     for (const help_row& row : rows)
-        html += QString("<tr><td><b>%1</b></td><td>%2</td></tr>").arg(row.what, row.does);
+        html += QString("<tr><td><b>%1</b></td><td>%2</td></tr>").arg(tr(row.what), tr(row.does));
     return html + "</table>";
 }
 
@@ -77,16 +148,20 @@ HelpWindow::HelpWindow(const LineageAccess& access) : QTextBrowser(&access.windo
 {
     setWindowFlag(Qt::Window);
     setObjectName("helpWindow");
-    setWindowTitle(QCoreApplication::translate("HelpWindow", "Nuclear Detector: help"));
+    setWindowTitle(tr("Nuclear Detector: help"));
     resize(640, 720);
 }
 
 void HelpWindow::update_text()
 {
-    QString html = table("Keys", keys) + table("Mouse", mouse) + table("Modes", modes);
-    html += "<h3>Colours; on the right, under the pointer</h3><table cellspacing=4>";
+    QString html = table(QT_TRANSLATE_NOOP("HelpWindow", "Words"), words) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Keys"), keys) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Mouse"), mouse) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Modes"), modes) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Buttons"), buttons);
+    html += "<h3>" + tr("Colours; on the right, under the pointer") + "</h3><table cellspacing=4>";
     for (const auto& [index, state] : colors)
         html += "<tr>" + swatch(_access.color(index)) + swatch(_access.color(index | HIGHLIGHT)) +
-                QString("<td>%1</td></tr>").arg(state);
+                QString("<td>%1</td></tr>").arg(tr(state));
     setHtml(html + "</table>");
 }

@@ -7,7 +7,6 @@
 
 #include <QEvent>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QScopeGuard>
 #include <QSignalBlocker>
 
@@ -89,7 +88,7 @@ const button_row buttons[] = {
      "tree",
      QT_TRANSLATE_NOOP("LineagePage", "Tree"),
      {378, 32, 60, 26},
-     QT_TRANSLATE_NOOP("LineagePage", "Draw the lineage as a tree (of one unit: choose it with L)")},
+     QT_TRANSLATE_NOOP("LineagePage", "Draw the lineage as a tree (of one nucleus: choose it with L)")},
     {&LineagePage::help,
      "help",
      QT_TRANSLATE_NOOP("LineagePage", "Help"),
@@ -119,7 +118,7 @@ file_question lineage_question(QFileDialog::AcceptMode mode, const char* object_
 
 QString line_of(const QString& of_what, const tally& t)
 {
-    return QString("%1: %2 ROIs, %3 units, %4 links, %5 doubtful, %6 dead ends, %7 unlinked")
+    return LineagePage::tr("%1: %2 ROIs, %3 units, %4 links, %5 doubtful, %6 dead ends, %7 unlinked")
         .arg(of_what)
         .arg(t.rois)
         .arg(t.units)
@@ -289,14 +288,14 @@ void LineagePage::make_all_units()
 bool LineagePage::may_drop_links()
 {
     return _access.links().empty() ||
-           QMessageBox::question(this, tr("Make links? -- ORVBrowser"),
-                                 tr("There are links already. Do you want to replace them?"),
-                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+           ask_yes_or_no(this, tr("Make links? -- ORVBrowser"),
+                         tr("There are links already. Do you want to replace them?"), QMessageBox::No);
 }
 
 void LineagePage::make_all_links()
 {
-    if (!may_drop_links() || !_access.is_open())
+    const QPointer<LineagePage> self(this);
+    if (!may_drop_links() || !self || !_access.is_open())
         return;
     run_over_time(_access.min_time_point() + 1, [this](int t) {
         _access.drop_links_into(t);
@@ -327,8 +326,10 @@ void LineagePage::show_next_doubtful()
     const auto next = candidates.upper_bound(_last_doubtful);
     _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
     std::cout << "Doubt unit: " << _last_doubtful << std::endl;
+    const QPointer<LineagePage> self(this);
     _access.window().view(_last_doubtful);
-    _access.highlight(_last_doubtful);
+    if (self)
+        _access.highlight(_last_doubtful);
 }
 
 void LineagePage::toggle_auto_split(bool on)
@@ -344,10 +345,11 @@ void LineagePage::toggle_auto_split(bool on)
 
 void LineagePage::read_file()
 {
+    const QPointer<LineagePage> self(this);
     const std::string filename = native_name(ask_filename(
         this, lineage_question(QFileDialog::AcceptOpen, "open lineage-file", tr("Choose a filename to read")),
         default_file(_access.dataset(), ".lineage")));
-    if (filename.empty() || !is_there(filename) || !_access.is_open())
+    if (filename.empty() || !self || !is_there(filename) || !_access.is_open())
         return;
     if (std::optional<lineage> units = read_lineage(filename, _access.dataset(), _access.rois()))
         _access.replace(std::move(*units));
@@ -355,12 +357,16 @@ void LineagePage::read_file()
 
 void LineagePage::save_file()
 {
+    const QPointer<LineagePage> self(this);
     save_lineage_file->setEnabled(false);
     const QString filename = ask_filename(
         this,
         lineage_question(QFileDialog::AcceptSave, "save lineage-file", tr("Choose a filename to save under")),
         default_file(_access.dataset(), ".lineage"));
-    if (!filename.isEmpty() && may_write(this, filename) && _access.is_open())
+    const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
+    if (!self)
+        return;
+    if (is_wanted && _access.is_open())
         write_lineage(native_name(filename), _access.dataset(), _access.current());
     enable_controls();
 }

@@ -1,8 +1,11 @@
 // The window's start and end, and what its other files share.
 #include "orvbrowser.h"
 
+#include "keyboard_rules.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCloseEvent>
+#include <QWindow>
 
 namespace {
 
@@ -20,6 +23,8 @@ ORVBrowser::ORVBrowser(QWidget* parent, const char* name, Qt::WindowFlags flags)
     resize(QSize(620, 878).expandedTo(minimumSizeHint()));
     connectWidgets();
     textLabel3->setBuddy(tabWidget_control_panel);
+    new KeyboardRules(*this, *this, *frame_canvas);
+    frame_canvas->installEventFilter(this);
     init();
 }
 
@@ -77,6 +82,22 @@ void ORVBrowser::closeEvent(QCloseEvent* e)
     QWidget::closeEvent(e);
 }
 
+void ORVBrowser::showEvent(QShowEvent* e)
+{
+    if (QWindow* const shown_in = window()->windowHandle())
+        shown_in->installEventFilter(this);
+    QWidget::showEvent(e);
+}
+
+bool ORVBrowser::eventFilter(QObject* watched, QEvent* e)
+{
+    if (watched == frame_canvas && e->type() == QEvent::Leave && has_rois())
+        light_roi("");
+    if (watched == window()->windowHandle() && e->type() == QEvent::Expose)
+        ask_for_missing_image();
+    return QWidget::eventFilter(watched, e);
+}
+
 // Inside a handler that runs while events are processed already, the loop around it goes on with them.
 void ORVBrowser::processEvents()
 {
@@ -84,10 +105,12 @@ void ORVBrowser::processEvents()
         process_events_of_run(QEventLoop::AllEvents);
 }
 
+bool ORVBrowser::can_process_events() const noexcept { return m_event_depth < max_event_depth; }
+
 bool ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
 {
     QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
-    if (m_event_depth >= max_event_depth || !dispatcher)
+    if (!can_process_events() || !dispatcher)
         return false;
     const QPointer<ORVBrowser> self(this);    // a handler may delete the window
     ++m_event_depth;

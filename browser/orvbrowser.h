@@ -39,7 +39,8 @@ class unit_pixels;
 class ORVBrowser : public QWidget, public WindowControls {
     Q_OBJECT
 
-    // The slots are spelt with these short names.
+protected:
+    // The slots are spelt with these short names; a derived class that overrides one may use them too.
     using string = std::string;
     template <class T>
     using set = std::set<T>;
@@ -238,7 +239,7 @@ protected:
     set<string> m_bwd_roi_set;
     set<string> m_selected_roi_set;
     set<string> m_mouse_over_roi_set;
-    QApplication* m_app = nullptr;    // not owned; its events are those of the thread
+    QApplication* m_app = nullptr;    // not owned
     QPixmap m_pix;                    // the composed picture of the canvas
     string m_roi_ext_dir;
     int m_max_focal_plane = 0;
@@ -276,6 +277,8 @@ protected:
     bool m_split_mode = false;
 
     void closeEvent(QCloseEvent* e) override;    // ends the run that is going on
+    void showEvent(QShowEvent* e) override;
+    bool eventFilter(QObject* watched, QEvent* e) override;
 
 private:
     friend class LongRun;
@@ -288,8 +291,10 @@ private:
     void setTrackingButtonsEnabled(bool on);
 
     // ---- Helpers of several files
-    [[nodiscard]] bool isOpen() const noexcept { return m_roidb && m_imgdb && m_q_roiimgdb; }
+    [[nodiscard]] bool isOpen() const noexcept { return has_rois() && m_imgdb; }
+    [[nodiscard]] bool has_rois() const noexcept { return m_roidb && m_q_roiimgdb; }
     void processEvents();
+    [[nodiscard]] bool can_process_events() const noexcept;
     bool process_events_of_run(QEventLoop::ProcessEventsFlags flags);    // false when there were none
     void show_changes();               // marks the picture as out of date and paints it at once
     void finish();                     // the same, and lets pending events be processed
@@ -297,8 +302,16 @@ private:
     void release_dropped_rasters();    // unless a run may hold one
 
     // ---- Navigation
-    void set_position(int& position, int value, QSlider& slider, QLineEdit& field);
-    [[nodiscard]] string image_filename() const;
+    struct position_controls {
+        int& position;
+        QSlider& slider;
+        QLineEdit& field;
+        bool& is_mirroring;    // the controls are being set: what they signal asks for nothing
+    };
+    [[nodiscard]] position_controls time_controls();
+    [[nodiscard]] position_controls plane_controls();
+    void set_position(const position_controls& controls, int value);
+    [[nodiscard]] string image_filename();
     void reset_recording_state();
     void take_time_bounds();
 
@@ -316,7 +329,9 @@ private:
     void set_mode(bool& mode, bool on);
     void show_mode_cursor();
     bool press_mode_key(int key);    // true iff it is one
+    void press_other_key(int key);
     void toggle_lineage_mode();
+    void light_roi(const string& key);
     void click_in_lineage_modes(const string& key);
     void mark_roi(const string& key, Qt::MouseButton button);
     void click_in_split_mode(const string& key, bool left, QPoint at);
@@ -325,6 +340,7 @@ private:
     // ---- Canvas
     void paint_canvas();       // at once
     void refresh_picture();    // if it is out of date
+    void ask_for_missing_image();
     [[nodiscard]] bool is_picture_current() const;
     void show_changed_rois();
     [[nodiscard]] std::optional<QRect> area_of_changed_rois();
@@ -332,7 +348,8 @@ private:
     [[nodiscard]] set<string> units_reached_on_view();
     [[nodiscard]] int color_index(const string& key, const set<string>& reached);
     [[nodiscard]] int look_of(const string& key, const set<string>& reached);
-    void paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached);
+    void paint_rois(QPixmap& pix, const QRect& area);
+    void paint_roi(QPainter& painter, plane_roi& r, int look);
 
     // ---- Tracking
     void add_to_unit(const string& key);
@@ -359,6 +376,7 @@ private:
     void leave_unit(const string& key);
     void forget_missing_members();
     void register_unit(const string& unit, const set<string>& members);
+    void move_choice(const string& from, const string& to);
     [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
     [[nodiscard]] set<string> parents_into(int t) const;
     [[nodiscard]] set<string> units_reached_at(int t, const string& unit);
@@ -404,10 +422,11 @@ private:
     void link_to_halves(const half_of_unit& half_of, const string& head_plus, const string& head_minus);
     [[nodiscard]] string nearest(const set<string>& units, const string& to);
 
-    std::map<const bool*, QCursor> m_cursor_before;    // by mode: the cursor shown before it
-    int m_drawn_time_point = -1;                       // the position of the picture in m_pix
+    std::map<const bool*, QCursor> m_cursor_before;    // by the flag of a mode: the cursor shown before it
+    bool m_is_mirroring_time = false;
+    bool m_is_mirroring_plane = false;
+    int m_drawn_time_point = -1;    // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
-    QRect m_area_to_paint;    // what myPaint() and drawROI(), whose signatures are fixed, paint; null: all
     unsigned long m_recording = 0;    // counts the recordings opened and closed, so that a run notices
     unsigned long m_edits = 0;        // counts the changes of units, links and elite marks
     int m_runs = 0;                   // the runs going on, one inside the other

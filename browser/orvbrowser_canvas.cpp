@@ -44,6 +44,15 @@ void ORVBrowser::refresh_picture()
     frame_canvas->set_picture(m_pix);
 }
 
+// The window system shows the window anew: an image that was missing may be there by now.
+void ORVBrowser::ask_for_missing_image()
+{
+    if (!m_imgdb || m_imgdb->cached(m_time_point, m_focal_plane))
+        return;
+    dirty = true;
+    update();
+}
+
 // Brings the picture up to date at once, like show_changes(), when only the looks of ROIs may have
 // changed: paints anew only where they have. Lineage lines may cross any place.
 void ORVBrowser::show_changed_rois()
@@ -59,9 +68,9 @@ void ORVBrowser::show_changed_rois()
     if (area->isNull())
         return;
     frame_canvas->release_picture();
-    m_area_to_paint = *area;
-    myPaint();
-    m_area_to_paint = QRect();
+    QPainter(&m_pix).drawPixmap(*area, *image, *area);
+    paint_rois(m_pix, *area);
+    release_dropped_rasters();
     frame_canvas->show_changed_picture(m_pix, *area);
 }
 
@@ -70,7 +79,8 @@ std::optional<QRect> ORVBrowser::area_of_changed_rois()
 {
     const set<string> reached = units_reached_on_view();
     QRect area;
-    for (const plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+    const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+    for (const plane_roi& r : plane->rois) {
         if (r.painted_as == plane_roi::not_painted)
             return std::nullopt;
         if (r.painted_as != look_of(*r.key, reached))
@@ -83,11 +93,7 @@ void ORVBrowser::myPaint()
 {
     if (!m_imgdb)
         return;
-    if (m_area_to_paint.isNull())
-        m_pix = background();
-    else
-        QPainter(&m_pix).drawPixmap(m_area_to_paint, *m_imgdb->cached(m_time_point, m_focal_plane),
-                                    m_area_to_paint);
+    m_pix = background();
     drawROI(m_pix);
     if (m_show_centroid)
         drawLineage(m_pix);
@@ -104,11 +110,12 @@ QPixmap ORVBrowser::background()
     QRect covered = image.rect();
     if (image.isNull())
         covered = frame_canvas->rect();
-    else if (isOpen())
-        for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+    else if (has_rois()) {
+        const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+        for (plane_roi& r : plane->rois)
             if (m_q_roiimgdb->raster_of(r)->size() > 0)
                 covered |= rect_of(r.box) & frame_canvas->rect();
-        }
+    }
     if (covered == image.rect())
         return image;
     if (!image.isNull() && !is_known)
@@ -119,18 +126,26 @@ QPixmap ORVBrowser::background()
     return picture;
 }
 
-void ORVBrowser::drawROI(QPixmap& pix)
+void ORVBrowser::drawROI(QPixmap& pix) { paint_rois(pix, pix.rect()); }
+
+// Of the ROIs on view, those that reach into the area, and nothing outside it. What the canvas shows them
+// as is kept for show_changed_rois().
+void ORVBrowser::paint_rois(QPixmap& pix, const QRect& area)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
+    const bool is_canvas = &pix == &m_pix;
     const set<string> reached = units_reached_on_view();
     QPainter painter(&pix);
-    if (!m_area_to_paint.isNull())
-        painter.setClipRect(m_area_to_paint);
-    for (plane_roi& r : m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois) {
+    painter.setClipRect(area);
+    const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+    for (plane_roi& r : plane->rois) {
         m_q_roiimgdb->raster_of(r);
-        if (m_area_to_paint.isNull() || rect_of(r.box).intersects(m_area_to_paint))
-            paint_roi(painter, r, reached);
+        const int look = look_of(*r.key, reached);
+        if (is_canvas && (area == pix.rect() || rect_of(r.box).intersects(area)))
+            r.painted_as = look;
+        if (look != not_shown && rect_of(r.box).intersects(area))
+            paint_roi(painter, r, look);
     }
 }
 
@@ -173,12 +188,8 @@ int ORVBrowser::look_of(const string& key, const set<string>& reached)
     return is_hidden ? not_shown : s;
 }
 
-void ORVBrowser::paint_roi(QPainter& painter, plane_roi& r, const set<string>& reached)
+void ORVBrowser::paint_roi(QPainter& painter, plane_roi& r, int look)
 {
-    const int look = look_of(*r.key, reached);
-    r.painted_as = look;
-    if (look == not_shown)
-        return;
     painter.setPen(QPen(color[look], 1, Qt::SolidLine));
     const QPolygon& outline = m_q_roiimgdb->raster_of(r)->qpointarray();
     if (outline.size() == 1)

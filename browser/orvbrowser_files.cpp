@@ -1,17 +1,50 @@
 // ROI files: opening a recording from one, saving it, and dropping the ROIs marked as removed.
 #include "error_line.h"
 #include "file_dialogs.h"
+#include "file_io.h"
 #include "orvbrowser.h"
+#include "roi_reader.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace {
 
 const QString roi_filter = QStringLiteral("roi file (*.roi)");
 
+// The first words of our other files.
+constexpr std::string_view other_keywords[] = {"NAME", "TRACK"};
+
+bool holds_a_nul_byte(const std::string& filename)
+{
+    file_reader file(filename);
+    for (std::string_view piece = file.at_hand(); !piece.empty(); piece = file.at_hand()) {
+        if (piece.find('\0') != std::string_view::npos)
+            return true;
+        file.take(piece.size());
+    }
+    return false;
+}
+
+// False, and one line, for a file that surely is no ROI file: opening it would close the recording that is
+// open.
+bool may_hold_rois(const std::string& filename)
+{
+    std::string first_word;
+    (void)roi_reader(filename).read_word(first_word);
+    if (std::ranges::find(other_keywords, first_word) == std::end(other_keywords) &&
+        !holds_a_nul_byte(filename))
+        return true;
+    error_line("Not an ROI file: ", filename);
+    return false;
+}
+
 }    // namespace
 
 bool ORVBrowser::openRoiFile(const string& filename)
 {
-    if (!is_there(filename))
+    if (!is_there(filename) || !may_hold_rois(filename))
         return false;
     setCursor(Qt::WaitCursor);
     // Read first: what is open stays open when the file cannot be read.
@@ -21,6 +54,8 @@ bool ORVBrowser::openRoiFile(const string& filename)
         error_line("Not an ROI file: ", filename);
         was_read = false;
     }
+    if (was_read && roidb->db.empty())
+        error_line("0 ROIs read");
     if (was_read)
         open_recording(std::move(roidb));
     end_waiting();
@@ -45,9 +80,12 @@ void ORVBrowser::open_recording(std::unique_ptr<roidb_plus> roidb)
 
 void ORVBrowser::pushButton_read_roifile_clicked()
 {
+    const QPointer<ORVBrowser> self(this);
     const QString filename = ask_filename(
         this, {QFileDialog::AcceptOpen, roi_filter, "open file dialog", tr("Choose a filename to read")},
         default_file(m_dataset, ".roi"));
+    if (!self)
+        return;
     if (!filename.isEmpty() && !openRoiFile(native_name(filename)) && m_roidb)
         take_time_bounds();
     finish();
@@ -55,12 +93,16 @@ void ORVBrowser::pushButton_read_roifile_clicked()
 
 void ORVBrowser::pushButton_save_roifile_clicked()
 {
+    const QPointer<ORVBrowser> self(this);
     pushButton_save_roifile->setEnabled(false);
     const QString filename = ask_filename(
         this,
         {QFileDialog::AcceptSave, roi_filter, "save file dialog", tr("Choose a filename to save under")},
         default_file(m_dataset, ".roi"));
-    if (!filename.isEmpty() && may_write(this, filename))
+    const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
+    if (!self)
+        return;
+    if (is_wanted)
         save_rois(native_name(filename));
     pushButton_save_roifile->setEnabled(true);
     frame_canvas->setFocus();    // it went to another button meanwhile
@@ -93,10 +135,12 @@ void ORVBrowser::pushButton_drop_false_positive_clicked()
 {
     if (!m_roidb)
         return;
+    const QPointer<ORVBrowser> self(this);
     setCursor(Qt::WaitCursor);
     for (const std::string& key : m_removed_roi_set)
         drop_roi(key);
     forget_missing_members();
     finish();
-    end_waiting();
+    if (self)
+        end_waiting();
 }

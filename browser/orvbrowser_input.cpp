@@ -6,8 +6,8 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
-#include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -17,9 +17,9 @@ void toggle(std::set<std::string>& keys, const std::string& key)
         keys.insert(key);
 }
 
-bool covers(const plane_roi& r, int x, int y)
+bool covers(const q_roiimg& raster, const pixel_box& box, int x, int y)
 {
-    return r.box.contains(x, y) && r.raster->value(x - r.box.left, y - r.box.top) != 0;
+    return box.contains(x, y) && raster.value(x - box.left, y - box.top) != 0;
 }
 
 }    // namespace
@@ -34,16 +34,16 @@ bool ORVBrowser::isElite(string key) { return m_elite_head_roi_set.contains(key)
 
 std::string ORVBrowser::xyROI(int x, int y)
 {
-    if (!isOpen())
+    if (!has_rois())
         return {};
     std::string hit;
-    auto& rois = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane)->rois;
-    const auto found = std::ranges::find_if(rois, [&](plane_roi& r) {
-        m_q_roiimgdb->raster_of(r);
-        return covers(r, x, y);
-    });
-    if (found != rois.end())
-        hit = *found->key;
+    const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+    for (plane_roi& r : plane->rois) {
+        if (!covers(*m_q_roiimgdb->raster_of(r), r.box, x, y))
+            continue;
+        hit = *r.key;
+        break;
+    }
     release_dropped_rasters();
     return hit;
 }
@@ -120,7 +120,15 @@ bool ORVBrowser::press_mode_key(int key)
 
 void ORVBrowser::keyPressEvent(QKeyEvent* e)
 {
-    const int key = press_mode_key(e->key()) ? 0 : e->key();
+    const QPointer<ORVBrowser> self(this);
+    if (!press_mode_key(e->key()))
+        press_other_key(e->key());
+    if (self)    // what the key started may let handlers run, which may delete the window
+        processEvents();
+}
+
+void ORVBrowser::press_other_key(int key)
+{
     switch (key) {
     case Qt::Key_C:
         m_show_centroid = !m_show_centroid;
@@ -152,7 +160,6 @@ void ORVBrowser::keyPressEvent(QKeyEvent* e)
     default:
         break;
     }
-    processEvents();
 }
 
 void ORVBrowser::toggle_lineage_mode()
@@ -182,21 +189,27 @@ void ORVBrowser::wheelEvent(QWheelEvent* e)
 
 void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     const QPoint at = e->position().toPoint() - frame_canvas->pos();
     if (!frame_canvas->rect().contains(at))
         return;
+    light_roi(xyROI(at.x(), at.y()));
+    processEvents();
+}
+
+// That one alone; none when the key is empty.
+void ORVBrowser::light_roi(const string& key)
+{
     set<string> under_pointer;
-    if (std::string key = xyROI(at.x(), at.y()); !key.empty())
-        under_pointer.insert(std::move(key));
+    if (!key.empty())
+        under_pointer.insert(key);
     if (under_pointer != m_mouse_over_roi_set) {
         m_mouse_over_roi_set = std::move(under_pointer);
         show_changed_rois();
     } else if (dirty) {
         paint_canvas();
     }
-    processEvents();
 }
 
 void ORVBrowser::mousePressEvent(QMouseEvent* e)
@@ -214,6 +227,7 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
         finish();
         return;
     }
+    const QPointer<ORVBrowser> self(this);    // a split lets handlers run, which may delete the window
     if (in_lineage_modes) {
         if (left)
             click_in_lineage_modes(key);
@@ -224,7 +238,8 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
     } else if (left) {
         click_in_merge_mode(key);
     }
-    finish();
+    if (self)
+        finish();
 }
 
 // The one-shot modes that act on the unit under the pointer; the first that is armed takes the click.
@@ -262,13 +277,14 @@ void ORVBrowser::mark_roi(const string& key, Qt::MouseButton button)
 }
 
 // The first clicks pick the parents; once there are two, the next click, anywhere, splits at its point.
+// The mode ends before that: the second half of a double click must not split once more.
 void ORVBrowser::click_in_split_mode(const string& key, bool left, QPoint at)
 {
     if (m_split_parents.size() > 1) {
-        if (!m_lineage_mode_roi_set.empty())
-            manualSplit(*m_lineage_mode_roi_set.begin(), m_split_parents, at.x(), at.y(), m_focal_plane);
-        m_split_parents.clear();
+        const set<string> split_parents = std::exchange(m_split_parents, {});
         setSplitMode(false);
+        if (!m_lineage_mode_roi_set.empty())
+            manualSplit(*m_lineage_mode_roi_set.begin(), split_parents, at.x(), at.y(), m_focal_plane);
     } else if (left && !key.empty()) {
         m_split_parents.insert(head(key));
     }

@@ -138,7 +138,7 @@ pos3d ORVBrowser::g(string key)
 {
     pos3d sum;
     double volume = 0;
-    if (!isOpen())
+    if (!has_rois())
         return sum / volume;
     for (const std::string& m : member(key)) {
         const roi r = m_roidb->find_plus(m);
@@ -159,7 +159,7 @@ pos3d ORVBrowser::E_g(string key)
 
 bool ORVBrowser::isLink(string parent, string child)
 {
-    if (!isOpen())
+    if (!has_rois())
         return false;
     const set<string> p_member = member(parent);
     for (const std::string& c : member(child)) {
@@ -194,7 +194,7 @@ ORVBrowser::members_by_plane ORVBrowser::unit_members_at(int t)
 // Links what isLink() finds overlapping, looking only at members of one plane.
 void ORVBrowser::makeLinkage(int t)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     const LongRun run(*this);    // keeps the rasters of both time points
     ++m_edits;

@@ -51,8 +51,9 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
 void ORVBrowser::read_marks(const file_question& question, const char* suffix, const char* keyword,
                             set<string>& marks)
 {
+    const QPointer<ORVBrowser> self(this);
     const std::string filename = native_name(ask_filename(this, question, default_file(m_dataset, suffix)));
-    if (filename.empty() || !is_there(filename))
+    if (filename.empty() || !self || !is_there(filename))
         return;
     read_mark_file(filename, m_dataset, keyword, marks);
     show_changes();
@@ -61,9 +62,13 @@ void ORVBrowser::read_marks(const file_question& question, const char* suffix, c
 void ORVBrowser::save_marks(QPushButton& button, const file_question& question, const char* suffix,
                             const char* keyword, const set<string>& marks)
 {
+    const QPointer<ORVBrowser> self(this);
     button.setEnabled(false);
     const QString filename = ask_filename(this, question, default_file(m_dataset, suffix));
-    if (!filename.isEmpty() && may_write(this, filename))
+    const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
+    if (!self)
+        return;
+    if (is_wanted)
         write_mark_file(native_name(filename), m_dataset, keyword, marks);
     button.setEnabled(true);
     frame_canvas->setFocus();    // it went to another button meanwhile
@@ -85,9 +90,11 @@ void ORVBrowser::pushButton_save_info_clicked()
 
 void ORVBrowser::pushButton_read_FP_clicked()
 {
+    const QPointer<ORVBrowser> self(this);
     read_marks(fp_question(QFileDialog::AcceptOpen, "open fp-file", tr("Choose a filename to read")), ".fp",
                "FP", m_removed_roi_set);
-    processEvents();
+    if (self)
+        processEvents();
 }
 
 void ORVBrowser::pushButton_save_FP_clicked()
@@ -120,7 +127,7 @@ void ORVBrowser::pushButton_clean_clicked()
                 to_remove.insert(to_remove.end(), key);
     }
     if (to_remove.size() == rois) {    // marks that name no ROI of the recording count for nothing
-        error_line("Nothing is selected or tracked: no ROI is marked as removed");
+        error_line("Nothing is selected or tracked: no ROI is marked as a false positive");
         return;
     }
     m_removed_roi_set.merge(to_remove);
@@ -133,7 +140,10 @@ void ORVBrowser::pushButton_restore_clicked()
         return;
     const file_question question{QFileDialog::AcceptOpen, "roi file (*.roi)", "open restore file dialog",
                                  tr("Choose a filename to read")};
+    const QPointer<ORVBrowser> self(this);
     const std::string filename = native_name(ask_filename(this, question, default_file(m_dataset, ".roi")));
+    if (!self)
+        return;
     if (!filename.empty() && isOpen() && is_there(filename))
         restore_rois(filename);
     finish();

@@ -56,5 +56,7 @@ void ORVBrowser::mergeUnits(string a, string b)
             link(head, child);
     m_elite_head_roi_set.erase(a);
     m_elite_head_roi_set.erase(b);
+    move_choice(a, head);
+    move_choice(b, head);
     ++m_edits;
 }

@@ -41,9 +41,9 @@ std::string ORVBrowser::make_img_base(string dataset)
     return root + dataset + "/";
 }
 
-std::string ORVBrowser::image_filename() const
+std::string ORVBrowser::image_filename()
 {
-    return m_img_base + ::digit3(m_time_point) + "-" + ::digit3(m_focal_plane) + ".jpg";
+    return m_img_base + digit3(m_time_point) + "-" + digit3(m_focal_plane) + ".jpg";
 }
 
 void ORVBrowser::setMaxTimePoint(int t)
@@ -70,31 +70,37 @@ void ORVBrowser::setMinFocalPlane(int z)
     slider_focal_plane->setMinimum(z);
 }
 
-// The slider and the field mirror the position; were they to answer with signals of their own, one
-// step would build the picture three times.
-void ORVBrowser::set_position(int& position, int value, QSlider& slider, QLineEdit& field)
+ORVBrowser::position_controls ORVBrowser::time_controls()
 {
-    position = value;
-    const QSignalBlocker quiet_slider(slider);
-    const QSignalBlocker quiet_field(field);
-    slider.setValue(value);
-    const QString text = QString::number(value);
-    if (field.text() != text)    // keeps the cursor of who is typing
-        field.setText(text);
+    return {m_time_point, *slider_time_point, *lineEdit_time_point, m_is_mirroring_time};
+}
+
+ORVBrowser::position_controls ORVBrowser::plane_controls()
+{
+    return {m_focal_plane, *slider_focal_plane, *lineEdit_focal_plane, m_is_mirroring_plane};
+}
+
+// The slider and the field mirror the position and tell so. What reaches their slots meanwhile asks for
+// nothing: else one step would build the picture three times. Whoever else listens may step on.
+void ORVBrowser::set_position(const position_controls& controls, int value)
+{
+    controls.position = value;
+    const bool was_mirroring = std::exchange(controls.is_mirroring, true);
+    controls.slider.setValue(value);
+    controls.field.setText(QString::number(controls.position));
+    controls.is_mirroring = was_mirroring;
     dirty = true;
     paint_canvas();
 }
 
 void ORVBrowser::setCurrentTimePoint(int t)
 {
-    set_position(m_time_point, within(t, m_min_time_point, m_max_time_point), *slider_time_point,
-                 *lineEdit_time_point);
+    set_position(time_controls(), within(t, m_min_time_point, m_max_time_point));
 }
 
 void ORVBrowser::setCurrentFocalPlane(int z)
 {
-    set_position(m_focal_plane, within(z, m_min_focal_plane, m_max_focal_plane), *slider_focal_plane,
-                 *lineEdit_focal_plane);
+    set_position(plane_controls(), within(z, m_min_focal_plane, m_max_focal_plane));
 }
 
 void ORVBrowser::timeNext()
@@ -121,18 +127,28 @@ void ORVBrowser::focusDown()
         setCurrentFocalPlane(m_focal_plane + 1);
 }
 
-void ORVBrowser::slider_time_point_valueChanged(int v) { setCurrentTimePoint(v); }
+void ORVBrowser::slider_time_point_valueChanged(int v)
+{
+    if (!m_is_mirroring_time)
+        setCurrentTimePoint(v);
+}
 
-void ORVBrowser::slider_focal_plane_valueChanged(int v) { setCurrentFocalPlane(v); }
+void ORVBrowser::slider_focal_plane_valueChanged(int v)
+{
+    if (!m_is_mirroring_plane)
+        setCurrentFocalPlane(v);
+}
 
 void ORVBrowser::lineEdit_time_point_textChanged(const QString& s)
 {
-    setCurrentTimePoint(typed_number(s, m_time_point));
+    if (!m_is_mirroring_time)
+        setCurrentTimePoint(typed_number(s, m_time_point));
 }
 
 void ORVBrowser::lineEdit_focal_plane_textChanged(const QString& s)
 {
-    setCurrentFocalPlane(typed_number(s, m_focal_plane));
+    if (!m_is_mirroring_plane)
+        setCurrentFocalPlane(typed_number(s, m_focal_plane));
 }
 
 void ORVBrowser::setDataset(string name)
@@ -193,9 +209,10 @@ void ORVBrowser::build_q_roiimgdb()
 
 void ORVBrowser::pushButton_read_clicked()
 {
+    const QPointer<ORVBrowser> self(this);
     read_common();
     build_roidb();
-    if (!m_roidb)    // a handler closed it again
+    if (!self || !m_roidb)    // a handler closed it again
         return;
     build_imgdb();
     build_q_roiimgdb();
@@ -268,4 +285,8 @@ void ORVBrowser::take_time_bounds()
 {
     setMaxTimePoint(m_roidb->t_max());
     setMinTimePoint(m_roidb->t_min());
+    // Between the two, the slider may have been forced to where neither bound is kept.
+    if (m_time_point != within(m_time_point, m_min_time_point, m_max_time_point) ||
+        m_time_point != slider_time_point->value())
+        setCurrentTimePoint(m_time_point);
 }

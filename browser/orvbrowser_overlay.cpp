@@ -43,7 +43,7 @@ void ORVBrowser::paint_links(QPainter& painter, const string& unit)
 
 void ORVBrowser::drawLineage(QPixmap& dic)
 {
-    if (m_linkage_multimap.empty() || !isOpen())
+    if (m_linkage_multimap.empty() || !has_rois())
         return;
     QPainter painter(&dic);
     if (m_min_time_point < m_time_point)

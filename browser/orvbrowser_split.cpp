@@ -41,6 +41,9 @@ void ORVBrowser::pushButton_auto_split_toggled(bool on) { m_auto_split = on; }
 
 void ORVBrowser::pushButton_split_clicked()
 {
+    if (!can_process_events())    // so deep inside other handlers that no event would end it
+        return;
+    const QPointer<ORVBrowser> self(this);
     {
         BusyRun run(*this);
         do {
@@ -55,7 +58,8 @@ void ORVBrowser::pushButton_split_clicked()
                 return;
         } while (m_auto_split);
     }
-    finish();
+    if (self)
+        finish();
 }
 
 // Nothing is left to do but for events, which may bring work or end the run: they are waited for
@@ -75,14 +79,14 @@ bool ORVBrowser::wait_while_auto_split(LongRun& run)
 bool ORVBrowser::split_pass(const LongRun& run)
 {
     search_doubt_units();
-    if (m_falsely_grouped_units_candidates.empty() || !isOpen()) {
+    if (m_falsely_grouped_units_candidates.empty() || !has_rois()) {
         std::cout << "Doubt units: none" << std::endl;
         return false;
     }
     const std::string doubt = *m_falsely_grouped_units_candidates.begin();
-    const bool has_more_parents = m_linkage_multimap.count(doubt) > 2;
+    const unsigned long edits = m_edits;
     handle_suspect(doubt);
-    return run.alive() && (has_more_parents || m_linkage_multimap.count(doubt) < 2);
+    return run.alive() && m_edits != edits;
 }
 
 void ORVBrowser::handle_suspect(const string& doubt)
@@ -169,7 +173,7 @@ void ORVBrowser::manualSplit(string doubt, set<string> ps, int x, int y, int z)
     std::cout << "    doubt: " << doubt << "  parents: " << ps << std::endl;
     const bool are_units = ps.size() > 1 && !member(doubt).empty() && !member(*ps.begin()).empty() &&
                            !member(*std::next(ps.begin())).empty();
-    if (!are_units || !isOpen()) {
+    if (!are_units || !has_rois()) {
         std::cout << "Cannot split " << doubt << ": not a unit and two parent units" << std::endl;
         return;
     }

@@ -51,7 +51,7 @@ void ORVBrowser::add_to_unit(const string& key)
 void ORVBrowser::flood(const roi& r_from, int t, int z, double mor_t, double mor_z,
                        const std::function<bool(const string&)>& take)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     LongRun run(*this);
     std::vector<flood_level> levels;
@@ -115,7 +115,7 @@ bool ORVBrowser::for_each_marked(int t, const set<string>& keys, const std::func
 // Spreads the selection of time point t over its planes, then steps to time point t_to.
 void ORVBrowser::track(int t, int t_to, set<string>& reached)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     const bool alive = for_each_marked(
         t, m_selected_roi_set, [&](roi& r) { checkAdjacentFocalPlane(r, t, r.z(), &reached, 0.0, 0.0); });
@@ -133,7 +133,7 @@ void ORVBrowser::backwardTracking(int start_time_point)
 
 void ORVBrowser::zTracking(int t)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     LongRun run(*this);
     for_each_marked(t, m_selected_roi_set, [&](roi& r) {
@@ -166,7 +166,7 @@ void ORVBrowser::pushButton_backward_tracking_clicked()
 // Runs step() once, and again while "Auto" is on. step() answers whether the recording's end is reached.
 void ORVBrowser::repeat_tracking(const std::function<bool(const LongRun&)>& step)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     BusyRun run(*this);
     do {
@@ -184,7 +184,7 @@ void ORVBrowser::repeat_tracking(const std::function<bool(const LongRun&)>& step
 
 void ORVBrowser::do_zTracking()
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     BusyRun run(*this);
     zTracking(m_time_point);

@@ -54,6 +54,13 @@ void ORVBrowser::register_unit(const string& unit, const set<string>& members)
     ++m_edits;
 }
 
+// The chosen nucleus stays chosen under its new name; a nucleus that is gone ("") is no longer.
+void ORVBrowser::move_choice(const string& from, const string& to)
+{
+    if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
+        m_lineage_mode_roi_set.insert(to);
+}
+
 // The unit of an ROI that is gone: without its head it is named by the smallest key that is left.
 void ORVBrowser::leave_unit(const string& key)
 {
@@ -70,7 +77,7 @@ void ORVBrowser::leave_unit(const string& key)
     forget_unit(unit);
     m_members_head.erase(key);
     const bool was_elite = m_elite_head_roi_set.erase(unit) > 0;
-    m_lineage_mode_roi_set.erase(unit);
+    move_choice(unit, members.empty() ? "" : *members.begin());
     if (members.empty())
         return;
     const std::string new_head = *members.begin();
@@ -99,7 +106,8 @@ unsigned int ORVBrowser::ID(string a)
     constexpr unsigned int per_time_point = 1000;
     // Outlives recordings: a key keeps its number for the rest of the program's run.
     static std::multimap<unsigned int, string> keys;
-    const auto t = static_cast<unsigned int>(decode(a).t());
+    constexpr std::size_t shortest_key = 9;    // that decode() takes; "N/A" counts at time point 0
+    const auto t = static_cast<unsigned int>(a.size() < shortest_key ? 0 : decode(a).t());
     const auto [first, last] = keys.equal_range(t);
     unsigned int count = 0;
     for (auto entry = first; entry != last; ++entry, ++count)

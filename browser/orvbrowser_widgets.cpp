@@ -13,7 +13,7 @@ struct button_row {
     Qt::FocusPolicy focus;
 };
 
-constexpr Qt::FocusPolicy keyboard = Qt::StrongFocus;
+constexpr Qt::FocusPolicy keyboard = Qt::TabFocus;    // a click leaves the keyboard to the canvas
 constexpr Qt::FocusPolicy no_focus = Qt::NoFocus;
 
 const button_row file_buttons[] = {
@@ -45,27 +45,56 @@ const button_row tracking_buttons[] = {
 struct button_text {
     QPushButton* ORVBrowser::*button;
     const char* text;
+    const char* tip;
 };
 
 const button_text button_texts[] = {
-    {&ORVBrowser::pushButton_read_roifile, QT_TRANSLATE_NOOP("ORVBrowser", "Read ROIs")},
-    {&ORVBrowser::pushButton_read_info, QT_TRANSLATE_NOOP("ORVBrowser", "Read Info")},
-    {&ORVBrowser::pushButton_save_info, QT_TRANSLATE_NOOP("ORVBrowser", "Save Info")},
-    {&ORVBrowser::pushButton_save_roifile, QT_TRANSLATE_NOOP("ORVBrowser", "Save ROIs")},
-    {&ORVBrowser::pushButton_drop_false_positive, QT_TRANSLATE_NOOP("ORVBrowser", "Drop\nFP")},
-    {&ORVBrowser::pushButton_clean, QT_TRANSLATE_NOOP("ORVBrowser", "Clean\nUp")},
+    {&ORVBrowser::pushButton_read_roifile, QT_TRANSLATE_NOOP("ORVBrowser", "Read ROIs"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Open a recording from its ROI file; the one that is open is closed")},
+    {&ORVBrowser::pushButton_read_info, QT_TRANSLATE_NOOP("ORVBrowser", "Read Info"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Add the selection kept in an info file")},
+    {&ORVBrowser::pushButton_save_info, QT_TRANSLATE_NOOP("ORVBrowser", "Save Info"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Save which ROIs are selected to an info file")},
+    {&ORVBrowser::pushButton_save_roifile, QT_TRANSLATE_NOOP("ORVBrowser", "Save ROIs"),
+     QT_TRANSLATE_NOOP("ORVBrowser",
+                       "Save all ROIs to an ROI file; false positives that were not dropped are saved too")},
+    {&ORVBrowser::pushButton_drop_false_positive, QT_TRANSLATE_NOOP("ORVBrowser", "Drop\nFP"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Take every ROI marked as a false positive out of the recording")},
+    {&ORVBrowser::pushButton_clean, QT_TRANSLATE_NOOP("ORVBrowser", "Clean\nUp"),
+     QT_TRANSLATE_NOOP("ORVBrowser",
+                       "Mark every ROI that is neither selected nor tracked as a false positive")},
     {&ORVBrowser::pushButton_restore,
-     QT_TRANSLATE_NOOP("ORVBrowser", "Restore ROIs\nin the later \ntime points\nfrom current")},
-    {&ORVBrowser::pushButton_exit, QT_TRANSLATE_NOOP("ORVBrowser", "Exit")},
-    {&ORVBrowser::pushButton_read_FP, QT_TRANSLATE_NOOP("ORVBrowser", "Read FP")},
-    {&ORVBrowser::pushButton_save_FP, QT_TRANSLATE_NOOP("ORVBrowser", "Save FP")},
-    {&ORVBrowser::pushButton_z, QT_TRANSLATE_NOOP("ORVBrowser", "Z")},
-    {&ORVBrowser::pushButton_stop, QT_TRANSLATE_NOOP("ORVBrowser", "Stop")},
-    {&ORVBrowser::pushButton_reset, QT_TRANSLATE_NOOP("ORVBrowser", "Reset")},
-    {&ORVBrowser::pushButton_select_all, QT_TRANSLATE_NOOP("ORVBrowser", "Select all")},
-    {&ORVBrowser::pushButton_backward_tracking, QT_TRANSLATE_NOOP("ORVBrowser", "Backward tracking")},
-    {&ORVBrowser::pushButton_auto, QT_TRANSLATE_NOOP("ORVBrowser", "Auto")},
-    {&ORVBrowser::pushButton_forward_tracking, QT_TRANSLATE_NOOP("ORVBrowser", "Forward tracking")},
+     QT_TRANSLATE_NOOP("ORVBrowser", "Restore ROIs\nin the later \ntime points\nfrom current"),
+     QT_TRANSLATE_NOOP(
+         "ORVBrowser",
+         "Replace the ROIs of all later time points by those of an ROI file of this recording")},
+    {&ORVBrowser::pushButton_exit, QT_TRANSLATE_NOOP("ORVBrowser", "Exit"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "End the program; what is not saved is lost")},
+    {&ORVBrowser::pushButton_read_FP, QT_TRANSLATE_NOOP("ORVBrowser", "Read FP"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Add the marks kept in a false-positive file")},
+    {&ORVBrowser::pushButton_save_FP, QT_TRANSLATE_NOOP("ORVBrowser", "Save FP"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Save which ROIs are marked as false positives to a file")},
+    {&ORVBrowser::pushButton_z, QT_TRANSLATE_NOOP("ORVBrowser", "Z"),
+     QT_TRANSLATE_NOOP(
+         "ORVBrowser",
+         "Select across focal planes what overlaps the selection of this time point by more than half (Z)")},
+    {&ORVBrowser::pushButton_stop, QT_TRANSLATE_NOOP("ORVBrowser", "Stop"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Switch Auto off: tracking ends after the step it is in")},
+    {&ORVBrowser::pushButton_reset, QT_TRANSLATE_NOOP("ORVBrowser", "Reset"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Forget what was tracked, and all units, links and elite marks; "
+                                     "selection and false positives stay")},
+    {&ORVBrowser::pushButton_select_all, QT_TRANSLATE_NOOP("ORVBrowser", "Select all"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Select every ROI of this time point that is no false positive")},
+    {&ORVBrowser::pushButton_backward_tracking, QT_TRANSLATE_NOOP("ORVBrowser", "Backward tracking"),
+     QT_TRANSLATE_NOOP(
+         "ORVBrowser",
+         "Step to the time point before and mark what overlaps the ROIs selected or tracked backward")},
+    {&ORVBrowser::pushButton_auto, QT_TRANSLATE_NOOP("ORVBrowser", "Auto"),
+     QT_TRANSLATE_NOOP("ORVBrowser", "Tracking goes on to the end of the recording, or until Stop")},
+    {&ORVBrowser::pushButton_forward_tracking, QT_TRANSLATE_NOOP("ORVBrowser", "Forward tracking"),
+     QT_TRANSLATE_NOOP(
+         "ORVBrowser",
+         "Step to the next time point and mark what overlaps the ROIs selected or tracked forward")},
 };
 
 struct click_connection {
@@ -99,7 +128,12 @@ Widget* place(Widget* widget, const char* name, QRect where)
     return widget;
 }
 
-QSlider* horizontal_slider(QWidget* parent) { return new QSlider(Qt::Horizontal, parent); }
+QSlider* horizontal_slider(QWidget* parent)
+{
+    auto* const slider = new QSlider(Qt::Horizontal, parent);
+    slider->setFocusPolicy(keyboard);
+    return slider;
+}
 
 }    // namespace
 
@@ -146,8 +180,10 @@ void ORVBrowser::languageChange()
     lineEdit_time_point->setText(tr("0"));
     lineEdit_focal_plane->setText(tr("0"));
     lineEdit_dataset->setText(tr("dataset"));
-    for (const auto& [button, text] : button_texts)
+    for (const auto& [button, text, tip] : button_texts) {
         (this->*button)->setText(tr(text));
+        (this->*button)->setToolTip(tr(tip));
+    }
     pushButton_clean->setShortcut(QKeySequence());
     tabWidget_control_panel->setTabText(tabWidget_control_panel->indexOf(file), tr("File"));
     tabWidget_control_panel->setTabText(tabWidget_control_panel->indexOf(mainPage), tr("KVT"));

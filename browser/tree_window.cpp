@@ -3,9 +3,11 @@
 #include "error_line.h"
 #include "file_dialogs.h"
 #include "file_io.h"
+#include "keyboard_rules.h"
 
 #include <QBuffer>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QSvgGenerator>
 #include <QWheelEvent>
@@ -48,6 +50,8 @@ TreeWindow::TreeWindow(const LineageAccess& access) : QWidget(&access.window(), 
         save("newick file (*.nwk)", "save newick-file", ".nwk",
              [this] { return QByteArray::fromStdString(newick(_tree)); });
     });
+    setFocusPolicy(Qt::StrongFocus);
+    new KeyboardRules(_access.window(), *this, *this);
     connect(&_watch, &QTimer::timeout, this, &TreeWindow::follow);
     _watch.start(watch_ms);
 }
@@ -109,6 +113,8 @@ void TreeWindow::resizeEvent(QResizeEvent*)
         show_whole_tree();
 }
 
+void TreeWindow::keyPressEvent(QKeyEvent* e) { _access.window().keyPressEvent(e); }
+
 void TreeWindow::wheelEvent(QWheelEvent* e)
 {
     const double wanted = std::pow(1.0015, e->angleDelta().y());
@@ -155,8 +161,9 @@ void TreeWindow::go_to(std::string unit)
         return;
     _marked_unit = unit;
     update();
+    const QPointer<TreeWindow> self(this);
     _access.window().view(unit);
-    if (_access.is_open())
+    if (self && _access.is_open())
         _access.highlight(unit);
 }
 
@@ -198,10 +205,11 @@ QByteArray TreeWindow::as_png() const
 void TreeWindow::save(const QString& filter, const char* object_name, const char* suffix,
                       const std::function<QByteArray()>& render)
 {
+    const QPointer<TreeWindow> self(this);
     const QString filename = ask_filename(
         this, {QFileDialog::AcceptSave, filter, object_name, tr("Choose a filename to save under")},
         default_file(_access.dataset(), suffix));
-    if (filename.isEmpty() || !may_write(this, filename))
+    if (filename.isEmpty() || !may_write(this, filename) || !self)
         return;
     const QByteArray content = render();
     replacing_file file(native_name(filename));

@@ -27,7 +27,8 @@ protected:
     void paintEvent(QPaintEvent* e) override;
     void resizeEvent(QResizeEvent* e) override;
     void showEvent(QShowEvent* e) override;
-    void wheelEvent(QWheelEvent* e) override;    // zooms about the pointer
+    void keyPressEvent(QKeyEvent* e) override;    // the main window's
+    void wheelEvent(QWheelEvent* e) override;     // zooms about the pointer
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
     void mouseReleaseEvent(QMouseEvent* e) override;

@@ -89,8 +89,8 @@ int main(int argc, char* argv[])
     window.setApplication(&application);
     auto* const lineage = new LineagePage(window);
     window.tabWidget_control_panel->addTab(lineage, QObject::tr("Lineage"));
-    if (!wanted.roi_file.empty() && !window.openRoiFile(wanted.roi_file))
-        return 1;
+    if (!wanted.roi_file.empty())
+        (void)window.openRoiFile(wanted.roi_file);    // says so itself when it fails
     window.show();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, &QApplication::quit);
     return QApplication::exec();

@@ -126,6 +126,21 @@ private slots:
         }
     }
 
+    void anImageThatComesLaterIsShownWhenTheWindowIsExposed()
+    {
+        const SmallRecording recording;
+        const QString image = recording.path("tiny/000-020.jpg");
+        QVERIFY(QFile::rename(image, image + ".later"));
+        CapturedLines errors(std::cerr);
+        OpenWindow w(recording);
+        QVERIFY(QFile::rename(image + ".later", image));
+        QExposeEvent e(QRegion(w.rect()));
+        QCoreApplication::sendEvent(w.windowHandle(), &e);
+        QTRY_VERIFY(std::abs(w.shown(50, 35).red() - SmallRecording::grey(0, 20)) <= 2);
+        QVERIFY(w.shown(10, 5) == QColor(untouched) && w.pictures_since_last_asked() == 1);
+        QCOMPARE(errors.take(), {"Cannot find " + image});
+    }
+
     void theFileDecidesTheTable()
     {
         CapturedLines errors(std::cerr);

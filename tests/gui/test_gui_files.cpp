@@ -58,7 +58,17 @@ private slots:
         QVERIFY2(w.m_max_time_point == 4 && w.m_time_point == 3, "only the bounds are taken anew");
         QVERIFY(!w.openRoiFile(recording.folder.path("tiny")));    // a folder
         QCOMPARE(errors.take(), {"roidb: Cannot open " + recording.path("tiny")});
+        const QString wrong = recording.path("wrong");
+        for (const std::string contents :
+             {"NAME tiny\nSELECT 000020010005\n", " TRACK 1 0 4 0\n", "\xff\xd8\xff"}) {
+            (void)recording.folder.with("wrong", contents + '\0');
+            QVERIFY(!w.openRoiFile(wrong.toStdString()));
+            QCOMPARE(errors.take(), {"Not an ROI file: " + wrong});
+        }
         QVERIFY(w.m_roidb->db.size() == 10 && w.m_selected_roi_set.size() == 1);
+        (void)recording.folder.with("wrong", "tiny");
+        QVERIFY(w.openRoiFile(wrong.toStdString()) && w.m_roidb->db.empty());
+        QCOMPARE(errors.take().first(), "0 ROIs read");
     }
 
     void savingAsksBeforeItReplaces()

@@ -2,6 +2,12 @@
 #include "../support/captured_lines.h"
 #include "../support/editing.h"
 
+#include <QPointer>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <functional>
+
 namespace {
 
 const std::string square = "000020010005";    // of time point 0
@@ -54,6 +60,7 @@ public:
     void manualSplit(std::string doubt, keys parents, int x, int y, int z) override
     {
         asked << doubt << " from " << parents << " at " << x << ' ' << y << ' ' << z;
+        click(*this, x, y);    // the second half of a double click, while the split lets events be processed
     }
 
     std::ostringstream asked;
@@ -111,15 +118,95 @@ private slots:
         QVERIFY(w.m_removed_roi_set == keys({square}) && w.m_selected_roi_set == keys({point}));
     }
 
-    void thePointerLightsARoiWithOnePicture()
+    void thePointerLightsARoiWithoutAWholePicture()
     {
-        const std::tuple<int, int, int, keys> path[] = {{50, 30, 0, {}},      {11, 6, 1, {square}},
-                                                        {12, 7, 0, {square}}, {30, 25, 1, {point}},
-                                                        {-3, 5, 0, {point}},  {50, 30, 1, {}}};
+        const std::tuple<int, int, keys> path[] = {{50, 30, {}},      {11, 6, {square}}, {12, 7, {square}},
+                                                   {30, 25, {point}}, {-3, 5, {point}},  {50, 30, {}}};
         OpenWindow w(recording);
-        for (const auto& [x, y, pictures, lit] : path) {
+        const auto leave = [&w] {
+            QEvent e(QEvent::Leave);
+            QCoreApplication::sendEvent(w.frame_canvas, &e);
+        };
+        for (const auto& [x, y, lit] : path) {
             move_pointer(w, x, y);
-            QVERIFY(w.pictures_since_last_asked() == pictures && w.m_mouse_over_roi_set == lit);
+            QVERIFY(w.pictures_since_last_asked() == 0 && w.m_mouse_over_roi_set == lit);
+            QVERIFY(w.shown(10, 5) == w.color[lit.contains(square) ? 64 : 0]);
+        }
+        move_pointer(w, 11, 6);
+        leave();
+        QVERIFY(w.m_mouse_over_roi_set.empty() && w.shown(10, 5) == w.color[0]);
+        w.m_selected_roi_set = {square};    // seen at the next look, whatever was drawn elsewhere meanwhile
+        QPixmap other(60, 40);
+        w.drawROI(other);
+        move_pointer(w, 30, 25);
+        QCOMPARE(w.shown(10, 5), w.color[31]);
+    }
+
+    // Whatever was used last, the next key is the canvas's.
+    void theKeyboardComesBackToTheCanvas()
+    {
+        OpenWindow w(recording);
+        const auto type = [&w](int key) { QTest::keyClick(w.focusWidget(), Qt::Key(key)); };
+        const auto steps_with = [&w, type](int key, int& position) {
+            const int before = position;
+            type(key);
+            return position - before;
+        };
+        QTest::mouseClick(w.pushButton_drop_false_positive, Qt::LeftButton);
+        QCOMPARE(steps_with(Qt::Key_Right, w.m_time_point), 1);
+        QTest::mouseClick(w.slider_focal_plane, Qt::LeftButton, {}, {200, 10});
+        QCOMPARE(steps_with(Qt::Key_Right, w.m_time_point), 1);
+        QCOMPARE(steps_with(Qt::Key_Down, w.m_focal_plane), 1);
+
+        for (const int done : {Qt::Key_Return, Qt::Key_Escape}) {
+            w.lineEdit_time_point->setFocus();
+            w.lineEdit_time_point->selectAll();
+            QTest::keyClicks(w.focusWidget(), "3");
+            for (const int key : {Qt::Key_Home, Qt::Key_Right, Qt::Key_Left, Qt::Key_E})
+                QCOMPARE(steps_with(key, w.m_time_point), 0);
+            QVERIFY(w.m_time_point == 3 && steps_with(Qt::Key_Up, w.m_focal_plane) == -1);
+            QCOMPARE(w.focusWidget(), w.lineEdit_time_point);
+            type(done);
+            QCOMPARE(w.focusWidget(), w.frame_canvas);
+        }
+        QVERIFY(modes(w).empty() && w.m_selected_roi_set.empty());
+
+        w.pushButton_exit->setFocus(Qt::TabFocusReason);    // Right does not walk on to another button
+        QCOMPARE(steps_with(Qt::Key_Right, w.m_time_point), 1);
+        w.tabWidget_control_panel->setCurrentWidget(w.mainPage);
+        w.pushButton_auto->setFocus(Qt::TabFocusReason);
+        type(Qt::Key_Space);
+        QVERIFY(w.m_auto);
+        QTRY_COMPARE(w.focusWidget(), w.frame_canvas);
+        QWheelEvent e({5, 5}, w.slider_focal_plane->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      {}, Qt::NoScrollPhase, false);
+        const int plane = w.m_focal_plane;
+        QCoreApplication::sendEvent(w.slider_focal_plane, &e);
+        QCOMPARE(w.m_focal_plane, plane + 1);
+    }
+
+    // Nothing of it is touched afterwards; the sanitizers look.
+    void aHandlerMayDeleteTheWindow()
+    {
+        const std::function<void(WindowProbe&)> actions[] = {
+            [](auto& w) { QTest::keyClick(&w, Qt::Key_Z); },
+            [](auto& w) { w.pushButton_drop_false_positive->click(); },
+            [](auto& w) { w.pushButton_read_clicked(); },
+            [](auto& w) { w.pushButton_read_roifile->click(); },
+            [](auto& w) { w.pushButton_save_roifile->click(); },
+            [](auto& w) { w.pushButton_read_FP->click(); },
+            [](auto& w) { w.pushButton_save_info->click(); },
+            [](auto& w) { w.pushButton_restore->click(); },
+            [](auto& w) { w.pushButton_split_clicked(); },
+            [](auto& w) { w.view(square); }};
+        const CapturedLines errors(std::cerr), lines(std::cout);
+        for (const auto& action : actions) {
+            const QPointer<OpenWindow> w = new OpenWindow(recording);
+            w->m_selected_roi_set = w->m_removed_roi_set = {square, point};
+            w->m_removed_roi_set.erase(square);
+            QTimer::singleShot(0, w, [w] { delete w; });
+            action(*w);
+            QTRY_VERIFY(!w);
         }
     }
 

@@ -1,9 +1,11 @@
 // The window at its start; opening, closing and stepping, and how many pictures a step costs.
 #include "../support/captured_lines.h"
 #include "../support/open_window.h"
+#include "../support/scripted_dialogs.h"
 
 #include <QMetaMethod>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QWheelEvent>
 
 namespace {
@@ -167,6 +169,37 @@ private slots:
             QVERIFY2(position(w) == QString("%1 %2").arg(row.t).arg(row.z), row.what);
             QVERIFY2(w.pictures_since_last_asked() == row.pictures, row.what);
         }
+    }
+
+    void theControlsTellOfAStep()
+    {
+        const SmallRecording recording;
+        OpenWindow w(recording);
+        QSignalSpy slid(w.slider_time_point, &QSlider::valueChanged);
+        QSignalSpy typed(w.lineEdit_time_point, &QLineEdit::textChanged);
+        w.setCurrentTimePoint(3);
+        QVERIFY(slid.count() == 1 && typed.count() == 1);
+        const auto step_on = connect(w.slider_time_point, &QSlider::valueChanged, &w, [&w](int t) {
+            if (t == 1)
+                w.setCurrentTimePoint(2);
+        });
+        w.setCurrentTimePoint(1);
+        QVERIFY(w.m_time_point == 2 && position(w) == "2 20" && w.slider_time_point->value() == 2);
+        disconnect(step_on);
+        (void)w.pictures_since_last_asked();
+        w.lineEdit_time_point->setText("004");
+        QVERIFY(position(w) == "4 20" && w.pictures_since_last_asked() == 1);
+    }
+
+    void thePositionStaysWithinBoundsTakenAnew()
+    {
+        const SmallRecording recording("one", 0, 0);
+        OpenWindow w(recording);
+        w.setMaxTimePoint(9), w.setMinTimePoint(3), w.setCurrentTimePoint(5);
+        CapturedLines errors(std::cerr);
+        ScriptedDialogs user({recording.path("missing.roi")});
+        w.pushButton_read_roifile->click();
+        QVERIFY(position(w) == "0 20" && w.m_time_point == 0 && w.slider_time_point->value() == 0);
     }
 
     // Each opens in the window of the one before: wholly above, wholly below, one time point.

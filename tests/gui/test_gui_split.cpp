@@ -335,9 +335,11 @@ private slots:
     // With work for two passes and then none, or with a suspect that stays.
     void theAutomaticSplitGoesOnWithoutHasteUntilItIsSwitchedOff()
     {
-        for (const auto& [elite, idle_line, links_after] :
-             {std::tuple("AB", "Doubt units: none", "AD BM AX"), {"ABD", "Falsely grouped", "AD BD AX AX"}}) {
-            Family w(recording, "AD BD AX AX", elite);
+        for (const auto& [links, elite, idle_line, links_after] :
+             {std::tuple("AD BD AX AX", "AB", "Doubt units: none", "AD BM AX"),
+              {"AD BD AX AX", "ABD", "Falsely grouped", "AD BD AX AX"},
+              {"AD BD FD", "ABD", "Falsely grouped", "AD BD FD"}}) {
+            Family w(recording, links, elite);
             CapturedLines out(std::cout);
             QStringList lines;
             QTimer watch;

@@ -62,6 +62,7 @@ private slots:
         QCOMPARE(w.m_linkage_multimap, links({{last, before}, {last, before}}));
         QVERIFY(w.ID("012000001001") == 12000 && w.ID("012000000000") == 12001);
         QVERIFY(w.ID("013000000000") == 13000 && w.ID("012000001001") == 12000);
+        QVERIFY(w.ID(w.head("nobody")) == w.ID("N/A"));
     }
 
     void unitsAreLinkedWhereAPixelOfAPlaneIsShared()
@@ -195,7 +196,9 @@ private slots:
         const keys members = {low, top, b, keygen({9, 30, 4, 1})};
         w.m_linkage_multimap = {{a, p}, {a, p}, {b, p}, {b, q}, {c, a}, {d, b}, {d, b}};
         w.m_elite_head_roi_set = {a, b, c};
+        w.m_lineage_mode_roi_set = {b};
         w.mergeUnits(a, b);
+        QCOMPARE(w.m_lineage_mode_roi_set, keys({low}));    // what was chosen is it still
         QCOMPARE(lines.take(), {QString::fromStdString("mergeUnits: " + a + " " + b)});
         QCOMPARE(w.m_linkage_multimap, links({{low, p}, {low, q}, {c, low}, {d, low}}));
         QVERIFY(w.units(1) == keys({low}) && w.member(low) == members && w.m_head_members.size() == 4 + 4);
@@ -299,8 +302,11 @@ private slots:
                      s.recording.path("tiny.lineage"));
 
         // What was dropped is left out, so that the file reads back.
-        s.w.m_removed_roi_set = {"001020101050", "001021101050"};
+        s.w.m_removed_roi_set = {"001020101050", "001021101050", "002020102050"};
+        s.w.m_lineage_mode_roi_set = {"002020102050"};
         s.w.pushButton_drop_false_positive_clicked();
+        QCOMPARE(s.w.m_lineage_mode_roi_set,
+                 (keys{"002021102050"}));    // the chosen nucleus under its new name
         s.page->save_lineage_file->click();
         CapturedLines err(std::cerr);
         QVERIFY(read_lineage(s.recording.folder.path("b.lineage"), "tiny", *s.w.m_roidb));
