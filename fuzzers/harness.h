@@ -1,6 +1,7 @@
 // harness.h - what the fuzz targets share: the input as a file or a stream, and how a broken promise is told.
 #pragma once
 #include "../tests/support/temp_folder.h"
+#include "roi_reader.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -40,10 +41,4 @@ inline auto stream_of(std::string_view text)
     const auto close = [](std::FILE* stream) { std::fclose(stream); };
     void* const bytes = const_cast<char*>(text.data());    // opened for reading only
     return std::unique_ptr<std::FILE, decltype(close)>(::fmemopen(bytes, text.size(), "r"));
-}
-
-// Without blanks or line ends, as a word of a file is.
-inline bool is_word(std::string_view text)
-{
-    return !text.empty() && text.find_first_of(" \t\n\v\f\r") == std::string_view::npos;
 }

@@ -84,8 +84,23 @@ bool roidb::read(const std::string& filename)
     return read_roi_file(filename, _name, [this](roi r) { entry(std::move(r)); });
 }
 
+// Why the file would not be read back as it was written, or nothing.
+std::string roidb::fault() const
+{
+    if (!is_word(_name))
+        return "the name of the recording is empty or holds white space: \"" + _name + '"';
+    for (const auto& [key, r] : db)
+        if (!is_word(r.outline()))
+            return "the outline of ROI " + key + " is empty or holds white space";
+    return {};
+}
+
 bool roidb::write(const std::string& filename) const
 {
+    if (const std::string why_not = fault(); !why_not.empty()) {
+        error_line("roidb: Not saved in ", filename, ": ", why_not);
+        return false;
+    }
     replacing_file file(filename);
     std::string line = _name + '\n';
     file.append(line);
@@ -95,10 +110,7 @@ bool roidb::write(const std::string& filename) const
         line += '\n';
         file.append(line);
     }
-    if (file.commit())
-        return true;
-    error_line("roidb: Cannot open ", filename);
-    return false;
+    return file.commit_or_say("roidb: Cannot open ");
 }
 
 std::ostream& operator<<(std::ostream& out, const roi& r)

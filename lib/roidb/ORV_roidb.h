@@ -32,18 +32,23 @@ public:
     [[nodiscard]] static std::string keygen(pos4i position);
 
     // Adds the records of an ROI file, up to the first that does not parse, and takes over its name.
-    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard
-    // error.
+    // False, nothing changed, and one line on standard error when it cannot be opened ("roidb: Cannot
+    // open " and its name) or not be read to its end.
     bool read(const std::string& filename);
 
     // Replaces the file by the whole database, at once: the old file stays whole until the new one is
-    // complete. False when that fails: "roidb: Cannot open " and its name on standard error.
+    // complete (file_io.h). False when that fails: "roidb: Cannot open " and its name on standard error, and
+    // a second line that tells why it could not be written once it was open. False after one line, too, when
+    // the name or an outline is no word, which could not be read back.
     bool write(const std::string& filename) const;
 
     std::map<std::string, roi> db;
 
 protected:
     std::string _name;
+
+private:
+    [[nodiscard]] std::string fault() const;
 };
 
 // Writes "x y z t outline".

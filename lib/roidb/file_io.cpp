@@ -1,8 +1,13 @@
 #include "file_io.h"
 
+#include "error_line.h"
+#include "overwrite.h"
+#include "raw_io.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,66 +21,45 @@ constexpr std::size_t piece_size = ORV_PIECE_SIZE;    // small ones cut words an
 constexpr std::size_t piece_size = 1 << 18;
 #endif
 
-// read(2) that is not disturbed by signals.
-ssize_t read_some(int fd, char* to, std::size_t size)
-{
-    ssize_t n = 0;
-    do
-        n = ::read(fd, to, size);
-    while (n < 0 && errno == EINTR);
-    return n;
-}
-
-bool write_all(int fd, std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t n = ::write(fd, text.data(), text.size());
-        if (n < 0 && errno != EINTR)
-            return false;
-        text.remove_prefix(n < 0 ? 0 : static_cast<std::size_t>(n));
-    }
-    return true;
-}
-
+// Empty when the links lead in a circle.
 std::string follow_links(const std::string& filename)
 {
-    char path[PATH_MAX];
-    return ::realpath(filename.c_str(), path) ? path : filename;
+    char text[PATH_MAX];
+    if (::realpath(filename.c_str(), text))
+        return text;
+    constexpr int most_links = 40;
+    std::string path = filename;    // of a file that is not there yet
+    for (int i = 0; i < most_links; ++i) {
+        const ssize_t n = ::readlink(path.c_str(), text, sizeof text);
+        if (n < 0)
+            return path;
+        const std::string to(text, static_cast<std::size_t>(n));
+        path = to.starts_with('/') ? to : folder_of(path) + to;
+    }
+    return {};
 }
 
-std::string folder_of(const std::string& path)
+// Group first: whoever gives the file away may change it no more.
+bool take_over_rights(int fd, const struct stat& old)
 {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+    mode_t mode = old.st_mode & 07777;
+    if (::fchown(fd, static_cast<uid_t>(-1), old.st_gid) != 0)
+        mode &= ~static_cast<mode_t>(S_ISGID | S_IRWXG) | (mode & S_IRWXO) << 3;
+    if (::fchown(fd, old.st_uid, static_cast<gid_t>(-1)) != 0)    // only root may
+        mode &= ~static_cast<mode_t>(S_ISUID);
+    return ::fchmod(fd, mode) == 0;
 }
 
-mode_t mode_for_new_files()
-{
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
-
-// A renamed file survives a power failure only once its folder is on disk too.
-void sync_folder(const std::string& folder)
-{
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    ::fsync(fd);
-    ::close(fd);
-}
+// The folder does not let its files be made or replaced. (A file that is a mount point is busy.)
+bool is_forbidden(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
 
 }    // namespace
 
-file_reader::file_reader(const std::string& filename) : _fd(::open(filename.c_str(), O_RDONLY | O_CLOEXEC))
+file_reader::file_reader(std::string filename)
+    : _filename(std::move(filename)), _fd(::open(_filename.c_str(), O_RDONLY | O_CLOEXEC))
 {
-    if (_fd < 0)
-        return;
-    _piece.resize(piece_size);
-    const ssize_t n = read_some(_fd, _piece.data(), _piece.size());
-    _piece.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
-    if (n < 0) {    // a folder opens, but does not read
+    fill();
+    if (_error == EISDIR) {    // a folder opens, but does not read
         ::close(_fd);
         _fd = -1;
     }
@@ -87,6 +71,11 @@ file_reader::~file_reader()
         ::close(_fd);
 }
 
+std::string file_reader::failure() const
+{
+    return _filename + ": cannot be read to its end: " + std::strerror(_error);
+}
+
 std::string_view file_reader::at_hand()
 {
     if (_next == _piece.size() && !fill())
@@ -96,18 +85,22 @@ std::string_view file_reader::at_hand()
 
 bool file_reader::fill()
 {
-    if (_fd < 0)
+    if (_fd < 0 || failed())
         return false;
     _next = 0;
     _piece.resize(piece_size);
     const ssize_t n = read_some(_fd, _piece.data(), _piece.size());
     _piece.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
-    _failed = n < 0;
+    if (n < 0)
+        _error = errno;
     return n > 0;
 }
 
-replacing_file::replacing_file(std::string filename) : _target(follow_links(filename))
+replacing_file::replacing_file(std::string filename)
+    : _filename(std::move(filename)), _target(follow_links(_filename))
 {
+    if (_target.empty())
+        return;
     struct stat old {};
     const bool exists = ::stat(_target.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
@@ -115,15 +108,15 @@ replacing_file::replacing_file(std::string filename) : _target(follow_links(file
         _ok = _fd >= 0;
         return;
     }
-    if (exists && ::access(_target.c_str(), W_OK) != 0)    // a rename would replace a protected file
+    // A rename would replace a protected file.
+    if (exists && ::faccessat(AT_FDCWD, _target.c_str(), W_OK, AT_EACCESS) != 0)
         return;
-    open_beside(_target);
-    if (!_ok)
-        return;
-    _ok = ::fchmod(_fd, exists ? old.st_mode & 07777 : mode_for_new_files()) == 0;
-    // Only root may give files away; elsewhere the new file belongs to who writes it.
-    if (exists && ::fchown(_fd, old.st_uid, old.st_gid) != 0)
-        errno = 0;
+    open_temporary(folder_of(_target), exists ? 0600 : 0666);
+    _is_in_place = exists && !_ok && is_forbidden(errno);
+    if (_is_in_place)
+        open_temporary(state_folder(), 0600);
+    else if (exists && _ok)
+        _ok = take_over_rights(_fd, old);
 }
 
 replacing_file::~replacing_file()
@@ -134,10 +127,10 @@ replacing_file::~replacing_file()
         ::unlink(_temporary.c_str());
 }
 
-void replacing_file::open_beside(const std::string& target)
+void replacing_file::open_temporary(const std::string& folder, unsigned int mode)
 {
-    std::string path = folder_of(target) + ".orvbrowser-XXXXXX";
-    _fd = ::mkostemp(path.data(), O_CLOEXEC);
+    std::string path;
+    _fd = folder.empty() ? -1 : create_new(folder + ".orvbrowser-", mode, path);
     _ok = _fd >= 0;
     if (_ok)
         _temporary = std::move(path);
@@ -152,7 +145,10 @@ void replacing_file::append(std::string_view text)
 
 void replacing_file::flush()
 {
-    _ok = _ok && write_all(_fd, _pending);
+    if (_ok && !write_all(_fd, _pending)) {
+        _ok = false;
+        _error = errno;
+    }
     _pending.clear();
 }
 
@@ -161,10 +157,28 @@ bool replacing_file::commit()
     flush();
     if (!_ok || _temporary.empty())
         return _ok;
-    _ok = ::fsync(_fd) == 0 && ::rename(_temporary.c_str(), _target.c_str()) == 0;
+    _ok = ::fsync(_fd) == 0 && put_in_place();
     if (!_ok)
-        return false;
-    _temporary.clear();
-    sync_folder(folder_of(_target));
-    return true;
+        _error = errno;
+    return _ok;
+}
+
+bool replacing_file::put_in_place()
+{
+    if (!_is_in_place && ::rename(_temporary.c_str(), _target.c_str()) == 0) {
+        _temporary.clear();
+        sync_folder(folder_of(_target));
+        return true;
+    }
+    return (_is_in_place || is_forbidden(errno)) && overwrite_keeping_copy(_fd, _target);
+}
+
+bool replacing_file::commit_or_say(std::string_view line)
+{
+    if (commit())
+        return true;
+    error_line(line, _filename);
+    if (_error != 0)
+        error_line(_filename, ": ", std::strerror(_error));
+    return false;
 }

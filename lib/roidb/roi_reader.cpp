@@ -8,10 +8,14 @@
 
 namespace {
 
-constexpr bool is_space(int c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr bool is_digit(int c) noexcept { return c >= '0' && c <= '9'; }
 
 }    // namespace
+
+bool is_word(std::string_view text) noexcept
+{
+    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) { return is_space(c); });
+}
 
 bool roi_reader::skip_space()
 {
@@ -72,16 +76,30 @@ bool roi_reader::read_record(roi& r)
     return true;
 }
 
-bool read_roi_file(const std::string& filename, std::string& name, const std::function<void(roi)>& enter)
+roi_file::roi_file(const std::string& filename)
 {
     roi_reader reader(filename);
-    if (!reader.is_open()) {
-        error_line("roidb: Cannot open ", filename);
+    was_opened = reader.is_open();
+    std::string word;
+    if (!was_opened)
+        fault = "roidb: Cannot open " + filename;
+    else if (reader.read_word(word))
+        name = std::move(word);
+    for (roi r; reader.read_record(r);)
+        rois.push_back(std::move(r));
+    if (was_opened && reader.failed())
+        fault = reader.failure();
+}
+
+bool read_roi_file(const std::string& filename, std::string& name, const std::function<void(roi)>& enter)
+{
+    roi_file file(filename);
+    if (!file.fault.empty()) {
+        error_line(file.fault);
         return false;
     }
-    if (!reader.read_word(name))
-        return true;
-    for (roi r; reader.read_record(r);)
+    name = std::move(file.name).value_or(name);
+    for (roi& r : file.rois)
         enter(std::move(r));
     return true;
 }

@@ -8,13 +8,27 @@
 #include "file_io.h"
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
+
+// What stands between words.
+constexpr bool is_space(int c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+// True iff the text, once it is written between spaces, is read back as it is.
+[[nodiscard]] bool is_word(std::string_view text) noexcept;
 
 class roi_reader {
 public:
     explicit roi_reader(const std::string& filename) : _file(filename) {}
 
     [[nodiscard]] bool is_open() const noexcept { return _file.is_open(); }
+
+    // True iff reading has ended before the end of the file, be it within a word: what was read is not
+    // to be used. failure() is the line that tells so.
+    [[nodiscard]] bool failed() const noexcept { return _file.failed(); }
+    [[nodiscard]] std::string failure() const { return _file.failure(); }
 
     // The next word. False at the end of the file; `word` is then as it was.
     [[nodiscard]] bool read_word(std::string& word);
@@ -32,7 +46,18 @@ private:
     file_reader _file;
 };
 
-// Reads a whole ROI file: its first word into `name`, then every record, up to the first that does
-// not parse, into `enter`. False when the file cannot be read, after the line "roidb: Cannot open "
-// and its name on standard error; nothing is changed then.
+// A whole ROI file in memory.
+struct roi_file {
+    // Reads its first word, if it has any, and every record up to the first that does not parse.
+    explicit roi_file(const std::string& filename);
+
+    std::optional<std::string> name;
+    std::vector<roi> rois;
+    bool was_opened;
+    std::string fault;    // the line for standard error when it was not opened, or not read to its end
+};
+
+// Reads a whole ROI file: its first word into `name`, then every record, up to the first that does not
+// parse, into `enter`. When the file cannot be opened ("roidb: Cannot open " and its name) or not be
+// read to its end: false after one line on standard error, and nothing is changed.
 bool read_roi_file(const std::string& filename, std::string& name, const std::function<void(roi)>& enter);
