@@ -19,8 +19,11 @@ std::string keygen(pos4i p);
 // digit, and is 0 without any. Throws std::out_of_range when the key has less than nine characters.
 pos4i decode(std::string key);
 
-// True iff decode() can read the key: at least twelve characters, all of them digits or signs. "N/A",
-// which stands for no unit, is none.
+// True iff decode() can cut the key into fields and does not throw.
+inline bool is_decodable(const std::string& key) noexcept { return key.size() >= 9; }
+
+// True iff the key looks as keygen() makes them: at least twelve characters, all of them digits or
+// signs. "N/A", which stands for no unit, does not.
 bool is_roi_key(const std::string& key) noexcept;
 
 // The key of time point t, which is not after any of its ROI keys.

@@ -19,6 +19,7 @@ public:
 
     [[nodiscard]] bool is_open() const noexcept { return _file.is_open(); }
     [[nodiscard]] bool failed() const noexcept { return _file.failed(); }
+    [[nodiscard]] std::string failure() const { return _file.failure(); }
     [[nodiscard]] int number() const noexcept { return _number; }
 
     // The words of the next line that has any; false at the end of the file.
@@ -212,8 +213,12 @@ std::optional<lineage> read_lineage(const std::string& filename, const std::stri
     const char* fault = nullptr;
     for (std::vector<std::string_view> words; !fault && lines.next(words);)
         fault = builder.take(words);
+    if (lines.failed()) {    // whatever is wrong with a line that it has cut
+        error_line(lines.failure());
+        return std::nullopt;
+    }
     if (!fault)
-        fault = lines.failed() ? "the file cannot be read to its end" : builder.finish();
+        fault = builder.finish();
     if (!fault)
         return std::move(builder.result());
     error_line(filename, ":", lines.number(), ": ", fault);
@@ -228,8 +233,5 @@ bool write_lineage(const std::string& filename, const std::string& dataset, cons
     append_pairs(file, "LINK ", units.links);
     for (const std::string& head : units.elite)
         file.append("ELITE " + head + '\n');
-    if (file.commit())
-        return true;
-    error_line("Cannot open ", filename);
-    return false;
+    return file.commit_or_say("Cannot open ");
 }

@@ -30,9 +30,10 @@ in_order(const std::multimap<std::string, std::string>& pairs);
 // Reads a whole file and checks it: its name is `dataset`, every member names an ROI and is in one
 // unit, every unit holds the ROI that names it, every link joins two units one time point apart, every elite
 // mark is on a unit. Otherwise nothing, and one line on standard error: the file, the number of the line, and
-// what is wrong.
+// what is wrong; or that it cannot be opened, or not be read to its end.
 [[nodiscard]] std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,
                                                   const roidb& rois);
 
-// Replaces the file at once. False, and "Cannot open " and its name on standard error, when that fails.
+// Replaces the file at once. When that fails: false, "Cannot open " and its name on standard error, and a
+// second line that tells why it could not be written once it was open.
 bool write_lineage(const std::string& filename, const std::string& dataset, const lineage& units);

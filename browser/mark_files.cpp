@@ -2,27 +2,32 @@
 
 #include "error_line.h"
 #include "file_io.h"
-
-#include <fstream>
+#include "roi_reader.h"
 
 void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks)
 {
-    std::ifstream file(filename);
-    if (!file || (file.peek(), file.bad())) {    // a folder opens, but does not read
+    roi_reader file(filename);
+    if (!file.is_open()) {
         error_line("Cannot open ", filename);
         return;
     }
-    for (std::string word, value; file >> word;) {
-        value.clear();
-        file >> value;
-        if (word == "NAME" && value != dataset) {
-            error_line("different dataset");
-            return;
-        }
+    std::set<std::string> found;
+    bool is_of_dataset = true;
+    for (std::string word; is_of_dataset && file.read_word(word);) {
+        std::string value;
+        (void)file.read_word(value);    // the last one may be missing
+        is_of_dataset = word != "NAME" || value == dataset;
         if (word == keyword && !value.empty())
-            marks.insert(value);
+            found.insert(std::move(value));
     }
+    if (file.failed()) {
+        error_line(file.failure());
+        return;
+    }
+    if (!is_of_dataset)
+        error_line("different dataset");
+    marks.merge(found);
 }
 
 void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
@@ -36,6 +41,5 @@ void write_mark_file(const std::string& filename, const std::string& dataset, co
         file.append(key);
         file.append("\n");
     }
-    if (!file.commit())
-        error_line("Cannot open ", filename);
+    (void)file.commit_or_say("Cannot open ");    // nothing else is to be done
 }

@@ -7,10 +7,12 @@
 #include <string>
 
 // Adds the marks of a file, read as pairs of words, up to a NAME that is not `dataset`: "different
-// dataset" on standard error. When it cannot be read, "Cannot open " and its name. Keys are not checked.
+// dataset" on standard error. When it cannot be opened ("Cannot open " and its name) or not be read to
+// its end, one line and no mark. Keys are not checked.
 void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks);
 
-// Replaces the file at once. When that fails, "Cannot open " and its name on standard error.
+// Replaces the file at once. When that fails, "Cannot open " and its name on standard error; a second
+// line tells why it could not be written once it was open.
 void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                      const std::set<std::string>& marks);

@@ -28,7 +28,7 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
     int later_rois = 0;
     if (!reader.is_open())
         error_line("roidb: Cannot open ", filename);
-    else if (!reader.read_word(name) || name != dataset)
+    else if ((!reader.read_word(name) || name != dataset) && !reader.failed())
         error_line("different dataset");
     else {
         bool is_whole = true;
@@ -36,7 +36,9 @@ bool can_restore(const std::string& filename, const std::string& dataset, int t)
             is_whole = reader.read_record(r);
             later_rois += is_whole && r.t() > t;
         }
-        if (!is_whole)
+        if (reader.failed())
+            error_line(reader.failure());
+        else if (!is_whole)
             error_line("Not an ROI file to its end: ", filename);
         else if (later_rois == 0)
             error_line("No ROIs after time point ", t, " in ", filename);

@@ -9,7 +9,7 @@ plane_rois::plane_rois(const roidb_plus& roidb, int t, int z)
     for (auto entry = first; entry != last; ++entry) {
         const auto found = roidb.db.find(keygen(pos4i(entry->second.x(), entry->second.y(), z, t)));
         if (found == roidb.db.end())
-            return;
+            continue;
         rois.push_back({&found->first, &found->second});
     }
 }

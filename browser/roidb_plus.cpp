@@ -1,5 +1,6 @@
 #include "roidb_plus.h"
 
+#include "error_line.h"
 #include "keygen.h"
 #include "roi_reader.h"
 
@@ -9,6 +10,9 @@
 namespace {
 
 std::string plane_key(int t, int z) { return keygen(pos4i(0, 0, z, t)); }
+
+// 0 for a key that only somebody else can have put into the map.
+int time_point_of(const std::string& key) { return is_decodable(key) ? decode(key).t() : 0; }
 
 bool is_between(int t, int first, int last) { return first <= t && t <= last; }
 
@@ -40,16 +44,29 @@ bool roidb_plus::read_plus(const std::string& filename)
 
 bool roidb_plus::replace_plus(const std::string& filename, int t_from, int t_end)
 {
+    roi_file file(filename);
+    const bool is_read = file.fault.empty();
+    if (is_read || !file.was_opened)
+        remove_between(t_from, t_end);
+    if (!is_read) {
+        error_line(file.fault);
+        return false;
+    }
+    _name = std::move(file.name).value_or(_name);
+    for (roi& r : file.rois)
+        if (is_between(r.t(), t_from, t_end))
+            entry_plus(std::move(r));
+    return true;
+}
+
+void roidb_plus::remove_between(int t_from, int t_end)
+{
     std::set<std::string> removed_rois;
     for (const auto& [key, r] : db)
         if (is_between(r.t(), t_from, t_end))
             removed_rois.insert(key);
     for (const std::string& key : removed_rois)
         remove(key);
-    return read_roi_file(filename, _name, [=, this](roi r) {
-        if (is_between(r.t(), t_from, t_end))
-            entry_plus(std::move(r));
-    });
 }
 
 void roidb_plus::seek(int t, int z, int pos)
@@ -69,21 +86,29 @@ bool roidb_plus::find_plus(int t, int z, roi& r) { return find_plus_iter(t, z, r
 
 bool roidb_plus::find_plus_iter(int t, int z, roi& r, cursor& iter)
 {
-    if (iter == tz_xy_db.end() || iter->first != plane_key(t, z))
-        return false;
-    r = roi(iter->second.x(), iter->second.y(), z, t, {});
-    ++iter;
-    return find(r);
+    for (const std::string plane = plane_key(t, z); iter != tz_xy_db.end() && iter->first == plane;) {
+        r = roi(iter->second.x(), iter->second.y(), z, t, {});
+        ++iter;
+        if (find(r))
+            return true;
+    }
+    return false;
 }
 
 roi roidb_plus::find_plus(const std::string& key) const
 {
+    if (!is_decodable(key))
+        return {};
     roi r(decode(key), {});
     find(r);
     return r;
 }
 
-void roidb_plus::remove(const std::string& key) { remove(roi(decode(key), {})); }
+void roidb_plus::remove(const std::string& key)
+{
+    if (is_decodable(key))
+        remove(roi(decode(key), {}));
+}
 
 void roidb_plus::remove(const roi& r)
 {
@@ -100,6 +125,6 @@ void roidb_plus::remove(const roi& r)
     tz_xy_db.erase(entry);
 }
 
-int roidb_plus::t_min() const { return db.empty() ? 0 : decode(db.begin()->first).t(); }
+int roidb_plus::t_min() const { return db.empty() ? 0 : time_point_of(db.begin()->first); }
 
-int roidb_plus::t_max() const { return db.empty() ? 0 : decode(db.rbegin()->first).t(); }
+int roidb_plus::t_max() const { return db.empty() ? 0 : time_point_of(db.rbegin()->first); }

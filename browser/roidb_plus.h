@@ -20,27 +20,30 @@ public:
     void entry_plus(roi r);
 
     // Adds the records of an ROI file, up to the first that does not parse, and takes over its name.
-    // False, and nothing changed, when it cannot be read: "roidb: Cannot open " and its name on standard
-    // error.
+    // False, nothing changed, and one line on standard error when it cannot be opened ("roidb: Cannot
+    // open " and its name) or not be read to its end.
     bool read_plus(const std::string& filename);
 
-    // Replaces the ROIs of time points t_from to t_end, both included, by those of the file. When it
-    // cannot be read, the line of read_plus() and false: the range is then empty.
+    // Replaces the ROIs of time points t_from to t_end, both included, by those of the file. False after
+    // the line of read_plus(): the range is empty when the file cannot be opened, and as it was when the
+    // file cannot be read to its end.
     bool replace_plus(const std::string& filename, int t_from, int t_end);
 
     // With pos 0, sets the cursor to the first index entry that is not before plane (t, z).
     void seek(int t, int z, int pos);
     void seek_iter(int t, int z, int pos, cursor& iter);
 
-    // The next ROI of plane (t, z), with its outline. False at the end of the plane, and at an index
-    // entry whose ROI is gone.
+    // The next ROI of plane (t, z), with its outline. False at the end of the plane. Index entries whose
+    // ROI is gone are passed over.
     bool find_plus(int t, int z, roi& r);
     bool find_plus_iter(int t, int z, roi& r, cursor& iter);
 
-    // The record of an ROI key; one with the key's position and an empty outline when it is absent.
+    // The record of an ROI key; one with the key's position and an empty outline when it is absent. For
+    // what decode() cannot read, an empty record.
     [[nodiscard]] roi find_plus(const std::string& key) const;
 
-    // Takes one ROI out of the map, and one entry of its position out of the index.
+    // Takes one ROI out of the map, and one entry of its position out of the index. What decode() cannot
+    // read names none.
     void remove(const std::string& key);
     void remove(const roi& r);
 
@@ -57,6 +60,7 @@ public:
 
 private:
     void change_revision() noexcept;
+    void remove_between(int t_from, int t_end);
 
     unsigned long _revision = 0;
 };

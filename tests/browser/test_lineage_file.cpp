@@ -1,7 +1,9 @@
 // The lineage file: what is written reads back; what is not sound changes nothing and names its line.
 #include "../support/comma_locale.h"
+#include "../support/failing_reads.h"
 #include "../support/temp_folder.h"
 #include "lineage_file.h"
+#include "mark_files.h"
 
 #include <gtest/gtest.h>
 
@@ -84,5 +86,27 @@ TEST(lineage_file, a_file_cut_at_any_byte_is_refused_or_a_shorter_sound_one)
         const lineage kept = units.value_or(lineage());
         for (const auto& [child, parent] : kept.links)
             EXPECT_TRUE(kept.head_members.contains(child) && kept.head_members.contains(parent));
+    }
+}
+
+TEST(lineage_file, a_file_that_breaks_off_gives_nothing_nor_does_one_of_marks)
+{
+    const temp_folder folder;
+    const std::string units = folder.with("x.lineage", sound),
+                      marks = folder.with("x.fp", "NAME emb\nFP a\n");
+    for (off_t readable = 0; readable <= 14; ++readable) {
+        testing::internal::CaptureStderr();
+        std::set<std::string> found{"before"};
+        {
+            const failing_reads disk(units, readable);
+            EXPECT_FALSE(read_lineage(units, "emb", small_roidb()));
+        }
+        {
+            const failing_reads disk(marks, readable);
+            read_mark_file(marks, "emb", "FP", found);
+        }
+        EXPECT_EQ(found.size(), 1u);
+        const std::string fault = ": cannot be read to its end: Input/output error\n";
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), units + fault + marks + fault);
     }
 }

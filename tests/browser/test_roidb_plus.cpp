@@ -1,6 +1,8 @@
 // ROI keys against the string-stream form that defines them; the index of planes: its walks and changes.
+#include "../support/failing_reads.h"
 #include "../support/temp_folder.h"
 #include "keygen.h"
+#include "plane_rois.h"
 #include "roidb_plus.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +12,8 @@
 #include <sstream>
 
 namespace {
+
+namespace fs = std::filesystem;
 
 const roi a(3, 4, 10, 5, "0"), b(1, 2, 10, 5, "1"), c(1, 9, 10, 5, "2");    // one plane, not in key order
 const roi next_plane(1, 2, 11, 5, "3"), next_time(1, 2, 10, 6, "4"), last(7, 7, 0, 8, "5");
@@ -69,7 +73,14 @@ TEST_F(planes, removing_takes_one_entry_from_map_and_index)
     db.remove(keygen(b));
     EXPECT_NE(db.revision(), revision);
     EXPECT_EQ(db.tz_xy_db.size(), 6u) << "one of its two entries went";
-    EXPECT_EQ(walk(5, 10), "02") << "the stale entry ends the walk";
+    EXPECT_EQ(walk(5, 10), "02") << "the stale entry is passed over";
+    db.entry_plus(b);
+    db.entry_plus(b);
+    db.remove(keygen(b));
+    db.entry_plus({9, 9, 10, 5, "9"});
+    EXPECT_EQ(walk(5, 10), "029") << "those after it are still there";
+    EXPECT_EQ(plane_rois(db, 5, 10).rois.size(), 3u);
+    db.remove(roi(9, 9, 10, 5, {}));
     EXPECT_EQ(db.find_plus(keygen(b)), roi(pos4i(b), ""));
     EXPECT_EQ(db.find_plus(keygen(c)), c);
 
@@ -100,6 +111,32 @@ TEST_F(planes, replacing_touches_only_its_time_points)
     }
     EXPECT_TRUE(db.read_plus(file));    // adds, and keeps what is there
     EXPECT_EQ(walk(4, 10) + ' ' + walk(5, 3) + ' ' + walk(7, 3), "9 77 8");
+}
+
+TEST_F(planes, a_file_that_breaks_off_changes_nothing)
+{
+    const temp_folder folder;
+    const std::string file = folder.with("b.roi", "other\n1 2 10 5 9\n8 8 3 6 666\n");
+    for (off_t readable = 0; readable <= static_cast<off_t>(fs::file_size(file)); ++readable) {
+        const failing_reads disk(file, readable);
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(db.read(file) || db.read_plus(file) || db.replace_plus(file, 5, 6)) << readable;
+        const std::string line = file + ": cannot be read to its end: Input/output error\n";
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), line + line + line);
+        EXPECT_TRUE(db.name() == "embryo" && db.db.size() == 6 && db.tz_xy_db.size() == 6) << readable;
+    }
+}
+
+TEST_F(planes, what_is_no_key_names_no_roi)
+{
+    for (const std::string key : {"", "N/A", "00501000"}) {
+        EXPECT_EQ(db.find_plus(key), roi());
+        db.remove(key);
+        db.db.emplace(key, a);
+        EXPECT_TRUE(db.t_min() == 0 || db.t_max() == 0) << key;
+        db.db.erase(key);
+    }
+    EXPECT_EQ(db.db.size(), 6u);
 }
 
 TEST(keygen, fields_are_what_a_string_stream_writes)

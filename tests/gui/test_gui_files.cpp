@@ -1,6 +1,7 @@
 // ROI, info and false-positive files through the dialogs; dropping, restoring and marking many at once.
 #include "../support/captured_lines.h"
 #include "../support/editing.h"
+#include "../support/failing_reads.h"
 #include "../support/scripted_dialogs.h"
 
 namespace {
@@ -204,6 +205,8 @@ private slots:
             {"", "No such file or directory: later"},
             {"other\n10 5 20 3 2301\n", "different dataset"},
             {"tiny\n10 5 20 3 2301\n10 5", "Not an ROI file to its end: later"},
+            {"tiny\n10 5 20 3 2301\n10 5 20 4 2301\n",
+             "later: cannot be read to its end: Input/output error"},
             {"tiny\n10 5 20 2 2301\n", "No ROIs after time point 2 in later"}};
         for (const auto& [contents, error] : cases) {
             const SmallRecording recording;
@@ -213,6 +216,8 @@ private slots:
             CapturedLines errors(std::cerr);
             for (const int t : {4, 3, 2})
                 w.setCurrentTimePoint(t);    // the rasters are kept
+            const bool breaks_off = error.endsWith("Input/output error");
+            const failing_reads disk(breaks_off ? recording.folder.path("later") : "", 20);
             const ScriptedDialogs user({recording.path("later"), ""});
             w.pushButton_restore->click();
             w.pushButton_restore->click();    // cancelled

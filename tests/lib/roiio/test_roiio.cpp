@@ -1,5 +1,6 @@
 // The detector's per-plane ROI files: their names and their text.
 #include "../../support/comma_locale.h"
+#include "../../support/failing_reads.h"
 #include "../../support/temp_folder.h"
 #include "ORV_roiio.h"
 
@@ -9,9 +10,18 @@ TEST(roiio, reads_time_point_and_focal_plane_back_from_the_name)
 {
     const std::pair<const char*, pos2i> cases[] = {
         // t and z; -1: none
-        {"/a-1/embryo007-042.fwd", {7, 42}}, {"b9012-0345.roi", {12, 345}}, {"007-042.fwd-2", {7, 42}},
-        {"/007-042.d/x.fwd", {-1, -1}},      {"07-042.fwd", {-1, -1}},      {"007-.fwd", {-1, -1}},
+        {"/a-1/embryo007-042.fwd", {7, 42}},
+        {"b9012-0345.roi", {12, 345}},
+        {"007-042.fwd-2", {7, 42}},
+        {"/007-042.d/x.fwd", {-1, -1}},
+        {"07-042.fwd", {-1, -1}},
+        {"007-.fwd", {-1, -1}},
         {"007-9999999.fwd", {-1, -1}},
+        {"LNK_008-073.run-2024-001", {8, 73}},
+        {"2024-001.b_008-073.fwd", {8, 73}},
+        {"run_2024-001_008-073.2024-001.gz", {8, 73}},
+        {"001-002_008-073.fwd-1", {8, 73}},
+        {"008-073", {8, 73}},
     };
     for (const auto& [name, tz] : cases) {
         int t = -1, z = -1;
@@ -44,9 +54,29 @@ TEST(roiio, delivers_complete_records_up_to_the_first_that_is_none)
         EXPECT_EQ(records, expected) << text;
         EXPECT_EQ(r, records == 0 ? kept : records == 1 ? first : second) << "as it was after a failure";
     }
-    for (const std::string& name : {folder.path("001-001.fwd"), folder.with("nameless", "1 2 0123\n")}) {
+    std::filesystem::create_directory(folder.path("002-001.fwd"));
+    for (const std::string& name :
+         {folder.path("001-001.fwd"), folder.path("002-001.fwd"), folder.with("nameless", "1 2 0123\n")}) {
         iroifstream plane;
         plane.open(name);
         EXPECT_TRUE(plane.fail() && plane.filename == name) << name;
+    }
+}
+
+TEST(roiio, a_file_that_breaks_off_says_so_once)
+{
+    const temp_folder folder;
+    const std::string name = folder.with("007-042.fwd", "#\n1 2 0123\n-3 4 2\n");
+    for (const off_t readable : {2, 9, 13}) {
+        const failing_reads disk(name, readable);
+        iroifstream plane;
+        plane.open(name);
+        ASSERT_TRUE(plane.good());
+        testing::internal::CaptureStderr();
+        plane.seek_roi();
+        roi r;
+        EXPECT_EQ(!!(plane >> r), readable == 13);
+        EXPECT_FALSE(plane >> r || plane >> r);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), name + ": cannot be read to its end\n");
     }
 }
