@@ -18,7 +18,8 @@ QPixmap ImageDB::img(int t, int z, const QString& name, int cache_time)
         error_line("Cannot find ", name.toStdString());
         return {};
     }
-    drop_outside(keygen(pos4i(0, 0, 0, t - cache_time)), keygen(pos4i(0, 0, 0, t + cache_time)));
+    // Where keys end, at 999, so does the window.
+    drop_outside(time_key(t - cache_time), end_of_time_point(t + cache_time - 1));
     db.emplace(keygen(pos4i(0, 0, z, t)), image);
     return image;
 }

@@ -4,10 +4,11 @@
 #include "roidb_plus.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 struct plane_roi {
-    const std::string* key;    // of the database, like the record
+    const std::string* key;    // of its plane_rois, like the record
     const roi* record;
     q_roiimg* raster = nullptr;    // once q_roiimgdb::raster_of() was asked for it
     pixel_box box = {};            // of the raster, at hand without a look at it
@@ -17,10 +18,13 @@ struct plane_roi {
 };
 
 struct plane_rois {
-    // In the order of the index, up to an entry whose ROI is gone.
+    // In the order of the index, without entries whose ROI is gone. Keys and records are copies, which
+    // can be read as long as this object lives, whatever becomes of the database.
     plane_rois(const roidb_plus& roidb, int t, int z);
+    plane_rois(const plane_rois&) = delete;    // `rois` points into it
+    plane_rois& operator=(const plane_rois&) = delete;
 
-    // As long as it is, keys and records are there. Does not notice as many ROIs put straight into the
+    // True iff the copies are those of the database. Does not notice as many ROIs put straight into the
     // database's maps as were taken out of them.
     [[nodiscard]] bool is_current(const roidb_plus& roidb) const noexcept
     {
@@ -31,6 +35,7 @@ struct plane_rois {
     std::vector<plane_roi> rois;
 
 private:
+    std::vector<std::pair<std::string, roi>> _copies;
     unsigned long _revision;
     std::size_t _records;
     std::size_t _entries;

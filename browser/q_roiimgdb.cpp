@@ -3,6 +3,7 @@
 #include "keygen.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -40,6 +41,7 @@ void q_roiimgdb::remove(pos4i pos)
 {
     if (const auto found = db.find(keygen(pos)); found != db.end())
         drop(found, std::next(found));
+    _planes.erase({pos.t(), pos.z()});    // it still knows the raster
 }
 
 void q_roiimgdb::release_dropped() noexcept
@@ -50,17 +52,22 @@ void q_roiimgdb::release_dropped() noexcept
     _planes.clear();    // they may point to rasters that are gone
 }
 
-void q_roiimgdb::remove_after(int t) { drop(db.lower_bound(end_of_time_point(t)), db.end()); }
+void q_roiimgdb::remove_after(int t)
+{
+    drop(db.lower_bound(end_of_time_point(t)), db.end());
+    _planes.erase(_planes.upper_bound({t, std::numeric_limits<int>::max()}), _planes.end());
+}
 
 void q_roiimgdb::drop_far_from(int t)
 {
-    const int t_min = std::max(t - kept_time_points, 0);
+    const int t_min = std::max(t, kept_time_points) - kept_time_points;
+    const int t_max = std::min(t, std::numeric_limits<int>::max() - kept_time_points) + kept_time_points;
     const auto low = db.lower_bound(time_key(0));
     const auto kept = db.lower_bound(time_key(t_min));
     // Negative time points sort before or after their neighbours: the ranges may be the wrong way round.
     if (low != db.end() && low->first < time_key(t_min))
         drop(low, kept);
-    remove_after(t + kept_time_points);
+    drop(db.lower_bound(end_of_time_point(t_max)), db.end());
 }
 
 void q_roiimgdb::drop(position first, position last)

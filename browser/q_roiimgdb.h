@@ -35,7 +35,7 @@ public:
         return r.raster;
     }
 
-    // Drops the raster at this position.
+    // Drops the raster at this position, also for walks that begin later.
     void remove(pos4i pos);
 
     // Drops every raster after time point t.

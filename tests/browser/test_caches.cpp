@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QImage>
 
+#include <limits>
+
 namespace {
 
 template <class Map>
@@ -52,6 +54,31 @@ TEST(raster_cache, hands_out_one_mapped_raster_a_roi_that_outlives_its_entry)
     rasters.release_dropped();
 }
 
+TEST(raster_cache, a_plane_is_read_on_whatever_becomes_of_its_rois_and_forgets_a_raster_that_is_removed)
+{
+    roidb_plus rois("n");
+    q_roiimgdb rasters;
+    const roi first(1, 2, 0, 5, "2301"), second(1, 2, 0, 5, "22330011");
+    rois.entry_plus(first);
+    const auto held = rasters.plane(rois, 5, 0);
+    rois.db.clear();    // past the database, which does not notice
+    rois.tz_xy_db.clear();
+    rois.db.emplace(keygen(second), second);
+    rois.tz_xy_db.emplace("005000000000", second);
+    EXPECT_EQ(*held->rois[0].key, keygen(first));
+    EXPECT_EQ(*held->rois[0].record, first);
+    EXPECT_EQ(rasters.raster_of(held->rois[0])->size(), 1);
+    rasters.remove(second);
+    EXPECT_EQ(rasters.raster_of(rasters.plane(rois, 5, 0)->rois[0])->size(), 4);
+}
+
+TEST(raster_cache, takes_every_time_point_that_a_file_may_hold)
+{
+    q_roiimgdb rasters;
+    for (const int t : {5, std::numeric_limits<int>::max(), std::numeric_limits<int>::min(), 999})
+        EXPECT_EQ(rasters.qrimg(square(t))->size(), 4);
+}
+
 TEST(image_cache, keeps_its_window_and_plane_0_of_the_time_point_after_it)
 {
     int no_arguments = 0;
@@ -74,6 +101,9 @@ TEST(image_cache, keeps_its_window_and_plane_0_of_the_time_point_after_it)
     EXPECT_EQ(keys_of(images.db), kept) << "nothing is dropped for it";
     images.img(1, 0, name, 20);    // a window that starts below 0 drops nothing there
     EXPECT_EQ(keys_of(images.db), "001000 " + kept);
+    for (const int t : {988, 989, 990, 999, 991})    // one that ends beyond the last time point
+        images.img(t, 1, name, 10);
+    EXPECT_EQ(keys_of(images.db), "989001 990001 991001 999001 ");
 }
 
 }    // namespace
