@@ -28,14 +28,7 @@ constexpr int max_side = 4096;    // pixels
     std::exit(1);
 }
 
-// What roimaker takes: one digit a pixel.
-bool is_mask(const unsigned char* canvas, int width, int height)
-{
-    if (width < 1 || height < 1 || width > max_side || height > max_side)
-        return false;
-    const unsigned char* const end = canvas + static_cast<std::ptrdiff_t>(width) * height;
-    return std::all_of(canvas, end, [](unsigned char pixel) { return pixel <= 9; });
-}
+bool is_side(int pixels) { return pixels >= 1 && pixels <= max_side; }
 
 // The pipe's ends, moved away from the descriptors that the child gives up: in a program started without
 // standard input or output they might be those.
@@ -52,7 +45,7 @@ void open_pipe(int pipefds[2])
     }
 }
 
-// The width, the height, and a line of digits for each row.
+// The width, the height, and a line for each row: its bytes as decimal numbers, nothing between them.
 std::string mask_text(const unsigned char* canvas, int width, int height)
 {
     std::string text = std::to_string(width) + '\n' + std::to_string(height) + '\n';
@@ -117,7 +110,7 @@ void wait_for(pid_t pid)
 
 std::list<roi> makeROIs(unsigned char* canvas, int width, int height)
 {
-    if (!is_mask(canvas, width, height)) {
+    if (!is_side(width) || !is_side(height)) {
         error_line("makeROIs: no mask of up to ", max_side, " x ", max_side, " pixels");
         return {};
     }

@@ -124,6 +124,20 @@ TEST(makeROIs, brings_the_regions_through_the_pipe)
     }
 }
 
+TEST(makeROIs, hands_every_byte_over_as_a_number)
+{
+    const temp_folder folder;
+    ::chmod(
+        folder
+            .with("script", "#!/bin/sh\nread w; read h; read row\nprintf '1\\n\\nr %s %s %s\\n' $w $h $row\n")
+            .c_str(),
+        0755);
+    ::setenv("ORVBROWSER_ROIMAKER", folder.path("script").c_str(), 1);
+    unsigned char mask[] = {0, 10, 255, 1};
+    EXPECT_EQ(makeROIs(mask, 4, 1), std::list<roi>{roi(4, 1, 0, 0, "0102551")});
+    ::unsetenv("ORVBROWSER_ROIMAKER");
+}
+
 // Those that end without reading a mask that does not fit into the pipe, and those that answer rubbish.
 TEST(makeROIs, survives_every_roimaker)
 {
