@@ -412,8 +412,8 @@ private:
                                                      pos3d E_pos, int search_width);
     [[nodiscard]] bool are_new(const set<string>& old_members, const list<roi>& roi_plus,
                                const list<roi>& roi_minus) const;
-    [[nodiscard]] bool cut_members(const string& doubt, pos3d nom, pos3d E_m, list<roi>& roi_plus,
-                                   list<roi>& roi_minus);
+    [[nodiscard]] const q_roiimg* raster_to_cut(const string& key);
+    [[nodiscard]] const char* fault_of(const unit_cut& cut, const string& doubt, pos3d nom);
     void replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus);
     void inherit_marks(const set<string>& old_members, const set<string>& new_keys);
     using half_of_unit = std::map<string, string>;    // parent or child to the half it is linked to

@@ -46,16 +46,27 @@ struct half_mask {
     }
 };
 
-// True iff these outlines can stand for the half: closed, inside its box, and enclosing its pixels. A
-// half without a pixel has none.
-bool covers(const std::list<roi>& rois, const half_mask& half)
+// An answer may hold any number: sums wrap, and so do their inverses, with -1 for `times`.
+pos2i moved(pos2i p, pos2i by, int times)
+{
+    const auto sum = [n = static_cast<unsigned int>(times)](int a, int b) {
+        return static_cast<int>(static_cast<unsigned int>(a) + n * static_cast<unsigned int>(b));
+    };
+    return {sum(p.x(), by.x()), sum(p.y(), by.y())};
+}
+
+// True iff the ROIs of a side enclose all pixels of this half: those that are closed, and inside its box.
+// They have a place then. A half without a pixel has none.
+bool is_covered(const half_mask& half, const q_roiimg& raster, const std::list<roi>& rois,
+                std::set<const roi*>& placed)
 {
     if (half.size == 0)
-        return rois.empty();
+        return true;
     std::vector<unsigned char> enclosed(half.pixels.size());
     for (const roi& r : rois)
-        if (!fill_outline({r.x(), r.y()}, r.outline(), enclosed, half.width, half.height))
-            return false;
+        if (r.z() == raster.z() && !r.outline().empty() &&
+            fill_outline(moved(r, raster.top_left(), -1), r.outline(), enclosed, half.width, half.height))
+            placed.insert(&r);
     return std::equal(
         half.pixels.begin(), half.pixels.end(), enclosed.begin(),
         [](unsigned char in_half, unsigned char is_enclosed) { return !in_half || is_enclosed; });
@@ -162,57 +173,78 @@ std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos
     return halves;
 }
 
-// Appends the ROIs of a half, moved to where its raster lies. False when it did not come back whole.
-bool append_rois(half_mask& half, const q_roiimg& raster, const char* side, std::list<roi>& rois)
+// Appends the ROIs that roimaker makes of a half, moved to where its raster lies.
+void append_rois(half_mask& half, const q_roiimg& raster, const char* side, std::list<roi>& rois)
 {
-    const std::list<roi> made = makeROIs(half.pixels.data(), half.width, half.height);
-    if (!covers(made, half))
-        return false;
-    for (const roi& r : made) {
-        rois.emplace_back(
-            pos4i(raster.top_left().x() + r.x(), raster.top_left().y() + r.y(), raster.z(), raster.t()),
-            r.outline());
+    for (const roi& r : makeROIs(half.pixels.data(), half.width, half.height)) {
+        const pos2i at = moved(r, raster.top_left(), 1);
+        rois.emplace_back(at.x(), at.y(), raster.z(), raster.t(), r.outline());
         std::cout << side << rois.back() << std::endl;
     }
-    return true;
 }
 
 }    // namespace
 
-// Cuts the members one by one. False when some half did not come back whole, or the run ended.
-bool ORVBrowser::cut_members(const string& doubt, pos3d nom, pos3d E_m, list<roi>& roi_plus,
-                             list<roi>& roi_minus)
+// Null for a member that was dropped, or has no pixels: there is nothing to cut.
+const q_roiimg* ORVBrowser::raster_to_cut(const string& key)
 {
-    LongRun run(*this);
-    for (const std::string& key : member(doubt)) {
-        if (!run.process_events())
-            return false;
-        if (!m_roidb->db.contains(key))    // it was dropped
-            continue;
-        const q_roiimg& raster = *m_q_roiimgdb->qrimg(m_roidb->find_plus(key));
-        auto [canvas_plus, canvas_minus] = halves_of(raster, nom, E_m);
-        if (raster.size() == 0 || !append_rois(canvas_plus, raster, "roi_plus: ", roi_plus) ||
-            !append_rois(canvas_minus, raster, "roi_minus: ", roi_minus))
-            return false;
-    }
-    return true;
+    if (!m_roidb->db.contains(key))
+        return nullptr;
+    const q_roiimg* const raster = m_q_roiimgdb->qrimg(m_roidb->find_plus(key));
+    return raster->size() > 0 ? raster : nullptr;
 }
 
-// Appends nothing to either list unless every half came back whole.
+// Appends whatever roimaker answers: find_cut() looks whether it can stand for the unit.
 void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
 {
-    list<roi> plus;
-    list<roi> minus;
-    if (!isOpen() || !cut_members(doubt, E_normal / E_normal.size(), E_m, plus, minus))
+    if (!isOpen())
         return;
-    roi_plus.splice(roi_plus.end(), plus);
-    roi_minus.splice(roi_minus.end(), minus);
+    LongRun run(*this);
+    const pos3d nom = E_normal / E_normal.size();
+    for (const std::string& key : member(doubt)) {
+        if (!run.process_events())
+            return;
+        const q_roiimg* const raster = raster_to_cut(key);
+        if (!raster)
+            continue;
+        auto [canvas_plus, canvas_minus] = halves_of(*raster, nom, E_m);
+        append_rois(canvas_plus, *raster, "roi_plus: ", roi_plus);
+        append_rois(canvas_minus, *raster, "roi_minus: ", roi_minus);
+    }
+}
+
+// Why the ROIs of a cut cannot take the place of the unit, or nothing.
+const char* ORVBrowser::fault_of(const unit_cut& cut, const string& doubt, pos3d nom)
+{
+    std::set<const roi*> placed;
+    bool has_plus = false;
+    bool has_minus = false;
+    bool are_whole = true;
+    const set<string> members = member(doubt);
+    for (const std::string& key : members) {
+        const q_roiimg* const raster = raster_to_cut(key);
+        if (!raster)
+            continue;
+        const auto [half_plus, half_minus] = halves_of(*raster, nom, cut.E_position);
+        has_plus = has_plus || half_plus.size > 0;
+        has_minus = has_minus || half_minus.size > 0;
+        are_whole = is_covered(half_plus, *raster, cut.plus, placed) && are_whole;
+        are_whole = is_covered(half_minus, *raster, cut.minus, placed) && are_whole;
+    }
+    if (!has_plus || !has_minus)
+        return "all of it lies on one side of the plane";
+    if (cut.plus.empty() || cut.minus.empty())
+        return "roimaker has made no outline of one half";
+    if (!are_whole || placed.size() < cut.plus.size() + cut.minus.size())
+        return "the outlines that roimaker has made are not those of its halves";
+    return are_new(members, cut.plus, cut.minus) ? nullptr
+                                                 : "another ROI stands where one of the halves would start";
 }
 
 // ---- The two units
 
 // Searches a plane with this normal from E_m on and builds both sides, which changes nothing. Nothing
-// after one line that tells why, or when the run has ended.
+// after one line that tells why.
 std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
                                                          int search_width)
 {
@@ -222,21 +254,19 @@ std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, po
     const unit_links links{parents(doubt), children(doubt)};
     const bool was_elite = isElite(doubt);
     unit_cut cut{search_cutting_position(doubt, E_normal, E_m, search_width), {}, {}};
-    if (!run.alive() || !is_finite(cut.E_position))
+    if (run.alive() && !is_finite(cut.E_position))    // the search has said why
         return std::nullopt;
-    splitROI(doubt, E_normal, cut.E_position, cut.plus, cut.minus);
-    if (!run.alive())
-        return std::nullopt;
-    const bool was_edited = revision != m_roidb->revision() || doubt_member != member(doubt) ||
-                            links.parents != parents(doubt) || links.children != children(doubt) ||
-                            was_elite != isElite(doubt);
+    if (run.alive())
+        splitROI(doubt, E_normal, cut.E_position, cut.plus, cut.minus);
     const char* why_not = nullptr;
-    if (was_edited)
+    if (!run.alive())
+        why_not = "its recording was closed meanwhile";
+    else if (revision != m_roidb->revision() || doubt_member != member(doubt) ||
+             links.parents != parents(doubt) || links.children != children(doubt) ||
+             was_elite != isElite(doubt))
         why_not = "it was edited meanwhile";
-    else if (cut.plus.empty() || cut.minus.empty())
-        why_not = "the halves did not come back whole";
-    else if (!are_new(doubt_member, cut.plus, cut.minus))
-        why_not = "another ROI stands where one of the halves would start";
+    else
+        why_not = fault_of(cut, doubt, E_normal / E_normal.size());
     if (!why_not)
         return cut;
     std::cout << "Cannot split " << doubt << ": " << why_not << std::endl;
@@ -311,7 +341,7 @@ void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>
     for (set<string>* marks : {&m_selected_roi_set, &m_fwd_roi_set, &m_bwd_roi_set, &m_removed_roi_set}) {
         std::set<int> marked_planes;
         for (const std::string& key : old_members)
-            if (marks->erase(key) > 0)
+            if (marks->erase(key) > 0 && is_decodable(key))
                 marked_planes.insert(plane(key));
         for (const std::string& key : new_keys)
             if (marked_planes.contains(plane(key)))

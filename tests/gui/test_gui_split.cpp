@@ -164,7 +164,9 @@ disturbance answers(const std::string& answer, const std::string& line = {})
 }
 
 const std::string box = outline_of_box(22, 8).toStdString();
-const char not_whole[] = "Cannot split D: the halves did not come back whole";
+const char no_outline[] = "Cannot split D: roimaker has made no outline of one half";
+const char not_whole[] = "Cannot split D: the outlines that roimaker has made are not those of its halves";
+const char closed[] = "Cannot split D: its recording was closed meanwhile";
 const char edited[] = "Cannot split D: it was edited meanwhile";
 
 const struct {
@@ -173,10 +175,11 @@ const struct {
     disturbance disturb;
 } refusal_table[] = {
     {"AD BD", "Cannot find /no", 0, [](auto&, auto&) { qputenv("ORVBROWSER_ROIMAKER", "/no"); }},
-    {"AD BD", not_whole, 0, answers("0")},
+    {"AD BD", no_outline, 0, answers("0")},
     {"AD BD", not_whole, 0, answers("1\\n\\nr 0 0 2301")},
     {"AD BD", not_whole, 0, answers("1\\n\\nr 0 0 " + box.substr(1))},    // not closed
     {"AD BD", not_whole, 0, answers("1\\n\\nr 1 0 " + box)},
+    {"AD BD", not_whole, 0, answers("2\\n\\nr 0 0 " + box + "\\n\\nr 2147483647 0")},
     {"AD BD", not_whole, 0,    // only the last half
      answers("0", "echo >>$0.calls; [ $(wc -l <$0.calls) -lt 4 ] && exec " ROIMAKER)},
     {"AD BD", "another ROI stands where one of the halves would start", 0,
@@ -191,11 +194,11 @@ const struct {
     {"AD BD", edited, in_cut, [](auto& w, auto&) { w.link(w.at('F'), w.at('D')); }},
     {"AD BD", edited, in_cut, [](auto& w, auto&) { w.m_elite_head_roi_set.insert(w.at('D')); }},
     {"AD BD", edited, in_cut, [](auto& w, auto&) { w.pushButton_split_clicked(); }},
-    {"AD BD", "", in_search, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
-    {"AD BD", "", in_cut, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
-    {"AD BD", "", in_cut, [](auto& w, auto&) { w.close_common(); }},
-    {"AD BD", "", in_search, [](auto& w, auto&) { w.close(); }},
-    {"AD BD", "", in_cut, [](auto& w, auto&) { w.close(); }},
+    {"AD BD", closed, in_search, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
+    {"AD BD", closed, in_cut, [](auto& w, auto& r) { (void)w.openRoiFile(r.file); }},
+    {"AD BD", closed, in_cut, [](auto& w, auto&) { w.close_common(); }},
+    {"AD BD", closed, in_search, [](auto& w, auto&) { w.close(); }},
+    {"AD BD", closed, in_cut, [](auto& w, auto&) { w.close(); }},
 };
 
 // All that a split may change.
@@ -249,6 +252,30 @@ private slots:
         QCOMPARE(w.m_selected_roi_set, (keys{lower, keygen({32, 10, 21, 2})}));
         QCOMPARE(w.m_removed_roi_set, (keys{w.at('D'), w.at('M')}));
         QVERIFY(w.m_mouse_over_roi_set.empty() && w.m_lineage_mode_roi_set.empty() && is_consistent(w));
+    }
+
+    // What cannot stand for the halves, too; a member without pixels is passed over.
+    void aSplitAppendsAndPrintsWhateverRoimakerAnswers()
+    {
+        Family w(recording, "AD BD DC DE", "");
+        const std::string empty = keygen({12, 10, 19, 2});
+        w.m_roidb->entry_plus({12, 10, 19, 2, "x"});
+        w.m_head_members.emplace(w.at('D'), empty);
+        w.m_members_head.emplace(empty, w.at('D'));
+        answers("1\\n\\nr 1 0 2301")(w, recording);
+        CapturedLines out(std::cout);
+        std::list<roi> plus, minus;
+        w.splitROI(w.at('D'), {-1, 0, 0}, {21, 13, 0}, plus, minus);
+        qunsetenv("ORVBROWSER_ROIMAKER");
+        QCOMPARE(out.take().join('|'), "roi_plus: 12 10 20 2 2301|roi_minus: 12 10 20 2 2301|"
+                                       "roi_plus: 12 10 21 2 2301|roi_minus: 12 10 21 2 2301");
+        QVERIFY(plus.size() == 2 && minus.size() == 2);
+        const std::string beside = put_roi(w, {13, 12, 20, 2}, 22, 8);    // another one on that plane
+        w.m_head_members.emplace(w.at('D'), beside);
+        w.m_members_head.emplace(beside, w.at('D'));
+        w.manualSplit(w.at('D'), {w.at('A'), w.at('B')}, 21, 13, 20);
+        QCOMPARE(w.units(2).size(), 5U);
+        QVERIFY(!w.m_roidb->db.contains(empty) && is_consistent(w));
     }
 
     // From near the unit, and from so far away that the start has to move.
