@@ -1,6 +1,5 @@
 // bench_window.h - the window with its state readable, for the benchmarks.
 #pragma once
-#include "lineage_access.h"
 #include "orvbrowser.h"
 
 #include <iostream>
@@ -17,9 +16,8 @@ public:
 
     void make_units()
     {
-        LineageAccess access(*this);
         for (int t = m_min_time_point; t <= m_max_time_point; ++t)
-            access.make_units(t, 0);
+            curation::make_units(t, 0);
     }
 
     void make_links()

@@ -74,8 +74,8 @@ void ORVBrowser::setApplication(QApplication* app) { m_app = app; }
 
 void ORVBrowser::closeEvent(QCloseEvent* e)
 {
-    if (m_runs > 0) {
-        m_closing = true;
+    if (is_running()) {
+        close_runs();
         pushButton_auto->setChecked(false);
         m_auto_split = false;
     }
@@ -120,6 +120,8 @@ bool ORVBrowser::process_events_of_run(QEventLoop::ProcessEventsFlags flags)
     return had_events;
 }
 
+bool ORVBrowser::carry_on() { return process_events_of_run(QEventLoop::AllEvents); }
+
 void ORVBrowser::show_changes()
 {
     dirty = true;
@@ -136,10 +138,4 @@ void ORVBrowser::end_waiting()
 {
     if (m_busy_runs == 0)    // else a run around this operation is still waited for
         show_mode_cursor();
-}
-
-void ORVBrowser::release_dropped_rasters()
-{
-    if (m_runs == 0 && m_q_roiimgdb)
-        m_q_roiimgdb->release_dropped();
 }

@@ -60,16 +60,6 @@ void ORVBrowser::pushButton_reload_config_file_clicked()
 
 void ORVBrowser::pushButton_reset_clicked()
 {
-    m_fwd_roi_set.clear();
-    m_bwd_roi_set.clear();
-    m_mouse_over_roi_set.clear();
-    m_make_unit_roi_set.clear();
-    m_head_members.clear();
-    m_members_head.clear();
-    m_elite_head_roi_set.clear();
-    m_smallest_enclosing_circle.clear();
-    m_linkage_set.clear();
-    m_linkage_multimap.clear();
-    ++m_edits;
+    reset();
     show_changes();
 }

@@ -75,6 +75,7 @@ void ORVBrowser::open_recording(std::unique_ptr<roidb_plus> roidb)
     read_common();
     take_time_bounds();
     setCurrentTimePoint(0);
+    announce_recording();
     setUpdatesEnabled(true);
 }
 
@@ -119,27 +120,13 @@ void ORVBrowser::save_rois(const string& filename)
     end_waiting();
 }
 
-// By its record, not by decoding its key: a mark from a file may be no key, or one of another position.
-void ORVBrowser::drop_roi(const string& key)
-{
-    const auto found = m_roidb->db.find(key);
-    if (found == m_roidb->db.end())
-        return;
-    const roi dropped = found->second;
-    m_roidb->remove(dropped);
-    if (m_q_roiimgdb)
-        m_q_roiimgdb->remove(dropped);
-}
-
 void ORVBrowser::pushButton_drop_false_positive_clicked()
 {
     if (!m_roidb)
         return;
     const QPointer<ORVBrowser> self(this);
     setCursor(Qt::WaitCursor);
-    for (const std::string& key : m_removed_roi_set)
-        drop_roi(key);
-    forget_missing_members();
+    drop_false_positives();
     finish();
     if (self)
         end_waiting();

@@ -11,26 +11,12 @@
 
 namespace {
 
-void toggle(std::set<std::string>& keys, const std::string& key)
-{
-    if (keys.erase(key) == 0)
-        keys.insert(key);
-}
-
 bool covers(const q_roiimg& raster, const pixel_box& box, int x, int y)
 {
     return box.contains(x, y) && raster.value(x - box.left, y - box.top) != 0;
 }
 
 }    // namespace
-
-bool ORVBrowser::isSelected(string key) { return m_selected_roi_set.contains(key); }
-
-bool ORVBrowser::isFwdTracked(string key) { return m_fwd_roi_set.contains(key); }
-
-bool ORVBrowser::isBwdTracked(string key) { return m_bwd_roi_set.contains(key); }
-
-bool ORVBrowser::isElite(string key) { return m_elite_head_roi_set.contains(key); }
 
 std::string ORVBrowser::xyROI(int x, int y)
 {
@@ -49,12 +35,11 @@ std::string ORVBrowser::xyROI(int x, int y)
 }
 
 // Each mode remembers the cursor that was shown before it, and shows it again when it ends.
-void ORVBrowser::set_mode(bool& mode, bool on)
+void ORVBrowser::set_mode(bool& flag, QCursor& before, bool on)
 {
-    QCursor& before = m_cursor_before[&mode];
-    if (!mode)    // a run that is going on shows the wait cursor only until it ends
+    if (!flag)    // a run that is going on shows the wait cursor only until it ends
         before = cursor().shape() == Qt::WaitCursor ? QCursor(Qt::ArrowCursor) : cursor();
-    mode = on;
+    flag = on;
     setCursor(on ? QCursor(Qt::PointingHandCursor) : before);
 }
 
@@ -66,21 +51,24 @@ void ORVBrowser::show_mode_cursor()
     setCursor(is_armed ? Qt::PointingHandCursor : Qt::ArrowCursor);
 }
 
-void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, on); }
+void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, m_cursor_before[elite_mode], on); }
 
-void ORVBrowser::setLineageMode(bool on) { set_mode(m_lineage_mode, on); }
+void ORVBrowser::setLineageMode(bool on) { set_mode(m_lineage_mode, m_cursor_before[lineage_mode], on); }
 
-void ORVBrowser::setAddLineageMode(bool on) { set_mode(m_add_lineage_mode, on); }
+void ORVBrowser::setAddLineageMode(bool on) { set_mode(m_add_lineage_mode, m_cursor_before[add_mode], on); }
 
-void ORVBrowser::setRemoveLineageMode(bool on) { set_mode(m_remove_lineage_mode, on); }
+void ORVBrowser::setRemoveLineageMode(bool on)
+{
+    set_mode(m_remove_lineage_mode, m_cursor_before[remove_mode], on);
+}
 
-void ORVBrowser::setMergeMode(bool on) { set_mode(m_merge_mode, on); }
+void ORVBrowser::setMergeMode(bool on) { set_mode(m_merge_mode, m_cursor_before[merge_mode], on); }
 
 void ORVBrowser::setSplitMode(bool on)
 {
     if (!on)
         m_split_parents.clear();
-    set_mode(m_split_mode, on);
+    set_mode(m_split_mode, m_cursor_before[split_mode], on);
 }
 
 void ORVBrowser::setShowTrackedRoisMode(bool on) { m_show_tracked_rois_mode = on; }
@@ -170,7 +158,7 @@ void ORVBrowser::toggle_lineage_mode()
         return;
     }
     setLineageMode(false);
-    m_lineage_mode_roi_set.clear();
+    choose("");
     setAddLineageMode(false);
     setRemoveLineageMode(false);
     show_changes();
@@ -247,16 +235,13 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
 {
     const std::string unit = head(key);
     if (m_manual_elite) {
-        toggle(m_elite_head_roi_set, unit);
-        ++m_edits;
+        toggle_elite(unit);
         setManualEliteMode(false);
     } else if (m_lineage_mode) {
-        m_lineage_mode_roi_set = {unit};
+        choose(unit);
         setLineageMode(false);
     } else if (m_remove_lineage_mode) {
-        m_lineage_mode_roi_set = {unit};
-        for (const std::string& parent : parents(unit))
-            release_all(parent, unit);
+        release_parents(unit);
         setRemoveLineageMode(false);
     } else {
         if (!m_lineage_mode_roi_set.empty())
@@ -268,10 +253,10 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
 void ORVBrowser::mark_roi(const string& key, Qt::MouseButton button)
 {
     if (button == Qt::RightButton)
-        toggle(m_removed_roi_set, key);
+        toggle_false_positive(key);
     if (button != Qt::LeftButton)
         return;
-    toggle(m_selected_roi_set, key);
+    toggle_selected(key);
     if (isSelected(key))
         std::cout << "roi(" << key << ") head(" << head(key) << ")" << std::endl;
 }

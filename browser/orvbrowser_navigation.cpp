@@ -171,7 +171,7 @@ void ORVBrowser::lineEdit_dataset_textChanged(const QString& s)
 
 void ORVBrowser::build_roidb()
 {
-    ++m_recording;
+    forget_recording();
     m_roidb = std::make_unique<roidb_plus>(m_dataset);
     // What the caches hold belongs to the recording before.
     if (m_imgdb)
@@ -196,6 +196,7 @@ void ORVBrowser::build_roidb()
                     m_roidb->entry_plus(r);
         }
     }
+    announce_recording();
     finish();
 }
 
@@ -203,7 +204,7 @@ void ORVBrowser::build_imgdb() { m_imgdb = std::make_unique<ImageDB>(); }
 
 void ORVBrowser::build_q_roiimgdb()
 {
-    ++m_recording;    // a run that holds rasters must end
+    forget_recording();    // a run that holds rasters must end
     m_q_roiimgdb = std::make_unique<q_roiimgdb>();
 }
 
@@ -236,22 +237,14 @@ void ORVBrowser::read_common()
     frame_canvas->setFocus();
 }
 
-// The heads picked in the add and remove modes and the candidates of the splits stay.
+// The heads picked in the add and remove modes stay.
 void ORVBrowser::reset_recording_state()
 {
-    for (bool* flag : {&m_auto, &m_auto_make_units, &m_make_units, &m_manual_elite, &m_lineage_mode,
-                       &m_show_tracked_rois_mode, &m_add_lineage_mode, &m_remove_lineage_mode, &m_auto_split,
-                       &m_show_centroid, &m_merge_mode, &m_split_mode, &dirty})
+    forget_everything();
+    for (bool* flag :
+         {&m_auto, &m_manual_elite, &m_lineage_mode, &m_show_tracked_rois_mode, &m_add_lineage_mode,
+          &m_remove_lineage_mode, &m_auto_split, &m_show_centroid, &m_merge_mode, &m_split_mode, &dirty})
         *flag = false;
-    for (auto* keys : {&m_selected_roi_set, &m_removed_roi_set, &m_mouse_over_roi_set, &m_fwd_roi_set,
-                       &m_bwd_roi_set, &m_make_unit_roi_set, &m_linkage_set, &m_lineage_mode_roi_set,
-                       &m_split_parents, &m_elite_head_roi_set})
-        keys->clear();
-    m_smallest_enclosing_circle.clear();
-    m_head_members.clear();
-    m_members_head.clear();
-    m_linkage_multimap.clear();
-    ++m_edits;
     // A button or a cursor that still showed a flag would now tell a lie.
     const QSignalBlocker quiet(pushButton_auto);
     pushButton_auto->setChecked(false);
@@ -260,7 +253,7 @@ void ORVBrowser::reset_recording_state()
 
 void ORVBrowser::close_common()
 {
-    ++m_recording;
+    forget_recording();
     lineEdit_focal_plane->setEnabled(false);
     lineEdit_time_point->setEnabled(false);
     setTrackingButtonsEnabled(false);
@@ -270,6 +263,7 @@ void ORVBrowser::close_common()
     m_roidb.reset();
     m_imgdb.reset();
     m_q_roiimgdb.reset();
+    announce_recording();
     lineEdit_dataset->setEnabled(true);
     setCurrentTimePoint(0);
     setCurrentFocalPlane(0);

@@ -1,59 +1,32 @@
-// Where the lineage needs a look: doubtful units, dead ends, unlinked units.
+// Showing a unit, and what looks wrong in the lineage.
+#include "keygen.h"
 #include "orvbrowser.h"
 
 #include <iostream>
 
-// Entries are counted, not distinct parents: a link stored twice makes its child a candidate too.
-void ORVBrowser::search_doubt_units()
+void ORVBrowser::view(string key)
 {
-    m_falsely_grouped_units_candidates.clear();
-    const string* previous = nullptr;
-    for (const auto& [child, parent] : m_linkage_multimap) {
-        if (previous && *previous == child)
-            m_falsely_grouped_units_candidates.insert(child);
-        previous = &child;
-    }
+    if (!is_roi_key(key))
+        return;
+    const pos4i position = decode(key);
+    setCurrentTimePoint(position.t());
+    setCurrentFocalPlane(position.z());
+    finish();
 }
 
-// The parents that links into time point t name.
-std::set<std::string> ORVBrowser::parents_into(int t) const
+void ORVBrowser::highlight(const string& unit)
 {
-    set<string> found;
-    const auto [first, last] = links_into(t);
-    for (auto entry = first; entry != last; ++entry)
-        found.insert(entry->second);
-    return found;
+    m_mouse_over_roi_set = member(unit);
+    show_changes();
 }
 
-void ORVBrowser::report(const char* finding, const string& unit)
+void ORVBrowser::report(const char* finding, const std::optional<string>& unit)
 {
-    std::cout << finding << unit << std::endl;
-    view(unit);
+    std::cout << finding << unit.value_or("none") << std::endl;
+    if (unit)
+        view(*unit);
 }
 
-void ORVBrowser::pushButton_dead_end_clicked()
-{
-    for (int t = m_min_time_point; t < m_max_time_point; ++t) {
-        const set<string> with_children = parents_into(t + 1);
-        for (const std::string& unit : units(t)) {
-            if (!with_children.contains(unit)) {
-                report("Dead-end branch: ", unit);
-                return;
-            }
-        }
-    }
-    std::cout << "Dead-end branch: none" << std::endl;
-}
+void ORVBrowser::pushButton_dead_end_clicked() { report("Dead-end branch: ", first_dead_end()); }
 
-void ORVBrowser::pushButton_unlinked_unit_clicked()
-{
-    for (int t = m_min_time_point + 1; t <= m_max_time_point; ++t) {
-        for (const std::string& unit : units(t)) {
-            if (!m_linkage_multimap.contains(unit)) {
-                report("Unlinked unit: ", unit);
-                return;
-            }
-        }
-    }
-    std::cout << "Unlinked unit: none" << std::endl;
-}
+void ORVBrowser::pushButton_unlinked_unit_clicked() { report("Unlinked unit: ", first_unlinked()); }

@@ -1,153 +1,11 @@
-// Tracking the chosen ROIs forward, backward and across the focal planes.
-//
-// Writes m_fwd_roi_set, m_bwd_roi_set and, in z, m_selected_roi_set; with m_make_units also the units.
-#include "keygen.h"
-#include "long_run.h"
+// The tracking buttons. Tracking itself is the curation's.
+#include "busy_run.h"
+#include "edit_scope.h"
 #include "orvbrowser.h"
-#include "plane_walk.h"
-
-#include <algorithm>
-#include <vector>
-
-namespace {
-
-// Making a raster takes about as long as this many comparisons of two ROIs.
-constexpr int steps_of_a_raster = 64;
-
-// One ROI from which the flood looks at one plane.
-struct flood_level {
-    q_roiimg* from;
-    int z;
-    PlaneWalk walk;
-};
-
-// The shared pixels over the larger of the two areas.
-double shared_ratio(q_roiimg* a, q_roiimg* b)
-{
-    const double shared = q_shared_pixels(a, b);
-    return std::min(shared / a->size(), shared / b->size());
-}
-
-// REQUIRES: r.raster
-bool is_reached(q_roiimg* from, const plane_roi& r, double mor_t, double mor_z)
-{
-    if (mor_t == 0.0 && mor_z == 0.0)
-        return r.box.meets(from->box()) && is_overlap(from, r.raster);
-    return shared_ratio(from, r.raster) > (from->t() != r.record->t() ? mor_t : mor_z);
-}
-
-}    // namespace
-
-void ORVBrowser::add_to_unit(const string& key)
-{
-    const std::string unit = keygen(m_unit_roi_head);
-    m_head_members.emplace(unit, key);
-    m_members_head.emplace(key, unit);
-    ++m_edits;
-}
-
-// A depth-first flood over the planes of time point t, which goes on from what take() takes. Its depth is
-// that of the data, so the levels lie on a stack of their own.
-void ORVBrowser::flood(const roi& r_from, int t, int z, double mor_t, double mor_z,
-                       const std::function<bool(const string&)>& take)
-{
-    if (!has_rois())
-        return;
-    LongRun run(*this);
-    std::vector<flood_level> levels;
-    const auto look_at = [&](q_roiimg* from, int plane) {
-        levels.push_back({from, plane, PlaneWalk(*m_roidb, *m_q_roiimgdb, t, plane)});
-    };
-    look_at(m_q_roiimgdb->qrimg(r_from), z);
-    while (!levels.empty()) {
-        flood_level& level = levels.back();
-        const bool lost_its_origin = level.walk.is_stale() && !m_roidb->db.contains(keygen(*level.from));
-        plane_roi* const r = lost_its_origin ? nullptr : level.walk.next();
-        if (!r) {
-            levels.pop_back();
-            continue;
-        }
-        if (!run.poll_events(r->raster ? 1 : steps_of_a_raster))
-            return;
-        if (level.walk.is_stale())    // r may be gone: look again
-            continue;
-        q_roiimg* const raster = m_q_roiimgdb->raster_of(*r);
-        if (!is_reached(level.from, *r, mor_t, mor_z) || m_removed_roi_set.contains(*r->key) ||
-            !take(*r->key))
-            continue;
-        const int plane = level.z;
-        look_at(raster, plane + 1);
-        look_at(raster, plane - 1);    // lies on top and is searched first
-    }
-}
-
-void ORVBrowser::checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
-                                         double mor_z)
-{
-    flood(r_from, t, z, mor_t, mor_z, [this, roiset](const string& key) {
-        if (!roiset->insert(key).second)
-            return false;
-        dirty = true;
-        if (m_make_units)
-            add_to_unit(key);
-        return true;
-    });
-}
-
-// Runs visit() for the ROIs of time point t that have a key in `keys` and are not removed, until the
-// run ends. True iff it has not.
-bool ORVBrowser::for_each_marked(int t, const set<string>& keys, const std::function<void(roi&)>& visit)
-{
-    LongRun run(*this);
-    for (int z = m_min_focal_plane; z <= m_max_focal_plane; ++z) {
-        PlaneWalk walk(*m_roidb, *m_q_roiimgdb, t, z);
-        while (plane_roi* const r = walk.next()) {
-            if (!keys.contains(*r->key) || m_removed_roi_set.contains(*r->key))
-                continue;
-            visit(*m_q_roiimgdb->raster_of(*r));
-            if (!run.alive())
-                return false;
-        }
-    }
-    return true;
-}
-
-// Spreads the selection of time point t over its planes, then steps to time point t_to.
-void ORVBrowser::track(int t, int t_to, set<string>& reached)
-{
-    if (!has_rois())
-        return;
-    const bool alive = for_each_marked(
-        t, m_selected_roi_set, [&](roi& r) { checkAdjacentFocalPlane(r, t, r.z(), &reached, 0.0, 0.0); });
-    if (alive)
-        for_each_marked(t, reached,
-                        [&](roi& r) { checkAdjacentFocalPlane(r, t_to, r.z(), &reached, 0.0, 0.0); });
-}
-
-void ORVBrowser::forwardTracking(int t) { track(t, t + 1, m_fwd_roi_set); }
-
-void ORVBrowser::backwardTracking(int start_time_point)
-{
-    track(start_time_point, start_time_point - 1, m_bwd_roi_set);
-}
-
-void ORVBrowser::zTracking(int t)
-{
-    if (!has_rois())
-        return;
-    LongRun run(*this);
-    for_each_marked(t, m_selected_roi_set, [&](roi& r) {
-        checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
-        if (!run.alive())
-            return;
-        if (roi as_it_is_now(r, {}); m_roidb->find(as_it_is_now))
-            checkAdjacentFocalPlane(as_it_is_now, t, as_it_is_now.z() + 1, &m_selected_roi_set, 0.0, 0.5);
-    });
-}
 
 void ORVBrowser::pushButton_forward_tracking_clicked()
 {
-    repeat_tracking([this](const LongRun& run) {
+    repeat_tracking("Forward tracking", [this](const LongRun& run) {
         timeNext();
         forwardTracking(m_time_point - 1);
         return run.alive() && m_time_point == m_max_time_point;
@@ -156,7 +14,7 @@ void ORVBrowser::pushButton_forward_tracking_clicked()
 
 void ORVBrowser::pushButton_backward_tracking_clicked()
 {
-    repeat_tracking([this](const LongRun& run) {
+    repeat_tracking("Backward tracking", [this](const LongRun& run) {
         timePrev();
         backwardTracking(m_time_point + 1);
         return run.alive() && m_time_point == m_min_time_point;
@@ -164,10 +22,11 @@ void ORVBrowser::pushButton_backward_tracking_clicked()
 }
 
 // Runs step() once, and again while "Auto" is on. step() answers whether the recording's end is reached.
-void ORVBrowser::repeat_tracking(const std::function<bool(const LongRun&)>& step)
+void ORVBrowser::repeat_tracking(const char* what, const std::function<bool(const LongRun&)>& step)
 {
     if (!has_rois())
         return;
+    const EditScope edit(*this, what);
     BusyRun run(*this);
     do {
         const bool at_end = step(run);
@@ -186,6 +45,7 @@ void ORVBrowser::do_zTracking()
 {
     if (!has_rois())
         return;
+    const EditScope edit(*this, "Z tracking");
     BusyRun run(*this);
     zTracking(m_time_point);
     if (!run.alive())

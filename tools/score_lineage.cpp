@@ -3,7 +3,7 @@
 // For overlaps 0, 0.1 ... 0.9, precision and recall in per cent. A unit is right when all its ROIs are of
 // one nucleus and none of that nucleus is missing. A link is right when the nuclei that most ROIs of
 // its two units belong to are one nucleus, or mother and daughter. The truth files: docs/file-formats.md.
-#include "lineage_access.h"
+#include "orvbrowser.h"
 
 #include "keygen.h"
 
@@ -105,7 +105,7 @@ score score_units(const std::map<std::string, std::set<std::string>>& units, con
     return s;
 }
 
-score score_links(const LineageAccess& access, const std::map<std::string, std::set<std::string>>& units,
+score score_links(const curation& access, const std::map<std::string, std::set<std::string>>& units,
                   const truth& known)
 {
     score s;
@@ -131,7 +131,7 @@ score score_links(const LineageAccess& access, const std::map<std::string, std::
     return s;
 }
 
-std::map<std::string, std::set<std::string>> units_of(const LineageAccess& access)
+std::map<std::string, std::set<std::string>> units_of(const curation& access)
 {
     std::map<std::string, std::set<std::string>> units;
     for (const auto& [head, member] : access.head_members())
@@ -139,13 +139,13 @@ std::map<std::string, std::set<std::string>> units_of(const LineageAccess& acces
     return units;
 }
 
-void print_row(double overlap, LineageAccess& access, const truth& known)
+void print_row(double overlap, curation& access, const truth& known)
 {
-    access.window().pushButton_reset_clicked();
+    access.reset();
     for (int t = access.min_time_point(); t <= access.max_time_point(); ++t)
         access.make_units(t, overlap);
     for (int t = access.min_time_point() + 1; t <= access.max_time_point(); ++t)
-        access.window().makeLinkage(t);
+        access.makeLinkage(t);
     const auto units = units_of(access);
     const score u = score_units(units, known);
     const score l = score_links(access, units, known);
@@ -174,7 +174,7 @@ int main(int argc, char* argv[])
         std::cerr << "No truth in " << truth_file << std::endl;
         return 1;
     }
-    LineageAccess access(window);
+    ORVBrowser& access = window;
     std::puts("| overlap | units | precision | recall | links | precision | recall "
               "|\n|---|---|---|---|---|---|---|");
     for (int tenths = 0; tenths < 10; ++tenths)

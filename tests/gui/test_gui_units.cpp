@@ -336,7 +336,7 @@ private slots:
         QCOMPARE(s.recording.folder.contents("t.nwk"), newick(tree->tree()));
 
         s.w.link("001020101050", "002020122050");
-        QCOMPARE(QString::fromStdString(newick(make_tree(LineageAccess(s.w), ""))),
+        QCOMPARE(QString::fromStdString(newick(make_tree(s.w, ""))),
                  "(('002020102050':1,'002020122050':1)'001020101050':1)'000020100050';\n"
                  "('001020121050':1)'000020120050';\n");
         s.w.release_child("001020101050", "002020122050");

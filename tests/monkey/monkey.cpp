@@ -113,9 +113,7 @@ public:
         tabWidget_control_panel->addTab(page, "Lineage");
     }
 
-    [[nodiscard]] bool is_open() const { return access.is_open(); }
     LineagePage* const page = new LineagePage(*this);
-    const LineageAccess access{*this};
 
     // The first rule that is broken, or nothing.
     [[nodiscard]] const char* broken_rule()
@@ -131,10 +129,10 @@ public:
         if (!std::ranges::all_of(findChildren<QWidget*>(),
                                  [this](auto* w) { return w->isEnabled() == may_be_used(w); }))
             return "controls are enabled as the recording is open or closed";
-        if (cursor().shape() == Qt::WaitCursor || access.is_busy() || m_auto_split || m_auto_make_units ||
+        if (cursor().shape() == Qt::WaitCursor || is_busy() || m_auto_split || m_auto_make_units ||
             page->auto_split->isChecked() || m_auto != pushButton_auto->isChecked() || !updatesEnabled())
             return "a run leaves nothing behind";
-        if (!is_open())
+        if (!isOpen())
             return nullptr;
         return isVisible() && !shows_state() ? "the canvas shows the state" : broken_state_rule(*this);
     }
@@ -144,12 +142,12 @@ private:
     {
         const bool is_button = qobject_cast<const QPushButton*>(w);
         if (w == lineEdit_dataset || w == page->stop)
-            return w == lineEdit_dataset && !is_open();
+            return w == lineEdit_dataset && !isOpen();
         if (is_button && (w->parentWidget() == file || w == page->help || w == pushButton_select_all))
             return true;
         return (is_button && w->window() == this) || w == lineEdit_time_point || w == lineEdit_focal_plane ||
                        w == page->overlap
-                   ? is_open()
+                   ? isOpen()
                    : w->isEnabled();
     }
 
@@ -189,7 +187,7 @@ public:
         _meddling = std::pow(10, -1 - _random.below(4));
         if (!_window || _random.chance(0.0003))
             _window.reset(), _window = std::make_unique<MonkeyWindow>();
-        _window->is_open() || _random.chance(0.8) ? act_once() : click_button("read_roifile");
+        _window->isOpen() || _random.chance(0.8) ? act_once() : click_button("read_roifile");
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return _window->broken_rule();
@@ -219,7 +217,7 @@ private:
     // While the window lets events be processed.
     void act_in_run()
     {
-        if (!_window || !_window->access.is_busy() || QApplication::activeModalWidget())
+        if (!_window || !_window->is_busy() || QApplication::activeModalWidget())
             return;
         if (--_patience < 0)
             _window->page->stop->click();
@@ -326,7 +324,7 @@ private:
         do
             at = any_point(_window.get()) / 4;    // where the image is
         while (--tries > 0 && _window->xyROI(at.x(), at.y()).empty());
-        if (tries == 0 && _window->is_open() && !_window->m_roidb->db.empty())
+        if (tries == 0 && _window->isOpen() && !_window->m_roidb->db.empty())
             _window->view(any_of(_window->m_roidb->db).first);
         click(*_window, at.x(), at.y(), button);
     }

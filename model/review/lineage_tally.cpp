@@ -43,25 +43,25 @@ void tally::add(const tally& other) noexcept
     unlinked += other.unlinked;
 }
 
-std::map<int, tally> count_lineage(const LineageAccess& access)
+std::map<int, tally> count_lineage(const curation& model)
 {
     std::map<int, tally> tallies;
-    for (const auto& [key, r] : access.rois().db)
+    for (const auto& [key, r] : model.rois().db)
         ++tallies[r.t()].rois;
-    const auto parents = parents_in(access.links());
-    for_each_key(access.links(), [&](const std::string& child, int count) {
+    const auto parents = parents_in(model.links());
+    for_each_key(model.links(), [&](const std::string& child, int count) {
         tally& at = tallies[decode(child).t()];
         at.links += count;
         at.doubtful += count > 1;
     });
-    for_each_key(access.head_members(), [&](const std::string& unit, int) {
+    for_each_key(model.head_members(), [&](const std::string& unit, int) {
         const int t = decode(unit).t();
         if (unit == time_key(t))    // which no list of units holds
             return;
         tally& at = tallies[t];
         ++at.units;
-        at.dead_ends += t < access.max_time_point() && !parents.contains(unit);
-        at.unlinked += t > access.min_time_point() && !access.links().contains(unit);
+        at.dead_ends += t < model.max_time_point() && !parents.contains(unit);
+        at.unlinked += t > model.min_time_point() && !model.links().contains(unit);
     });
     return tallies;
 }

@@ -1,6 +1,6 @@
 // lineage_tally.h - how many ROIs, units, links and findings there are.
 #pragma once
-#include "lineage_access.h"
+#include "curation.h"
 
 #include <map>
 
@@ -16,4 +16,4 @@ struct tally {
 };
 
 // One tally per time point that has any ROI, unit or link.
-[[nodiscard]] std::map<int, tally> count_lineage(const LineageAccess& access);
+[[nodiscard]] std::map<int, tally> count_lineage(const curation& model);

@@ -1,8 +1,8 @@
 // lineage_page.h - the third page of the control panel: making units and links, walking through what
 // looks wrong, splitting, and the lineage file.
 #pragma once
-#include "lineage_access.h"
 #include "lineage_tally.h"
+#include "orvbrowser.h"
 
 #include <QDoubleSpinBox>
 #include <QLabel>
@@ -17,10 +17,9 @@
 #include <string>
 
 class HelpWindow;
-class LongRun;
 class TreeWindow;
 
-class LineagePage : public QWidget {
+class LineagePage : public QWidget, private curation_observer {
     Q_OBJECT
 
 public:
@@ -49,13 +48,18 @@ public:
     QLabel* numbers = nullptr;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* e) override;
 
 private:
+    void state_changed() override;
+    void recording_changed() override;
+    void waiting_changed() override;
+
     void create_controls();
     void connect_controls();
     void enable_controls();
-    void update_numbers();
+    void count();
+    void show_numbers();
 
     void make_all_units();
     void make_all_links();
@@ -67,14 +71,13 @@ private:
     void show_tree();
     void show_help();
 
-    void run_over_time(int first, const std::function<void(int)>& step);
+    void run_over_time(const char* what, int first, const std::function<void(int)>& step);
     [[nodiscard]] bool may_drop_links();
 
-    LineageAccess _access;
-    QTimer _watch;    // looks now and then whether the numbers have changed
+    ORVBrowser& _window;
+    const Observing _observing{_window, *this};
+    QTimer _count_soon;    // runs while the numbers are out of date
     std::map<int, tally> _tallies;
-    unsigned long _counted_edits = 0;
-    unsigned long _counted_revision = 0;
     bool _stop_asked = false;
     std::string _last_doubtful;
     unsigned long _walked_recording = 0;    // the one that it belongs to

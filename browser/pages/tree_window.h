@@ -1,6 +1,6 @@
 // tree_window.h - the lineage as a tree, in a window of its own that follows edits.
 #pragma once
-#include "lineage_access.h"
+#include "orvbrowser.h"
 #include "tree_painter.h"
 
 #include <QTimer>
@@ -10,11 +10,11 @@
 
 class QPushButton;
 
-class TreeWindow : public QWidget {
+class TreeWindow : public QWidget, private curation_observer {
     Q_OBJECT
 
 public:
-    explicit TreeWindow(const LineageAccess& access);
+    explicit TreeWindow(ORVBrowser& window);
 
     QPushButton* save_svg = nullptr;
     QPushButton* save_png = nullptr;
@@ -34,6 +34,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent* e) override;
 
 private:
+    void state_changed() override;
+    void recording_changed() override { state_changed(); }
     void follow();    // takes over what has changed in the main window
     void show_whole_tree();
     void go_to(std::string unit);
@@ -43,16 +45,16 @@ private:
     void save(const QString& filter, const char* object_name, const char* suffix,
               const std::function<QByteArray()>& render);
 
-    LineageAccess _access;
+    ORVBrowser& _window;
+    const Observing _observing{_window, *this};
     lineage_tree _tree;
     tree_view _view;
-    QTimer _watch;
+    QTimer _follow_soon;    // runs while the tree is out of date
     unsigned long _seen_edits = 0;
     unsigned long _seen_recording = 0;
-    int _seen_time_point = -1;
     bool _is_placed = false;    // the person has not moved or zoomed yet
     std::string _marked_unit;
-    std::string _seen_head;    // the chosen lineage head
+    std::string _seen_head;    // the chosen nucleus
     QPointF _drag_from;
     bool _is_drag = false;
 };

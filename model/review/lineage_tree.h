@@ -1,6 +1,6 @@
 // lineage_tree.h - units and links laid out as a tree: time runs down, one column per branch.
 #pragma once
-#include "lineage_access.h"
+#include "curation.h"
 
 #include <cstddef>
 #include <string>
@@ -37,7 +37,7 @@ struct lineage_tree {
 };
 
 // The tree of all units; with `chosen`, of its ancestors, itself and its descendants.
-[[nodiscard]] lineage_tree make_tree(const LineageAccess& access, const std::string& chosen);
+[[nodiscard]] lineage_tree make_tree(curation& model, const std::string& chosen);
 
 // The tree in Newick format, one line per root. Branch lengths are time points.
 [[nodiscard]] std::string newick(const lineage_tree& tree);

@@ -1,21 +1,26 @@
 // Units: the ROIs of one nucleus at one time point, kept in m_head_members and m_members_head.
+#include "curation.h"
+#include "edit_scope.h"
 #include "keygen.h"
-#include "orvbrowser.h"
+#include "long_run.h"
+#include "plane_walk.h"
+
+#include <QScopeGuard>
 
 #include <iterator>
 
-std::string ORVBrowser::head(roi r) { return head(keygen(r)); }
+std::string curation::head(roi r) { return head(keygen(r)); }
 
-std::string ORVBrowser::head(string key)
+std::string curation::head(string key)
 {
     const auto found = m_members_head.find(key);
     return found == m_members_head.end() ? "N/A" : found->second;
 }
 
-std::set<std::string> ORVBrowser::member(string key) { return values_of(m_head_members, key); }
+std::set<std::string> curation::member(string key) { return values_of(m_head_members, key); }
 
 // A head at x = 0, y = 0 on plane 0 is not listed: its key is the time key itself.
-std::set<std::string> ORVBrowser::units(int t)
+std::set<std::string> curation::units(int t)
 {
     set<string> heads;
     const auto [first, last] = at_time_point(m_head_members, t);
@@ -25,44 +30,33 @@ std::set<std::string> ORVBrowser::units(int t)
     return heads;
 }
 
-int ORVBrowser::z_min(string unit)
+int curation::z_min(string unit)
 {
     const set<string> members = member(unit);
     return members.empty() ? 0 : decode(*members.begin()).z();
 }
 
-int ORVBrowser::z_max(string unit)
+int curation::z_max(string unit)
 {
     const set<string> members = member(unit);
     return members.empty() ? 0 : decode(*members.rbegin()).z();
 }
 
-void ORVBrowser::forget_unit(const string& unit)
+void curation::forget_unit(const string& unit)
 {
     for (const std::string& key : member(unit))
-        m_members_head.erase(key);
-    m_head_members.erase(unit);
-    ++m_edits;
+        forget_head_of(key);
+    remove_unit(unit);
 }
 
-void ORVBrowser::register_unit(const string& unit, const set<string>& members)
+void curation::register_unit(const string& unit, const set<string>& members)
 {
-    for (const std::string& key : members) {
-        m_members_head.emplace(key, unit);
-        m_head_members.emplace(unit, key);
-    }
-    ++m_edits;
-}
-
-// The chosen nucleus stays chosen under its new name; a nucleus that is gone ("") is no longer.
-void ORVBrowser::move_choice(const string& from, const string& to)
-{
-    if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
-        m_lineage_mode_roi_set.insert(to);
+    for (const std::string& key : members)
+        enter_member(unit, key);
 }
 
 // The unit of an ROI that is gone: without its head it is named by the smallest key that is left.
-void ORVBrowser::leave_unit(const string& key)
+void curation::leave_unit(const string& key)
 {
     const std::string unit = head(key);
     set<string> members = member(unit);
@@ -75,8 +69,8 @@ void ORVBrowser::leave_unit(const string& key)
     const unit_links links{parents(unit), children(unit)};
     release_links(unit, links);
     forget_unit(unit);
-    m_members_head.erase(key);
-    const bool was_elite = m_elite_head_roi_set.erase(unit) > 0;
+    forget_head_of(key);
+    const bool was_elite = set_mark(change_kind::elite, unit, false);
     move_choice(unit, members.empty() ? "" : *members.begin());
     if (members.empty())
         return;
@@ -87,11 +81,11 @@ void ORVBrowser::leave_unit(const string& key)
     for (const std::string& child : links.children)
         link(new_head, child);
     if (was_elite)
-        m_elite_head_roi_set.insert(new_head);
+        set_mark(change_kind::elite, new_head, true);
 }
 
 // After ROIs were taken out of the recording.
-void ORVBrowser::forget_missing_members()
+void curation::forget_missing_members()
 {
     set<string> missing;
     for (const auto& [key, unit] : m_members_head)
@@ -101,7 +95,7 @@ void ORVBrowser::forget_missing_members()
         leave_unit(key);
 }
 
-unsigned int ORVBrowser::ID(string a)
+unsigned int curation::ID(string a)
 {
     constexpr unsigned int per_time_point = 1000;
     // Outlives recordings: a key keeps its number for the rest of the program's run.
@@ -117,12 +111,48 @@ unsigned int ORVBrowser::ID(string a)
     return t * per_time_point + count;
 }
 
-void ORVBrowser::view(string key)
+void curation::make_units(int t, double overlap)
 {
-    if (!is_roi_key(key))
+    if (!has_rois())
         return;
-    const pos4i position = decode(key);
-    setCurrentTimePoint(position.t());
-    setCurrentFocalPlane(position.z());
-    finish();
+    const EditScope step(*this, "Make units");
+    LongRun run(*this);
+    m_auto_make_units = true;
+    const auto done = qScopeGuard([state = m_run_state] {
+        if (state->model)    // a handler may delete it
+            state->model->m_auto_make_units = false;
+    });
+    std::set<int> planes;
+    const auto [first, last] = at_time_point(m_roidb->db, t);
+    for (auto entry = first; entry != last; ++entry)
+        planes.insert(entry->second.z());
+    for (const int z : planes) {
+        PlaneWalk walk(*m_roidb, *m_q_roiimgdb, t, z);
+        while (plane_roi* const r = walk.next()) {
+            if (m_members_head.contains(*r->key) || m_removed_roi_set.contains(*r->key))
+                continue;
+            make_unit_around(*r, overlap);
+            if (!run.alive())
+                return;
+        }
+    }
+}
+
+// Entered once it is complete: what a handler does meanwhile never meets half of one.
+void curation::make_unit_around(const plane_roi& r, double overlap)
+{
+    LongRun run(*this);
+    const std::string key = *r.key;
+    set<string> members;
+    flood(*r.record, r.record->t(), r.record->z(), 0.0, overlap, [&](const string& reached) {
+        return !m_members_head.contains(reached) && members.insert(reached).second;
+    });
+    if (!run.alive())
+        return;
+    members.insert(key);    // without a pixel it is not reached
+    std::erase_if(members, [&](const string& member) {
+        return m_members_head.contains(member) || !m_roidb->db.contains(member);
+    });
+    if (!members.empty())
+        register_unit(members.contains(key) ? key : *members.begin(), members);
 }

@@ -1,6 +1,7 @@
 #include "lineage_tree.h"
 
 #include "keygen.h"
+#include "lineage_file.h"
 
 #include <algorithm>
 #include <set>
@@ -11,43 +12,43 @@ namespace {
 using key_set = std::set<std::string>;
 
 // The chosen unit, its ancestors and its descendants.
-key_set related_units(const LineageAccess& access, const std::string& chosen)
+key_set related_units(curation& model, const std::string& chosen)
 {
     key_set related{chosen};
     // Links are in the order of their children's time points: one pass finds all descendants.
-    for (auto link = access.links().lower_bound(chosen); link != access.links().end(); ++link)
+    for (auto link = model.links().lower_bound(chosen); link != model.links().end(); ++link)
         if (related.contains(link->second))
             related.insert(link->first);
-    related.merge(access.ancestors(chosen));
+    related.merge(model.subset_of_unit_from(chosen));
     return related;
 }
 
-std::vector<tree_node> make_nodes(const LineageAccess& access, const std::string& chosen)
+std::vector<tree_node> make_nodes(curation& model, const std::string& chosen)
 {
-    const bool is_whole = !access.head_members().contains(chosen);
-    const key_set related = is_whole ? key_set() : related_units(access, chosen);
+    const bool is_whole = !model.head_members().contains(chosen);
+    const key_set related = is_whole ? key_set() : related_units(model, chosen);
     std::vector<tree_node> nodes;
-    for (const auto& [unit, member] : access.head_members()) {
+    for (const auto& [unit, member] : model.head_members()) {
         const bool is_new = nodes.empty() || nodes.back().unit != unit;
         if (!is_new || !is_roi_key(unit) || (!is_whole && !related.contains(unit)))
             continue;
         tree_node node;
         node.unit = unit;
         node.t = decode(unit).t();
-        node.is_elite = access.elite().contains(unit);
-        node.is_doubtful = access.links().count(unit) > 1;
-        node.is_unlinked = node.t > access.min_time_point() && !access.links().contains(unit);
-        node.is_dead_end = node.t < access.max_time_point();    // until a link says otherwise
+        node.is_elite = model.elite().contains(unit);
+        node.is_doubtful = model.links().count(unit) > 1;
+        node.is_unlinked = node.t > model.min_time_point() && !model.links().contains(unit);
+        node.is_dead_end = node.t < model.max_time_point();    // until a link says otherwise
         nodes.push_back(std::move(node));
     }
     return nodes;
 }
 
-void hang_children(lineage_tree& tree, const LineageAccess& access)
+void hang_children(lineage_tree& tree, const curation& model)
 {
     for (std::size_t i = 0; i < tree.nodes.size(); ++i)
         tree.nodes[i].parent = i;
-    for (const auto& [child, parent] : in_order(access.links())) {
+    for (const auto& [child, parent] : in_order(model.links())) {
         const std::size_t c = tree.find(child);
         const std::size_t p = tree.find(parent);
         if (p < tree.nodes.size())
@@ -122,11 +123,11 @@ std::size_t lineage_tree::find(const std::string& unit) const
                                                      : nodes.size();
 }
 
-lineage_tree make_tree(const LineageAccess& access, const std::string& chosen)
+lineage_tree make_tree(curation& model, const std::string& chosen)
 {
     lineage_tree tree;
-    tree.nodes = make_nodes(access, chosen);
-    hang_children(tree, access);
+    tree.nodes = make_nodes(model, chosen);
+    hang_children(tree, model);
     order_nodes(tree);
     set_columns(tree);
     set_rows(tree);

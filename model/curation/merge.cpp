@@ -1,11 +1,12 @@
 // Merging two units of one time point into one, which takes over the links of both.
+#include "curation.h"
+#include "edit_scope.h"
 #include "keygen.h"
-#include "orvbrowser.h"
 
 #include <iostream>
 
 // The parents and children of a unit, as far as the recording's bounds let it have any.
-ORVBrowser::unit_links ORVBrowser::links_of(const string& unit, int t)
+curation::unit_links curation::links_of(const string& unit, int t)
 {
     unit_links links;
     if (t > m_min_time_point)
@@ -15,7 +16,7 @@ ORVBrowser::unit_links ORVBrowser::links_of(const string& unit, int t)
     return links;
 }
 
-void ORVBrowser::release_links(const string& unit, const unit_links& links)
+void curation::release_links(const string& unit, const unit_links& links)
 {
     for (const std::string& parent : links.parents)
         release_all(parent, unit);
@@ -23,7 +24,7 @@ void ORVBrowser::release_links(const string& unit, const unit_links& links)
         release_all(unit, child);
 }
 
-void ORVBrowser::mergeUnits(string a, string b)
+void curation::mergeUnits(string a, string b)
 {
     std::cout << "mergeUnits: " << a << " " << b << std::endl;
     const bool are_keys = is_roi_key(a) && is_roi_key(b);
@@ -36,6 +37,7 @@ void ORVBrowser::mergeUnits(string a, string b)
         std::cout << "Cannot merge " << a << " and " << b << ": not two units" << std::endl;
         return;
     }
+    const EditScope step(*this, "Merge", a, b);
     const int t = decode(a).t();
     const unit_links links_a = links_of(a, t);
     const unit_links links_b = links_of(b, t);
@@ -54,9 +56,8 @@ void ORVBrowser::mergeUnits(string a, string b)
     for (const unit_links* links : {&links_a, &links_b})
         for (const std::string& child : links->children)
             link(head, child);
-    m_elite_head_roi_set.erase(a);
-    m_elite_head_roi_set.erase(b);
+    set_mark(change_kind::elite, a, false);
+    set_mark(change_kind::elite, b, false);
     move_choice(a, head);
     move_choice(b, head);
-    ++m_edits;
 }

@@ -1,16 +1,16 @@
 // help_window.h - keys, mouse, modes and colours, in a window of their own.
 #pragma once
-#include "lineage_access.h"
+#include "orvbrowser.h"
 
 #include <QTextBrowser>
 
 class HelpWindow : public QTextBrowser {
 public:
-    explicit HelpWindow(const LineageAccess& access);
+    explicit HelpWindow(ORVBrowser& window);
 
     // Tells the colours as they are now.
     void update_text();
 
 private:
-    LineageAccess _access;
+    ORVBrowser& _window;
 };

@@ -144,7 +144,7 @@ QString swatch(const QColor& color)
 
 }    // namespace
 
-HelpWindow::HelpWindow(const LineageAccess& access) : QTextBrowser(&access.window()), _access(access)
+HelpWindow::HelpWindow(ORVBrowser& window) : QTextBrowser(&window), _window(window)
 {
     setWindowFlag(Qt::Window);
     setObjectName("helpWindow");
@@ -161,7 +161,7 @@ void HelpWindow::update_text()
                    table(QT_TRANSLATE_NOOP("HelpWindow", "Buttons"), buttons);
     html += "<h3>" + tr("Colours; on the right, under the pointer") + "</h3><table cellspacing=4>";
     for (const auto& [index, state] : colors)
-        html += "<tr>" + swatch(_access.color(index)) + swatch(_access.color(index | HIGHLIGHT)) +
+        html += "<tr>" + swatch(_window.color_of(index)) + swatch(_window.color_of(index | HIGHLIGHT)) +
                 QString("<td>%1</td></tr>").arg(tr(state));
     setHtml(html + "</table>");
 }

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int watch_ms = 200;
+constexpr int follow_after_ms = 200;    // several changes in one go
 constexpr int button_height = 26;
 constexpr int drag_distance = 4;         // pixels; a shorter way is a click
 constexpr double smallest_step = 0.2;    // pixels per column or time point
@@ -34,7 +34,7 @@ QPushButton* add_button(QWidget* parent, const char* name, const QString& text, 
 
 }    // namespace
 
-TreeWindow::TreeWindow(const LineageAccess& access) : QWidget(&access.window(), Qt::Window), _access(access)
+TreeWindow::TreeWindow(ORVBrowser& window) : QWidget(&window, Qt::Window), _window(window)
 {
     setObjectName("treeWindow");
     setWindowTitle(tr("Nuclear Detector: lineage"));
@@ -51,35 +51,40 @@ TreeWindow::TreeWindow(const LineageAccess& access) : QWidget(&access.window(), 
              [this] { return QByteArray::fromStdString(newick(_tree)); });
     });
     setFocusPolicy(Qt::StrongFocus);
-    new KeyboardRules(_access.window(), *this, *this);
-    connect(&_watch, &QTimer::timeout, this, &TreeWindow::follow);
-    _watch.start(watch_ms);
+    new KeyboardRules(_window, *this, *this);
+    _follow_soon.setSingleShot(true);
+    connect(&_follow_soon, &QTimer::timeout, this, &TreeWindow::follow);
+    connect(_window.slider_time_point, &QSlider::valueChanged, this, qOverload<>(&QWidget::update));
+}
+
+void TreeWindow::state_changed()
+{
+    if (!_follow_soon.isActive())
+        _follow_soon.start(follow_after_ms);
 }
 
 void TreeWindow::showEvent(QShowEvent*) { follow(); }
 
 void TreeWindow::follow()
 {
-    if (!isVisible() || _access.is_making_units())
+    if (_window.is_making_units())
+        state_changed();
+    if (!isVisible() || _window.is_making_units())
         return;
-    if (_seen_time_point != _access.time_point()) {
-        _seen_time_point = _access.time_point();
-        update();
-    }
-    const std::string head = _access.chosen_head();
-    const bool is_another_tree = _seen_recording != _access.recording() || _seen_head != head;
-    if (_seen_edits == _access.edits() && !is_another_tree)
+    const std::string head = _window.chosen();
+    const bool is_another_tree = _seen_recording != _window.recording() || _seen_head != head;
+    if (_seen_edits == _window.edits() && !is_another_tree)
         return;
     if (is_another_tree) {
         _is_placed = false;
         _marked_unit.clear();
     }
-    _seen_edits = _access.edits();
-    _seen_recording = _access.recording();
+    _seen_edits = _window.edits();
+    _seen_recording = _window.recording();
     _seen_head = head;
-    _tree = _access.is_open() ? make_tree(_access, head) : lineage_tree();
+    _tree = _window.isOpen() ? make_tree(_window, head) : lineage_tree();
     for (QPushButton* button : {save_svg, save_png, save_newick})
-        button->setEnabled(_access.is_open());
+        button->setEnabled(_window.isOpen());
     if (!_is_placed)
         show_whole_tree();
     update();
@@ -96,7 +101,7 @@ void TreeWindow::show_whole_tree()
     _view.row_height *= std::clamp((height() - button_height) / full.height(), 0.2, 2.0);
 }
 
-tree_marks TreeWindow::marks() const { return {_access.time_point(), _marked_unit}; }
+tree_marks TreeWindow::marks() const { return {_window.time_point(), _marked_unit}; }
 
 void TreeWindow::paintEvent(QPaintEvent*)
 {
@@ -113,7 +118,7 @@ void TreeWindow::resizeEvent(QResizeEvent*)
         show_whole_tree();
 }
 
-void TreeWindow::keyPressEvent(QKeyEvent* e) { _access.window().keyPressEvent(e); }
+void TreeWindow::keyPressEvent(QKeyEvent* e) { _window.keyPressEvent(e); }
 
 void TreeWindow::wheelEvent(QWheelEvent* e)
 {
@@ -157,14 +162,14 @@ void TreeWindow::mouseReleaseEvent(QMouseEvent* e)
 // By value: the tree may be made anew while the main window moves there.
 void TreeWindow::go_to(std::string unit)
 {
-    if (!_access.is_open())
+    if (!_window.isOpen())
         return;
     _marked_unit = unit;
     update();
     const QPointer<TreeWindow> self(this);
-    _access.window().view(unit);
-    if (self && _access.is_open())
-        _access.highlight(unit);
+    _window.view(unit);
+    if (self && _window.isOpen())
+        _window.highlight(unit);
 }
 
 QByteArray TreeWindow::as_svg() const
@@ -176,7 +181,7 @@ QByteArray TreeWindow::as_svg() const
     svg.setOutputDevice(&buffer);
     svg.setSize(size.toSize());
     svg.setViewBox(QRectF(QPointF(0, 0), size));
-    svg.setTitle(QString::fromStdString(_access.dataset()));
+    svg.setTitle(QString::fromStdString(_window.dataset()));
     {
         QPainter painter(&svg);
         paint_tree(painter, _tree, view, QRectF(QPointF(0, 0), size), marks());
@@ -208,7 +213,7 @@ void TreeWindow::save(const QString& filter, const char* object_name, const char
     const QPointer<TreeWindow> self(this);
     const QString filename = ask_filename(
         this, {QFileDialog::AcceptSave, filter, object_name, tr("Choose a filename to save under")},
-        default_file(_access.dataset(), suffix));
+        default_file(_window.dataset(), suffix));
     if (filename.isEmpty() || !may_write(this, filename) || !self)
         return;
     const QByteArray content = render();

@@ -1,11 +1,11 @@
 #include "lineage_page.h"
 
+#include "busy_run.h"
+#include "edit_scope.h"
 #include "file_dialogs.h"
 #include "help_window.h"
-#include "long_run.h"
 #include "tree_window.h"
 
-#include <QEvent>
 #include <QLineEdit>
 #include <QScopeGuard>
 #include <QSignalBlocker>
@@ -17,7 +17,7 @@ namespace {
 
 // Gives the best units on recordings whose truth is known: docs/units.md.
 constexpr double default_overlap = 0;
-constexpr int watch_ms = 300;
+constexpr int count_after_ms = 300;    // several changes are counted in one go
 
 struct button_row {
     QPushButton* LineagePage::*button;
@@ -130,16 +130,15 @@ QString line_of(const QString& of_what, const tally& t)
 
 }    // namespace
 
-LineagePage::LineagePage(ORVBrowser& window) : QWidget(window.tabWidget_control_panel), _access(window)
+LineagePage::LineagePage(ORVBrowser& window) : QWidget(window.tabWidget_control_panel), _window(window)
 {
     setObjectName("lineagePage");
     create_controls();
     connect_controls();
-    // The window enables its tracking buttons exactly while a recording is open and no run is going on.
-    window.pushButton_forward_tracking->installEventFilter(this);
     enable_controls();
-    connect(&_watch, &QTimer::timeout, this, &LineagePage::update_numbers);
-    _watch.start(watch_ms);
+    _count_soon.setSingleShot(true);
+    connect(&_count_soon, &QTimer::timeout, this, &LineagePage::count);
+    connect(window.slider_time_point, &QSlider::valueChanged, this, &LineagePage::show_numbers);
 }
 
 LineagePage::~LineagePage() = default;
@@ -184,7 +183,7 @@ void LineagePage::create_controls()
 
 void LineagePage::connect_controls()
 {
-    ORVBrowser* const window = &_access.window();
+    ORVBrowser* const window = &_window;
     connect(make_units, &QPushButton::clicked, this, &LineagePage::make_all_units);
     connect(make_links, &QPushButton::clicked, this, &LineagePage::make_all_links);
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
@@ -206,25 +205,31 @@ void LineagePage::connect_controls()
     connect(stop, &QPushButton::clicked, this, [this] {
         _stop_asked = true;
         auto_split->setChecked(false);
-        _access.window().pushButton_stop_clicked();
+        _window.pushButton_stop_clicked();
     });
 }
 
-bool LineagePage::eventFilter(QObject* watched, QEvent* event)
+void LineagePage::state_changed()
 {
-    if (event->type() == QEvent::EnabledChange) {
-        enable_controls();
-        // Once more when the window has done what it disabled or enabled its buttons for.
-        QMetaObject::invokeMethod(this, &LineagePage::enable_controls, Qt::QueuedConnection);
-    }
-    return QWidget::eventFilter(watched, event);
+    if (!_count_soon.isActive())
+        _count_soon.start(count_after_ms);
 }
+
+void LineagePage::recording_changed()
+{
+    enable_controls();
+    state_changed();
+}
+
+void LineagePage::waiting_changed() { enable_controls(); }
+
+void LineagePage::showEvent(QShowEvent*) { count(); }
 
 // The switch of the automatic split, and Stop, are what ends a run; help is always at hand.
 void LineagePage::enable_controls()
 {
-    const bool is_open = _access.is_open();
-    const bool is_busy = is_open && !_access.window().pushButton_forward_tracking->isEnabled();
+    const bool is_open = _window.isOpen();
+    const bool is_busy = is_open && _window.is_waited_for();
     for (const button_row& row : buttons)
         (this->*row.button)->setEnabled(is_open && !is_busy);
     overlap->setEnabled(is_open && !is_busy);
@@ -233,42 +238,48 @@ void LineagePage::enable_controls()
     help->setEnabled(true);
 }
 
-// Counts only what edits may have changed; moving through the recording costs a look into a table.
-void LineagePage::update_numbers()
+// While units are being made, or nobody looks, it can wait.
+void LineagePage::count()
 {
-    if (!_access.is_open()) {
-        numbers->clear();
-        _counted_edits = 0;
+    if (_window.is_making_units()) {
+        state_changed();
         return;
     }
-    if (!isVisible() || _access.is_making_units())
+    if (!isVisible())
         return;
-    if (_counted_edits != _access.edits() || _counted_revision != _access.rois().revision()) {
-        _counted_edits = _access.edits();
-        _counted_revision = _access.rois().revision();
-        _tallies = count_lineage(_access);
+    _tallies = _window.isOpen() ? count_lineage(_window) : std::map<int, tally>();
+    show_numbers();
+}
+
+// Moving through the recording costs a look into a table.
+void LineagePage::show_numbers()
+{
+    if (!_window.isOpen()) {
+        numbers->clear();
+        return;
     }
     tally all;
     for (const auto& [t, at] : _tallies)
         all.add(at);
-    const int t = _access.time_point();
+    const int t = _window.time_point();
     const auto here = _tallies.find(t);
     numbers->setText(line_of(tr("Recording"), all) + '\n' +
                      line_of(tr("Time point %1").arg(t), here == _tallies.end() ? tally() : here->second));
 }
 
 // Runs step() for the time points from `first` to the last, and lets events be processed in between.
-void LineagePage::run_over_time(int first, const std::function<void(int)>& step)
+void LineagePage::run_over_time(const char* what, int first, const std::function<void(int)>& step)
 {
-    const int last = _access.max_time_point();
-    BusyRun run(_access.window());
+    const EditScope edit(_window, what);
+    const int last = _window.max_time_point();
+    BusyRun run(_window);
     const QPointer<LineagePage> self(this);
     const auto hide_progress = qScopeGuard([self] {
         if (self)
             self->progress->reset();
     });
     _stop_asked = false;
-    progress->setRange(_access.min_time_point(), std::max(last, _access.min_time_point() + 1));
+    progress->setRange(_window.min_time_point(), std::max(last, _window.min_time_point() + 1));
     for (int t = first; t <= last && !_stop_asked; ++t) {
         progress->setValue(t);
         step(t);
@@ -276,18 +287,19 @@ void LineagePage::run_over_time(int first, const std::function<void(int)>& step)
             return;
         run.checkpoint();
     }
-    _access.finish();
+    _window.finish();
 }
 
 void LineagePage::make_all_units()
 {
     const double share = overlap->value();
-    run_over_time(_access.min_time_point(), [this, share](int t) { _access.make_units(t, share); });
+    run_over_time("Make units", _window.min_time_point(),
+                  [this, share](int t) { _window.make_units(t, share); });
 }
 
 bool LineagePage::may_drop_links()
 {
-    return _access.links().empty() ||
+    return _window.links().empty() ||
            ask_yes_or_no(this, tr("Make links? -- ORVBrowser"),
                          tr("There are links already. Do you want to replace them?"), QMessageBox::No);
 }
@@ -295,30 +307,31 @@ bool LineagePage::may_drop_links()
 void LineagePage::make_all_links()
 {
     const QPointer<LineagePage> self(this);
-    if (!may_drop_links() || !self || !_access.is_open())
+    if (!may_drop_links() || !self || !_window.isOpen())
         return;
-    run_over_time(_access.min_time_point() + 1, [this](int t) {
-        _access.drop_links_into(t);
-        _access.window().makeLinkage(t);
+    run_over_time("Make links", _window.min_time_point() + 1, [this](int t) {
+        _window.drop_links_into(t);
+        _window.makeLinkage(t);
     });
 }
 
 void LineagePage::toggle_elite()
 {
-    const std::set<std::string> units = _access.units(_access.time_point());
+    const std::set<std::string> units = _window.units(_window.time_point());
     const bool all_are = std::all_of(units.begin(), units.end(), [this](const std::string& unit) {
-        return _access.elite().contains(unit);
+        return _window.elite().contains(unit);
     });
-    _access.set_elite(units, !all_are);
+    _window.set_elite(units, !all_are);
+    _window.show_changes();
 }
 
 void LineagePage::show_next_doubtful()
 {
-    if (_walked_recording != _access.recording())
+    if (_walked_recording != _window.recording())
         _last_doubtful.clear();
-    _walked_recording = _access.recording();
-    _access.window().search_doubt_units();
-    const std::set<std::string>& candidates = _access.doubtful();
+    _walked_recording = _window.recording();
+    _window.search_doubt_units();
+    const std::set<std::string>& candidates = _window.doubtful();
     if (candidates.empty()) {
         std::cout << "Doubt units: none" << std::endl;
         return;
@@ -327,18 +340,18 @@ void LineagePage::show_next_doubtful()
     _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
     std::cout << "Doubt unit: " << _last_doubtful << std::endl;
     const QPointer<LineagePage> self(this);
-    _access.window().view(_last_doubtful);
+    _window.view(_last_doubtful);
     if (self)
-        _access.highlight(_last_doubtful);
+        _window.highlight(_last_doubtful);
 }
 
 void LineagePage::toggle_auto_split(bool on)
 {
     const QPointer<LineagePage> self(this);
-    _access.window().pushButton_auto_split_toggled(on);
-    if (!on || _access.is_busy())    // a loop that is going on reads the switch itself
+    _window.pushButton_auto_split_toggled(on);
+    if (!on || _window.is_running())    // a loop that is going on reads the switch itself
         return;
-    _access.window().pushButton_split_clicked();
+    _window.pushButton_split_clicked();
     if (self)    // the window may have ended the loop itself
         auto_split->setChecked(false);
 }
@@ -348,11 +361,13 @@ void LineagePage::read_file()
     const QPointer<LineagePage> self(this);
     const std::string filename = native_name(ask_filename(
         this, lineage_question(QFileDialog::AcceptOpen, "open lineage-file", tr("Choose a filename to read")),
-        default_file(_access.dataset(), ".lineage")));
-    if (filename.empty() || !self || !is_there(filename) || !_access.is_open())
+        default_file(_window.dataset(), ".lineage")));
+    if (filename.empty() || !self || !is_there(filename) || !_window.isOpen())
         return;
-    if (std::optional<lineage> units = read_lineage(filename, _access.dataset(), _access.rois()))
-        _access.replace(std::move(*units));
+    if (std::optional<lineage> units = read_lineage(filename, _window.dataset(), _window.rois())) {
+        _window.replace_lineage(std::move(*units));
+        _window.show_changes();
+    }
 }
 
 void LineagePage::save_file()
@@ -362,19 +377,19 @@ void LineagePage::save_file()
     const QString filename = ask_filename(
         this,
         lineage_question(QFileDialog::AcceptSave, "save lineage-file", tr("Choose a filename to save under")),
-        default_file(_access.dataset(), ".lineage"));
+        default_file(_window.dataset(), ".lineage"));
     const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
     if (!self)
         return;
-    if (is_wanted && _access.is_open())
-        write_lineage(native_name(filename), _access.dataset(), _access.current());
+    if (is_wanted && _window.isOpen())
+        write_lineage(native_name(filename), _window.dataset(), _window.current_lineage());
     enable_controls();
 }
 
 void LineagePage::show_tree()
 {
     if (!_tree_window)
-        _tree_window = new TreeWindow(_access);
+        _tree_window = new TreeWindow(_window);
     _tree_window->show();
     _tree_window->raise();
 }
@@ -382,7 +397,7 @@ void LineagePage::show_tree()
 void LineagePage::show_help()
 {
     if (!_help_window)
-        _help_window = new HelpWindow(_access);
+        _help_window = new HelpWindow(_window);
     _help_window->update_text();
     _help_window->show();
     _help_window->raise();

@@ -1,4 +1,4 @@
-// long_run.h - one long operation of the window, which lets pending events be processed while it works.
+// long_run.h - one long operation, which lets whatever waits go on while it works.
 //
 // The handlers that run then may do anything a person can do: open another recording, close the
 // window, remove ROIs. A run asks alive() after each process_events() and ends without touching the
@@ -6,22 +6,22 @@
 // or is looked up again when roidb_plus::revision() has changed. Rasters stay readable until the
 // outermost run ends or reaches a checkpoint().
 #pragma once
-#include "orvbrowser.h"
+#include "run_state.h"
 
-#include <QPointer>
+#include <memory>
 
 class LongRun {
 public:
-    explicit LongRun(ORVBrowser& window);
+    explicit LongRun(curation& model);
     ~LongRun();
     LongRun(const LongRun&) = delete;
     LongRun& operator=(const LongRun&) = delete;
 
-    // True iff the window and the recording of this run are still open.
+    // True iff the curation and the recording of this run are still open.
     [[nodiscard]] bool alive() const noexcept;
 
-    // Lets pending events be processed, then answers alive().
-    [[nodiscard]] bool process_events(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
+    // Lets whatever waits go on, then answers alive().
+    [[nodiscard]] bool process_events();
 
     // The same for the small steps of an operation. While nothing happens it looks for events at fewer
     // and fewer of them, soon once in hundreds; what does happen is noticed hardly later, and then it
@@ -32,17 +32,7 @@ public:
     // REQUIRES: this run holds no raster
     void checkpoint();
 
-protected:
-    QPointer<ORVBrowser> _window;
-
 private:
+    std::shared_ptr<run_state> _state;
     unsigned long _recording;
-};
-
-// A run that a person waits for: the wait cursor is shown and the tracking buttons are disabled until
-// the outermost such run ends.
-class BusyRun : public LongRun {
-public:
-    explicit BusyRun(ORVBrowser& window);
-    ~BusyRun();
 };

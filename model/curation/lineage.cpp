@@ -1,8 +1,9 @@
 // Lineage links between the units of successive time points, kept in m_linkage_multimap as child to
 // parent, and what follows from them.
+#include "curation.h"
+#include "edit_scope.h"
 #include "keygen.h"
 #include "long_run.h"
-#include "orvbrowser.h"
 
 #include <iostream>
 #include <utility>
@@ -16,15 +17,15 @@ constexpr double pixel_size_um = 0.105;
 
 }    // namespace
 
-std::set<std::string> ORVBrowser::parents(string key) { return values_of(m_linkage_multimap, key); }
+std::set<std::string> curation::parents(string key) { return values_of(m_linkage_multimap, key); }
 
 // The links whose child lies at time point t.
-std::pair<ORVBrowser::link_cursor, ORVBrowser::link_cursor> ORVBrowser::links_into(int t) const
+std::pair<curation::link_cursor, curation::link_cursor> curation::links_into(int t) const
 {
     return at_time_point(m_linkage_multimap, t);
 }
 
-std::set<std::string> ORVBrowser::children(string key)
+std::set<std::string> curation::children(string key)
 {
     set<string> found;
     if (!is_roi_key(key))
@@ -36,7 +37,7 @@ std::set<std::string> ORVBrowser::children(string key)
     return found;
 }
 
-void ORVBrowser::link(string unit1, string unit2)
+void curation::link(string unit1, string unit2)
 {
     const bool are_keys = is_roi_key(unit1) && is_roi_key(unit2);
     const int step = are_keys ? decode(unit2).t() - decode(unit1).t() : 0;
@@ -48,31 +49,46 @@ void ORVBrowser::link(string unit1, string unit2)
     const std::string& child = step == 1 ? unit2 : unit1;
     if (parents(child).contains(parent))
         return;
-    m_linkage_multimap.emplace(child, parent);
-    ++m_edits;
+    const EditScope edit(*this, "Link", parent, child);
+    enter_link(child, parent);
 }
 
-void ORVBrowser::release_child(string parent, string child)
+void curation::release_child(string parent, string child)
 {
+    const EditScope step(*this, "Unlink", parent, child);
     const auto [first, last] = m_linkage_multimap.equal_range(child);
     for (auto entry = first; entry != last; ++entry) {
         if (entry->second == parent) {
-            m_linkage_multimap.erase(entry);
-            ++m_edits;
+            remove_link(entry);
             return;
         }
     }
 }
 
 // However often the link is stored.
-void ORVBrowser::release_all(const string& parent, const string& child)
+void curation::release_all(const string& parent, const string& child)
 {
     while (parents(child).contains(parent))
         release_child(parent, child);
 }
 
+void curation::release_parents(const string& unit)
+{
+    const EditScope step(*this, "Unlink", unit);
+    m_lineage_mode_roi_set = {unit};
+    for (const string& parent : parents(unit))
+        release_all(parent, unit);
+}
+
+void curation::drop_links_into(int t)
+{
+    const EditScope step(*this, "Remove links");
+    for (auto [entry, last] = links_into(t); entry != last;)
+        remove_link(entry++);
+}
+
 // Each ancestor is visited once, however many ways lead to it.
-std::set<std::string> ORVBrowser::upstream_units(string key, int end_t)
+std::set<std::string> curation::upstream_units(string key, int end_t)
 {
     set<string> ancestors;
     std::vector<string> to_visit{key};
@@ -88,12 +104,12 @@ std::set<std::string> ORVBrowser::upstream_units(string key, int end_t)
     return ancestors;
 }
 
-std::set<std::string> ORVBrowser::subset_of_unit_from(string key)
+std::set<std::string> curation::subset_of_unit_from(string key)
 {
     return upstream_units(key, m_min_time_point);
 }
 
-std::set<std::string> ORVBrowser::subset_of_elite_unit_from(string key)
+std::set<std::string> curation::subset_of_elite_unit_from(string key)
 {
     set<string> elite = subset_of_unit_from(key);
     elite.insert(key);
@@ -101,7 +117,7 @@ std::set<std::string> ORVBrowser::subset_of_elite_unit_from(string key)
     return elite;
 }
 
-bool ORVBrowser::reach(string a, string b)
+bool curation::reach(string a, string b)
 {
     if (!is_roi_key(a) || !is_roi_key(b))
         return false;
@@ -113,7 +129,7 @@ bool ORVBrowser::reach(string a, string b)
 }
 
 // The units of time point t that reach() the given unit, found in one go for a whole picture.
-std::set<std::string> ORVBrowser::units_reached_at(int t, const string& unit)
+std::set<std::string> curation::units_reached_at(int t, const string& unit)
 {
     if (!is_roi_key(unit))
         return {};
@@ -134,7 +150,7 @@ std::set<std::string> ORVBrowser::units_reached_at(int t, const string& unit)
     return level;
 }
 
-pos3d ORVBrowser::g(string key)
+pos3d curation::g(string key)
 {
     pos3d sum;
     double volume = 0;
@@ -151,13 +167,13 @@ pos3d ORVBrowser::g(string key)
     return sum / volume;
 }
 
-pos3d ORVBrowser::E_g(string key)
+pos3d curation::E_g(string key)
 {
     const pos3d centroid = g(key);
     return {centroid.x(), centroid.y(), focal_plane_step_um * centroid.z() / pixel_size_um};
 }
 
-bool ORVBrowser::isLink(string parent, string child)
+bool curation::isLink(string parent, string child)
 {
     if (!has_rois())
         return false;
@@ -175,7 +191,7 @@ bool ORVBrowser::isLink(string parent, string child)
 }
 
 // The members of all units of a time point that are ROIs, by focal plane.
-ORVBrowser::members_by_plane ORVBrowser::unit_members_at(int t)
+curation::members_by_plane curation::unit_members_at(int t)
 {
     members_by_plane planes;
     const std::string no_unit = time_key(t);    // see units()
@@ -192,12 +208,12 @@ ORVBrowser::members_by_plane ORVBrowser::unit_members_at(int t)
 }
 
 // Links what isLink() finds overlapping, looking only at members of one plane.
-void ORVBrowser::makeLinkage(int t)
+void curation::makeLinkage(int t)
 {
     if (!has_rois())
         return;
+    const EditScope step(*this, "Make links");
     const LongRun run(*this);    // keeps the rasters of both time points
-    ++m_edits;
     const members_by_plane parental = unit_members_at(t - 1);
     set<std::pair<string, string>> links;    // child, parent
     for (const auto& [z, children] : unit_members_at(t)) {
@@ -210,5 +226,5 @@ void ORVBrowser::makeLinkage(int t)
                     links.emplace(*child.unit, *parent.unit);
     }
     for (const auto& [child, parent] : links)
-        m_linkage_multimap.emplace(child, parent);
+        enter_link(child, parent);
 }

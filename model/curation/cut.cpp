@@ -1,11 +1,11 @@
 // The cut of one unit by a plane: where the plane goes, the ROIs of both sides, and the two units that
 // take the place of the old one.
 #include "body.h"
+#include "curation.h"
 #include "cutting_plane.h"
 #include "error_line.h"
 #include "keygen.h"
 #include "long_run.h"
-#include "orvbrowser.h"
 
 #include "ORV_outline.h"
 
@@ -84,7 +84,7 @@ key_set keys_of(const std::list<roi>& rois)
 
 // ---- Where the plane goes
 
-unit_pixels ORVBrowser::pixels_of(const string& unit)
+unit_pixels curation::pixels_of(const string& unit)
 {
     unit_pixels pixels;
     for (const std::string& key : member(unit))
@@ -93,10 +93,9 @@ unit_pixels ORVBrowser::pixels_of(const string& unit)
     return pixels;
 }
 
-unsigned int ORVBrowser::cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus,
-                                            bool& minus)
+unsigned int curation::cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus, bool& minus)
 {
-    if (!isOpen())
+    if (!has_rois())
         return 0;
     const plane_section section = pixels_of(doubt).section(E_normal / E_normal.size(), E_pos);
     plus = plus || section.plus;
@@ -105,9 +104,9 @@ unsigned int ORVBrowser::cross_section_size(string doubt, pos3d E_normal, pos3d 
 }
 
 // The start moves towards the unit's own centroid until some plane divides the unit, or it moves no more.
-pos3d ORVBrowser::search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH)
+pos3d curation::search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH)
 {
-    if (!isOpen())
+    if (!has_rois())
         return no_position;
     LongRun run(*this);
     const pos3d nom = E_normal / E_normal.size();
@@ -125,8 +124,8 @@ pos3d ORVBrowser::search_cutting_position(string doubt, pos3d E_normal, pos3d E_
 }
 
 // The plane with the smallest section among those that have pixels on both sides, the first of equals.
-std::optional<pos3d> ORVBrowser::best_position(LongRun& run, const string& doubt, pos3d nom, pos3d E_pos,
-                                               int search_width)
+std::optional<pos3d> curation::best_position(LongRun& run, const string& doubt, pos3d nom, pos3d E_pos,
+                                             int search_width)
 {
     unsigned int min_size = 65535;
     std::optional<pos3d> min_pos;
@@ -186,7 +185,7 @@ void append_rois(half_mask& half, const q_roiimg& raster, const char* side, std:
 }    // namespace
 
 // Null for a member that was dropped, or has no pixels: there is nothing to cut.
-const q_roiimg* ORVBrowser::raster_to_cut(const string& key)
+const q_roiimg* curation::raster_to_cut(const string& key)
 {
     if (!m_roidb->db.contains(key))
         return nullptr;
@@ -195,9 +194,9 @@ const q_roiimg* ORVBrowser::raster_to_cut(const string& key)
 }
 
 // Appends whatever roimaker answers: find_cut() looks whether it can stand for the unit.
-void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
+void curation::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus)
 {
-    if (!isOpen())
+    if (!has_rois())
         return;
     LongRun run(*this);
     const pos3d nom = E_normal / E_normal.size();
@@ -214,7 +213,7 @@ void ORVBrowser::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& ro
 }
 
 // Why the ROIs of a cut cannot take the place of the unit, or nothing.
-const char* ORVBrowser::fault_of(const unit_cut& cut, const string& doubt, pos3d nom)
+const char* curation::fault_of(const unit_cut& cut, const string& doubt, pos3d nom)
 {
     std::set<const roi*> placed;
     bool has_plus = false;
@@ -245,8 +244,8 @@ const char* ORVBrowser::fault_of(const unit_cut& cut, const string& doubt, pos3d
 
 // Searches a plane with this normal from E_m on and builds both sides, which changes nothing. Nothing
 // after one line that tells why.
-std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
-                                                         int search_width)
+std::optional<curation::unit_cut> curation::find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
+                                                     int search_width)
 {
     LongRun run(*this);
     const unsigned long revision = m_roidb->revision();
@@ -275,7 +274,7 @@ std::optional<ORVBrowser::unit_cut> ORVBrowser::find_cut(const string& doubt, po
 
 // Cuts the unit by a plane with this normal, searched from E_m on. The unit, its links and its ROIs stay
 // as they are unless all of that succeeds.
-void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
+void curation::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
 {
     if (!is_roimaker_there()) {
         error_line("Cannot find ", roimaker_path());
@@ -293,14 +292,13 @@ void ORVBrowser::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int se
     for (const set<string>* units : {&links.parents, &links.children})
         link_to_halves(pair_with_halves(*units, nom, cut->E_position, head_plus, head_minus), head_plus,
                        head_minus);
-    m_elite_head_roi_set.erase(doubt);
-    ++m_edits;
+    set_mark(change_kind::elite, doubt, false);
 }
 
 // True iff no other ROI, and no other unit, has the key of a new ROI, no two new ones have the same,
 // and every key can be decoded.
-bool ORVBrowser::are_new(const set<string>& old_members, const list<roi>& roi_plus,
-                         const list<roi>& roi_minus) const
+bool curation::are_new(const set<string>& old_members, const list<roi>& roi_plus,
+                       const list<roi>& roi_minus) const
 {
     set<string> keys = keys_of(roi_plus);
     keys.merge(keys_of(roi_minus));
@@ -313,39 +311,48 @@ bool ORVBrowser::are_new(const set<string>& old_members, const list<roi>& roi_pl
            });
 }
 
-void ORVBrowser::replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus)
+void curation::replace_members(const string& doubt, const list<roi>& roi_plus, const list<roi>& roi_minus)
 {
     const set<string> old_members = member(doubt);
     forget_unit(doubt);
     for (const std::string& key : old_members)
-        drop_roi(key);
+        remove_roi(key);
     set<string> new_keys;
     for (const list<roi>* half : {&roi_plus, &roi_minus}) {
         const set<string> keys = keys_of(*half);
-        for (const roi& r : *half) {
-            m_q_roiimgdb->remove(r);
-            m_roidb->entry_plus(r);
-        }
+        for (const roi& r : *half)
+            enter_roi(r);
         register_unit(*keys.begin(), keys);
         new_keys.insert(keys.begin(), keys.end());
     }
     inherit_marks(old_members, new_keys);
     m_split_parents.erase(doubt);
-    m_lineage_mode_roi_set.erase(doubt);
+    move_choice(doubt, half_that_keeps(doubt, roi_plus, roi_minus));
+}
+
+// The half that holds the ROI which named the old unit; else the one of more ROIs, the plus one of equals.
+std::string curation::half_that_keeps(const string& doubt, const list<roi>& roi_plus,
+                                      const list<roi>& roi_minus)
+{
+    const set<string> plus = keys_of(roi_plus);
+    const set<string> minus = keys_of(roi_minus);
+    const bool is_minus = minus.contains(doubt) || (!plus.contains(doubt) && minus.size() > plus.size());
+    return is_minus ? *minus.begin() : *plus.begin();
 }
 
 // What was selected, tracked or removed on a plane stays so on that plane; no mark names an old ROI.
-void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>& new_keys)
+void curation::inherit_marks(const set<string>& old_members, const set<string>& new_keys)
 {
     const auto plane = [](const string& key) { return decode(key).z(); };
-    for (set<string>* marks : {&m_selected_roi_set, &m_fwd_roi_set, &m_bwd_roi_set, &m_removed_roi_set}) {
+    for (const change_kind kind :
+         {change_kind::selected, change_kind::forward, change_kind::backward, change_kind::false_positive}) {
         std::set<int> marked_planes;
         for (const std::string& key : old_members)
-            if (marks->erase(key) > 0 && is_decodable(key))
+            if (set_mark(kind, key, false) && is_decodable(key))
                 marked_planes.insert(plane(key));
         for (const std::string& key : new_keys)
             if (marked_planes.contains(plane(key)))
-                marks->insert(key);
+                set_mark(kind, key, true);
     }
     for (const std::string& key : old_members)
         m_mouse_over_roi_set.erase(key);
@@ -353,8 +360,8 @@ void ORVBrowser::inherit_marks(const set<string>& old_members, const set<string>
 
 // Parents, or children, go to the half on whose side of the plane their centroid lies. Where there are
 // two or more and all lie on one side, the one nearest to the lone half goes there.
-ORVBrowser::half_of_unit ORVBrowser::pair_with_halves(const set<string>& units, pos3d nom, pos3d E_m,
-                                                      const string& head_plus, const string& head_minus)
+curation::half_of_unit curation::pair_with_halves(const set<string>& units, pos3d nom, pos3d E_m,
+                                                  const string& head_plus, const string& head_minus)
 {
     half_of_unit half_of;
     std::size_t on_plus = 0;
@@ -372,8 +379,7 @@ ORVBrowser::half_of_unit ORVBrowser::pair_with_halves(const set<string>& units, 
 
 // A half that is left without one takes those that overlap it: the same two nuclei may be one unit at
 // that time point too.
-void ORVBrowser::link_to_halves(const half_of_unit& half_of, const string& head_plus,
-                                const string& head_minus)
+void curation::link_to_halves(const half_of_unit& half_of, const string& head_plus, const string& head_minus)
 {
     for (const auto& [unit, half] : half_of)
         link(unit, half);
@@ -387,7 +393,7 @@ void ORVBrowser::link_to_halves(const half_of_unit& half_of, const string& head_
 }
 
 // The unit whose centroid lies nearest to that of `to`.
-std::string ORVBrowser::nearest(const set<string>& units, const string& to)
+std::string curation::nearest(const set<string>& units, const string& to)
 {
     const pos3d centre = E_g(to);
     return *std::min_element(units.begin(), units.end(), [&](const string& a, const string& b) {

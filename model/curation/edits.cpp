@@ -1,0 +1,184 @@
+// The primitive edits: what a step brings back is written here and nowhere else, and noted.
+#include "curation.h"
+#include "keygen.h"
+#include "open_step.h"
+
+#include <iterator>
+
+namespace {
+
+// How many entries of its key stand before this one.
+template <class Entries, class Cursor>
+int position_of(const Entries& entries, Cursor entry)
+{
+    return static_cast<int>(std::distance(entries.lower_bound(entry->first), entry));
+}
+
+}    // namespace
+
+edit_step* curation::noted() { return m_open_step ? &m_open_step->step : nullptr; }
+
+// A record whose key is taken stays out, but for its entry in the index.
+void curation::enter_roi(const roi& r)
+{
+    const bool is_new = !m_roidb->db.contains(keygen(r));
+    m_roidb->entry_plus(r);
+    m_q_roiimgdb->remove(r);
+    if (edit_step* const step = noted()) {
+        if (is_new)
+            step->add_roi(r);
+        step->add_index(keygen(pos4i(0, 0, r.z(), r.t())), r);
+    }
+    notify();
+}
+
+// By its record, not by decoding its key: a mark from a file may be no key, or one of another position.
+void curation::remove_roi(const string& key)
+{
+    const auto found = m_roidb->db.find(key);
+    if (found == m_roidb->db.end())
+        return;
+    const roi gone = found->second;
+    if (edit_step* const step = noted()) {
+        step->remove_roi(gone);
+        const string plane = keygen(pos4i(0, 0, gone.z(), gone.t()));
+        const auto [first, last] = m_roidb->tz_xy_db.equal_range(plane);
+        int position = 0;
+        for (auto entry = first; entry != last; ++entry, ++position) {
+            if (!(entry->second == static_cast<const pos2i&>(gone)))
+                continue;
+            step->remove_index(plane, gone, position);
+            break;
+        }
+    }
+    m_roidb->remove(gone);
+    if (m_q_roiimgdb)
+        m_q_roiimgdb->remove(gone);
+    notify();
+}
+
+// An ROI that is in a unit already stays there, as far as it knows.
+void curation::enter_member(const string& unit, const string& key)
+{
+    m_head_members.emplace(unit, key);
+    const bool is_new = m_members_head.emplace(key, unit).second;
+    if (edit_step* const step = noted()) {
+        step->add(change_kind::unit, unit, key);
+        if (is_new)
+            step->add(change_kind::head, key, unit);
+    }
+    ++m_edits;
+    notify();
+}
+
+void curation::forget_head_of(const string& key)
+{
+    const auto found = m_members_head.find(key);
+    if (found == m_members_head.end())
+        return;
+    if (edit_step* const step = noted())
+        step->remove(change_kind::head, key, found->second);
+    m_members_head.erase(found);
+    ++m_edits;
+    notify();
+}
+
+void curation::remove_unit(const string& unit)
+{
+    const auto [first, last] = m_head_members.equal_range(unit);
+    if (edit_step* const step = noted())
+        for (auto entry = first; entry != last; ++entry)
+            step->remove(change_kind::unit, entry->first, entry->second);
+    m_head_members.erase(first, last);
+    ++m_edits;
+    notify();
+}
+
+void curation::enter_link(const string& child, const string& parent)
+{
+    m_linkage_multimap.emplace(child, parent);
+    if (edit_step* const step = noted())
+        step->add(change_kind::link, child, parent);
+    ++m_edits;
+    notify();
+}
+
+void curation::remove_link(link_cursor entry)
+{
+    if (edit_step* const step = noted())
+        step->remove(change_kind::link, entry->first, entry->second, position_of(m_linkage_multimap, entry));
+    m_linkage_multimap.erase(entry);
+    ++m_edits;
+    notify();
+}
+
+std::set<std::string>& curation::marks_of(change_kind kind)
+{
+    switch (kind) {
+    case change_kind::elite:
+        return m_elite_head_roi_set;
+    case change_kind::selected:
+        return m_selected_roi_set;
+    case change_kind::false_positive:
+        return m_removed_roi_set;
+    case change_kind::forward:
+        return m_fwd_roi_set;
+    default:
+        return m_bwd_roi_set;
+    }
+}
+
+bool curation::set_mark(change_kind kind, const string& key, bool on)
+{
+    set<string>& marks = marks_of(kind);
+    const bool is_changed = on ? marks.insert(key).second : marks.erase(key) > 0;
+    if (!is_changed)
+        return false;
+    if (edit_step* const step = noted())
+        on ? step->add(kind, key) : step->remove(kind, key);
+    m_edits += kind == change_kind::elite || kind == change_kind::false_positive;
+    notify();
+    return true;
+}
+
+void curation::clear_marks(change_kind kind)
+{
+    set<string>& marks = marks_of(kind);
+    if (edit_step* const step = noted())
+        for (const string& key : marks)
+            step->remove(kind, key);
+    marks.clear();
+    m_edits += kind == change_kind::elite || kind == change_kind::false_positive;
+    notify();
+}
+
+curation_tables curation::tables()
+{
+    return {.rois = m_roidb.get(),
+            .rasters = m_q_roiimgdb.get(),
+            .head_members = &m_head_members,
+            .members_head = &m_members_head,
+            .links = &m_linkage_multimap,
+            .elite = &m_elite_head_roi_set,
+            .selected = &m_selected_roi_set,
+            .false_positives = &m_removed_roi_set,
+            .forward = &m_fwd_roi_set,
+            .backward = &m_bwd_roi_set,
+            .chosen = &m_lineage_mode_roi_set};
+}
+
+// ---- Steps
+
+void curation::end_step()
+{
+    const std::shared_ptr<open_step> ended = std::exchange(m_open_step, nullptr);
+    ended->model = nullptr;
+    if (ended->step.is_empty())    // choosing alone is no step
+        return;
+    if (ended->chosen_before != chosen())
+        ended->step.choose(ended->chosen_before, chosen());
+    ended->step.shrink();
+    const std::shared_ptr<observer_list> observers = m_observers;
+    for (std::size_t i = 0; i < observers->size(); ++i)
+        (*observers)[i]->step_ended(ended->step);
+}

@@ -1,0 +1,100 @@
+// Marks on ROIs and units: selected, tracked, false positive, elite; and the chosen nucleus.
+#include "curation.h"
+#include "edit_scope.h"
+#include "error_line.h"
+#include "keygen.h"
+
+#include <algorithm>
+
+bool curation::isSelected(string key) { return m_selected_roi_set.contains(key); }
+
+bool curation::isFwdTracked(string key) { return m_fwd_roi_set.contains(key); }
+
+bool curation::isBwdTracked(string key) { return m_bwd_roi_set.contains(key); }
+
+bool curation::isElite(string key) { return m_elite_head_roi_set.contains(key); }
+
+void curation::toggle_selected(const string& key)
+{
+    const bool on = !m_selected_roi_set.contains(key);
+    const EditScope step(*this, on ? "Select" : "Deselect", key);
+    set_mark(change_kind::selected, key, on);
+}
+
+void curation::toggle_false_positive(const string& key)
+{
+    const bool on = !m_removed_roi_set.contains(key);
+    const EditScope step(*this, on ? "False positive" : "No false positive", key);
+    set_mark(change_kind::false_positive, key, on);
+}
+
+void curation::toggle_elite(const string& unit)
+{
+    const bool on = !m_elite_head_roi_set.contains(unit);
+    const EditScope step(*this, on ? "Elite" : "Not elite", unit);
+    set_mark(change_kind::elite, unit, on);
+}
+
+void curation::set_elite(const set<string>& units, bool on)
+{
+    const EditScope step(*this, on ? "Elite units" : "No elite units");
+    for (const string& unit : units)
+        set_mark(change_kind::elite, unit, on);
+}
+
+void curation::choose(const string& unit)
+{
+    m_lineage_mode_roi_set.clear();
+    if (!unit.empty())
+        m_lineage_mode_roi_set.insert(unit);
+    notify();
+}
+
+// The chosen nucleus stays chosen under its new name; a nucleus that is gone ("") is no longer.
+void curation::move_choice(const string& from, const string& to)
+{
+    if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
+        m_lineage_mode_roi_set.insert(to);
+}
+
+void curation::select_all(int t)
+{
+    if (!m_roidb)
+        return;
+    const EditScope step(*this, "Select all");
+    const auto [first, last] = at_time_point(m_roidb->db, t);
+    for (auto entry = first; entry != last; ++entry)
+        if (!m_removed_roi_set.contains(entry->first))
+            set_mark(change_kind::selected, entry->first, true);
+}
+
+// Marks that name no ROI of the recording count for nothing.
+bool curation::clean_up()
+{
+    const auto is_marked = [this](const auto& entry) {
+        return isSelected(entry.first) || isFwdTracked(entry.first) || isBwdTracked(entry.first);
+    };
+    if (!m_roidb || std::ranges::none_of(m_roidb->db, is_marked)) {
+        error_line("Nothing is selected or tracked: no ROI is marked as a false positive");
+        return false;
+    }
+    const EditScope step(*this, "Clean Up");
+    for (const auto& entry : m_roidb->db)
+        if (!is_marked(entry))
+            set_mark(change_kind::false_positive, entry.first, true);
+    return true;
+}
+
+void curation::add_selected(const set<string>& keys)
+{
+    const EditScope step(*this, "Read Info");
+    for (const string& key : keys)
+        set_mark(change_kind::selected, key, true);
+}
+
+void curation::add_false_positives(const set<string>& keys)
+{
+    const EditScope step(*this, "Read FP");
+    for (const string& key : keys)
+        set_mark(change_kind::false_positive, key, true);
+}
