@@ -1,8 +1,8 @@
 // orvbrowser - opens the one window, and in it the recording of an ROI file when one is named.
 #include "MimeSourceFactory_ORVBrowser.h"
 #include "error_line.h"
-#include "lineage_page.h"
 #include "orvbrowser.h"
+#include "pages.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -87,8 +87,7 @@ int main(int argc, char* argv[])
     QApplication::setWindowIcon(QIcon(MimeSourceFactory_ORVBrowser::application_icon()));
     ORVBrowser window;
     window.setApplication(&application);
-    auto* const lineage = new LineagePage(window);
-    window.tabWidget_control_panel->addTab(lineage, QObject::tr("Lineage"));
+    add_pages(window);
     if (!wanted.roi_file.empty())
         (void)window.openRoiFile(wanted.roi_file);    // says so itself when it fails
     window.show();
