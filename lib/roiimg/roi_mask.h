@@ -57,7 +57,10 @@ public:
     }
     [[nodiscard]] int width() const noexcept { return _width; }
     [[nodiscard]] int height() const noexcept { return _height; }
-    [[nodiscard]] int size() const noexcept { return _size; }                             // pixels inside
+    [[nodiscard]] int size() const noexcept { return _size; }    // pixels inside
+
+    // Of the pixels inside, in image pixels; not finite when there are none. REQUIRES: map()
+    [[nodiscard]] pos2d centre() const noexcept { return {_cx, _cy}; }
     [[nodiscard]] const unsigned char* image() const noexcept { return _image.get(); }    // null until map()
 
 protected:
