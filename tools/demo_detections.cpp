@@ -17,23 +17,62 @@ struct slice {
     double x = 0, y = 0;
     double rx = 0, ry = 0;
     double cos_angle = 1, sin_angle = 0;
+    std::vector<double> waves = {};    // that make it uneven: cosine and sine of 1, 2, 3 ... around it
+    double growth = 1;                 // what they make of its radius, at most
 
     // Below 1 inside, 1 on the edge.
     [[nodiscard]] double squared_radius(double px, double py) const noexcept
     {
         const double u = ((px - x) * cos_angle + (py - y) * sin_angle) / rx;
         const double v = ((py - y) * cos_angle - (px - x) * sin_angle) / ry;
-        return u * u + v * v;
+        const double edge = waves.empty() ? 1 : unevenness(std::atan2(v, u));
+        return (u * u + v * v) / (edge * edge);
     }
+
+    // The radius in this direction, as a part of the even one.
+    [[nodiscard]] double unevenness(double direction) const noexcept
+    {
+        double edge = 1;
+        for (std::size_t i = 0; i < waves.size(); i += 2) {
+            const double turn = static_cast<double>(i / 2 + 1) * direction;
+            edge += waves[i] * std::cos(turn) + waves[i + 1] * std::sin(turn);
+        }
+        return edge;
+    }
+
+    [[nodiscard]] double reach() const noexcept { return std::max(rx, ry) * growth + 1; }
 };
 
 std::optional<slice> cut(const demo_nucleus& n, int z)
 {
-    const double w = (z * plane_step - n.centre.z()) / n.rz;
+    const double height = n.half_height();
+    const double dz = z * plane_step - n.centre.z();
+    const double w = dz / height;
     if (std::abs(w) >= 1)
         return {};
     const double scale = std::sqrt(1 - w * w);
-    return slice{n.label, n.centre.x(), n.centre.y(), n.rx * scale, n.ry * scale, n.cos_angle, n.sin_angle};
+    // A tilted one is cut beside its centre, and rx less long: height and cut span the same area as rx and
+    // rz.
+    const double aside = w * n.sin_tilt * n.cos_tilt * (n.rx * n.rx - n.rz * n.rz) / height;
+    const double rx = n.rx * (n.rz / height);
+    return slice{n.label,
+                 n.centre.x() + aside * n.cos_angle,
+                 n.centre.y() + aside * n.sin_angle,
+                 rx * scale,
+                 n.ry * scale,
+                 n.cos_angle,
+                 n.sin_angle};
+}
+
+// Outlines bulge by `roughness` of their radius, never by so much that one leaves its centre.
+void make_uneven(slice& s, double roughness, demo_random random)
+{
+    constexpr int waves = 5;
+    for (int i = 1; i <= waves; ++i)
+        for (int part = 0; part < 2; ++part)
+            s.waves.push_back(std::clamp(roughness * random.normal() / std::sqrt(waves), -0.09, 0.09));
+    for (const double wave : s.waves)
+        s.growth += std::abs(wave);
 }
 
 // Whole pixels, the far edges not included; empty when it lies beside the image.
@@ -53,8 +92,11 @@ public:
                                     const std::vector<demo_contact>& contacts)
     {
         for (const demo_nucleus& n : nuclei)
-            if (const auto s = cut(n, _z))
-                _slices.push_back(*s);
+            if (auto s = cut(n, _z)) {
+                if (const double roughness = _options.crowding.roughness; roughness > 0)
+                    make_uneven(*s, roughness, demo_random(_options.seed + s->label, 6, _t, _z));
+                _slices.push_back(std::move(*s));
+            }
         for (const slice& s : _slices)
             claim(s);
         for (const demo_contact& c : contacts)
@@ -94,8 +136,8 @@ private:
 
     [[nodiscard]] pixel_box box_around(const slice& a, const slice& b) const
     {
-        const double ra = std::max(a.rx, a.ry) + 1;
-        const double rb = std::max(b.rx, b.ry) + 1;
+        const double ra = a.reach();
+        const double rb = b.reach();
         return {std::max(0, static_cast<int>(std::min(a.x - ra, b.x - rb))),
                 std::max(0, static_cast<int>(std::min(a.y - ra, b.y - rb))),
                 std::min(_options.width, static_cast<int>(std::max(a.x + ra, b.x + rb)) + 1),
@@ -146,14 +188,17 @@ private:
     // A neighbour that reaches over it may leave a nucleus in pieces.
     void detect_alone(const slice& s)
     {
+        if (const auto region = largest_region(s))
+            report(*region, s.label, 0);
+    }
+
+    // Of the pixels that it owns.
+    [[nodiscard]] std::optional<outlined_region> largest_region(const slice& s)
+    {
         const auto regions =
             regions_of(box_around(s, s), [&](int x, int y) { return owner(x, y) == s.label; });
-        const auto smaller = [](const outlined_region& a, const outlined_region& b) {
-            return a.pixels < b.pixels;
-        };
-        const auto largest = std::max_element(regions.begin(), regions.end(), smaller);
-        if (largest != regions.end())
-            report(*largest, s.label, 0);
+        const auto largest = std::ranges::max_element(regions, {}, &outlined_region::pixels);
+        return largest == regions.end() ? std::nullopt : std::optional(*largest);
     }
 
     // The outline of both nuclei in contact where the plane cuts both, with what lies between them.
@@ -171,9 +216,27 @@ private:
         const auto regions = regions_of(box, inside);
         if (regions.size() != 1)    // a third nucleus keeps them apart
             return;
+        auto parts = parts_of(*a, *b);
         take(box, inside, a->label);
         _joined.insert(_joined.end(), {a->label, b->label});
-        report(regions.front(), a->label, b->label);
+        if (report(regions.front(), a->label, b->label))
+            _found.back().parts = std::move(parts);
+    }
+
+    // Nothing when the truth is to have none.
+    [[nodiscard]] std::vector<roi> parts_of(const slice& a, const slice& b)
+    {
+        std::vector<roi> parts;
+        if (_options.crowding.truth_of_parts)
+            for (const slice* const s : {&a, &b})
+                if (const auto region = largest_region(*s))
+                    parts.push_back(outline_of(*region));
+        return parts;
+    }
+
+    [[nodiscard]] roi outline_of(const outlined_region& region) const
+    {
+        return {region.start.x(), region.start.y(), _z, _t, region.chain};
     }
 
     // The neck that blur makes out of a gap: a bar from centre to centre.
@@ -205,11 +268,13 @@ private:
         report(regions.front(), 0, 0);
     }
 
-    void report(const outlined_region& region, int label, int other)
+    // False when the detector misses it.
+    bool report(const outlined_region& region, int label, int other)
     {
         if (region.pixels < smallest_area || (label && _random.chance(_options.missing_rate)))
-            return;
-        _found.push_back({roi(region.start.x(), region.start.y(), _z, _t, region.chain), label, other});
+            return false;
+        _found.push_back({outline_of(region), label, other, {}});
+        return true;
     }
 
     const demo_options& _options;

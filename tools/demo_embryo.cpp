@@ -8,11 +8,10 @@
 
 namespace {
 
-constexpr int cycle = 25;             // time points between two divisions, roughly
-constexpr int substeps = 8;           // of the movement from one time point to the next
-constexpr double clearance = 1.12;    // nuclei keep this times the distance at which they touch
-constexpr double settling = 1.5;      // the first ones spread further
-constexpr double embrace = 0.93;      // what is left of it in a contact
+constexpr int cycle = 25;           // time points between two divisions, roughly
+constexpr int substeps = 8;         // of the movement from one time point to the next
+constexpr double settling = 1.5;    // the first ones spread further
+constexpr double embrace = 0.93;    // what is left of it in a contact
 
 double component(pos3d v, int axis) { return axis == 0 ? v.x() : axis == 1 ? v.y() : v.z(); }
 
@@ -45,6 +44,7 @@ struct cell {
     double full_size = 1;    // what it grows to
     double aspect = 1;       // rx to ry
     double angle = 0;
+    double tilt = 0;
     double brightness = 1;
     double divides_after = 0;    // the smallest divides next
     int partner = 0;             // label of the nucleus that it is drawn to, 0: none
@@ -56,7 +56,7 @@ struct cell {
 class simulation {
 public:
     explicit simulation(const demo_options& options)
-        : _options(options), _space(space_of(options)), _random(options.seed, 1)
+        : _options(options), _crowding(options.crowding), _space(space_of(options)), _random(options.seed, 1)
     {
     }
 
@@ -100,12 +100,12 @@ private:
         const pos3d a = _space.semi_axes;
         const double volume = 4.0 / 3 * std::numbers::pi * a.x() * a.y() * a.z();
         const double most = std::min(28.0, 0.45 * std::min(a.x(), a.y()));
-        return std::min(most, std::max(5.0, 0.33 * std::cbrt(volume / wanted_count(_t))));
+        return std::min(most, std::max(5.0, _crowding.filling * std::cbrt(volume / wanted_count(_t))));
     }
 
     [[nodiscard]] demo_nucleus shape(const cell& c) const
     {
-        const bool condensed = c.last == _t;    // chromosomes: small, long and bright
+        const bool condensed = _crowding.condensed && c.last == _t;    // chromosomes: small, long and bright
         const double r = shared_radius() * c.size;
         demo_nucleus n;
         n.label = c.label;
@@ -115,6 +115,8 @@ private:
         n.rz = r * (condensed ? 0.75 : 0.88);
         n.cos_angle = std::cos(c.angle);
         n.sin_angle = std::sin(c.angle);
+        n.cos_tilt = std::cos(c.tilt);
+        n.sin_tilt = std::sin(c.tilt);
         n.brightness = c.brightness * (condensed ? 1.35 : 1);
         return n;
     }
@@ -126,8 +128,10 @@ private:
         c.position = position;
         c.full_size = _random.uniform(0.9, 1.08);
         c.size = c.full_size;
-        c.aspect = _random.uniform(1, 1.3);
+        c.aspect = _random.uniform(1, _crowding.longest);
         c.angle = _random.uniform(0, std::numbers::pi);
+        if (_crowding.tilt > 0)    // without it, embryos stay what they were
+            c.tilt = _random.uniform(-_crowding.tilt, _crowding.tilt);
         c.brightness = _random.uniform(0.7, 1.05);
         c.divides_after = _t + cycle * _random.uniform(0.7, 1.3);
         return c;
@@ -207,8 +211,9 @@ private:
             const pos3d apart(-std::sin(parent.angle), std::cos(parent.angle), _random.uniform(-0.25, 0.25));
             for (const double side : {-0.5, 0.5}) {
                 cell c = new_cell(parent.position + apart * (side * shared_radius()));
-                c.size = 0.72 * c.full_size;
+                c.size = _crowding.daughter * c.full_size;
                 c.angle = parent.angle + _random.uniform(-0.2, 0.2);
+                c.tilt = parent.tilt;
                 c.drift = parent.drift;
                 add(c, _t + 1, parent.label);
             }
@@ -245,17 +250,19 @@ private:
         }
     }
 
-    // The closest free neighbour that is still apart and lies beside c, not above or below it.
+    // The closest free neighbour that lies beside c, not above or below it, and is still apart, where nuclei
+    // keep apart.
     [[nodiscard]] cell* nearest_beside(const cell& c)
     {
         cell* nearest = nullptr;
         double least = 0.9 * shared_radius();
+        const bool may_touch = _crowding.clearance <= 1;
         for (cell& other : _cells) {
             if (other.label == c.label || other.partner || other.last >= 0)
                 continue;
             const pos3d d = other.position - c.position;
             const double g = gap(c, other);
-            if (std::abs(d.z()) > 0.35 * d.size() || g <= 0 || g >= least)
+            if (std::abs(d.z()) > 0.35 * d.size() || (g <= 0 && !may_touch) || g >= least)
                 continue;
             least = g;
             nearest = &other;
@@ -293,7 +300,7 @@ private:
     {
         const double r = shared_radius();
         for (cell& c : _cells) {
-            c.drift = c.drift * 0.85 + random_normal(_random) * (0.03 * r);
+            c.drift = c.drift * 0.85 + random_normal(_random) * (_crowding.motion * r);
             c.size += (c.full_size - c.size) * 0.25;
             c.angle += 0.04 * _random.normal();
         }
@@ -303,12 +310,12 @@ private:
         for (int i = 0; i < substeps; ++i) {
             for (cell& c : _cells)
                 c.position = c.position + (c.drift + flow(c.position)) / substeps;
-            keep_apart(clearance);
+            keep_apart(_crowding.clearance);
         }
         // Detections of successive time points must still overlap.
         for (std::size_t i = 0; i < _cells.size(); ++i) {
             const pos3d way = _cells[i].position - before[i];
-            const double most = 0.55 * r;
+            const double most = _crowding.farthest * r;
             if (way.size() > most)
                 _cells[i].position = before[i] + way * (most / way.size());
         }
@@ -355,7 +362,7 @@ private:
             return d * ((embrace * touching - distance) * 0.12 / distance);
         // One above the other, two nuclei share no plane, and blur would join them all the same.
         const double steep = d.z() / distance;
-        const double wanted = touching * apart * (1 + 0.25 * steep * steep);
+        const double wanted = touching * apart * (1 + _crowding.above * steep * steep);
         return distance < wanted ? d * ((wanted - distance) * 0.15 / distance) : pos3d{};
     }
 
@@ -371,6 +378,7 @@ private:
     }
 
     const demo_options& _options;
+    const demo_crowding& _crowding;
     demo_space _space;
     demo_random _random;
     demo_embryo _embryo;
@@ -382,8 +390,15 @@ private:
 
 pos3d demo_nucleus::in_own_axes(pos3d offset) const noexcept
 {
-    return {(offset.x() * cos_angle + offset.y() * sin_angle) / rx,
-            (offset.y() * cos_angle - offset.x() * sin_angle) / ry, offset.z() / rz};
+    const double u = offset.x() * cos_angle + offset.y() * sin_angle;
+    return {(u * cos_tilt + offset.z() * sin_tilt) / rx,
+            (offset.y() * cos_angle - offset.x() * sin_angle) / ry,
+            (offset.z() * cos_tilt - u * sin_tilt) / rz};
+}
+
+double demo_nucleus::half_height() const noexcept
+{
+    return std::sqrt(rz * rz * cos_tilt * cos_tilt + rx * rx * sin_tilt * sin_tilt);
 }
 
 demo_space space_of(const demo_options& options) noexcept

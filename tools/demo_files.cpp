@@ -91,6 +91,18 @@ private:
     fs::path _failed;    // guarded by _mutex while threads run
 };
 
+// Which pixels of a joined outline belong to which nucleus.
+std::string part_lines(const demo_detection& d)
+{
+    std::string text;
+    for (std::size_t i = 0; i < d.parts.size(); ++i) {
+        const roi& part = d.parts[i];
+        text += "PART " + roidb::keygen(d.outline) + ' ' + std::to_string(i == 0 ? d.label : d.other) + ' ' +
+                std::to_string(part.x()) + ' ' + std::to_string(part.y()) + ' ' + part.outline() + '\n';
+    }
+    return text;
+}
+
 std::string truth_text(const demo_recording& recording)
 {
     std::string text = "NAME " + recording.options.name + '\n';
@@ -99,7 +111,7 @@ std::string truth_text(const demo_recording& recording)
         text += roidb::keygen(d.outline) + ' ' + std::to_string(d.label);
         if (d.other)
             text += ' ' + std::to_string(d.other);
-        text += '\n';
+        text += '\n' + part_lines(d);
     }
     for (const demo_track& k : recording.embryo.tracks) {
         text += "TRACK";

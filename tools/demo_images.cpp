@@ -117,7 +117,7 @@ void demo_painter::add_nucleus(std::vector<float>& light, const demo_nucleus& n,
     const double dz = z * plane_step - n.centre.z();
     demo_nucleus blurred = n;
     blurred.rz = std::hypot(n.rz, blur_z);
-    if (std::abs(dz) >= reach * blurred.rz)
+    if (std::abs(dz) >= reach * blurred.half_height())
         return;
     const double radius = reach * std::max(n.rx, n.ry);
     const int left = std::max(0, static_cast<int>(n.centre.x() - radius));

@@ -1,5 +1,6 @@
 // make_demo - writes a synthetic recording of a dividing embryo into a folder.
 #include "demo_files.h"
+#include "demo_presets.h"
 
 #include <charconv>
 #include <cstdint>
@@ -18,6 +19,8 @@ constexpr const char* usage = R"(Usage: make_demo [options] FOLDER
 Writes a synthetic recording of a dividing embryo into FOLDER: images NAME/ttt-zzz.jpg,
 outlines NAME.roi and the truth about them NAME.truth.
 
+  --preset NAME      demo, crowded, packed or noisy (demo); the options after it may
+                     change it again
   --name NAME        the recording's name (demo)
   --seed N           another embryo for every number (1)
   --large            150 time points, 55 planes, 600 nuclei, 600 x 600 pixels;
@@ -73,7 +76,8 @@ void make_large(demo_options& o)
 }
 
 enum option_code {
-    name = 1,
+    preset = 1,
+    name,
     seed,
     large,
     time_points,
@@ -90,6 +94,7 @@ enum option_code {
 };
 
 constexpr option long_options[] = {
+    {"preset", required_argument, nullptr, preset},
     {"name", required_argument, nullptr, name},
     {"seed", required_argument, nullptr, seed},
     {"large", no_argument, nullptr, large},
@@ -112,6 +117,8 @@ bool apply(int code, std::string_view value, arguments& a)
 {
     demo_options& o = a.recording;
     switch (code) {
+    case preset:
+        return apply_preset(value, o);
     case name:
         return parse_name(value, o.name);
     case seed:
