@@ -1,8 +1,8 @@
 # What `cmake --install` and the Debian package contain; included when this project is built on its own.
 
-install(TARGETS orvbrowser make_demo RUNTIME)
+install(TARGETS orvbrowser make_demo orvtool RUNTIME)
 install(TARGETS roimaker RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/orvbrowser)    # where body.cpp looks for it
-install(FILES data/orvbrowser.1 data/make_demo.1 data/roimaker.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES data/orvbrowser.1 data/make_demo.1 data/orvtool.1 data/roimaker.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 install(FILES data/orvbrowser.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/orvbrowser-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME orvbrowser.xml)

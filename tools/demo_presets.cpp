@@ -28,8 +28,8 @@ demo_options packed()
 {
     demo_options o = crowded();
     o.nuclei = 100;
-    o.crowding.filling = 0.56;
-    o.crowding.clearance = 0.96;
+    o.crowding.filling = 0.55;
+    o.crowding.clearance = 0.97;
     return o;
 }
 

@@ -144,7 +144,7 @@ private:
     std::span<const roi_mask* const> _rois;
     const nearest_rule& _rule;
     const std::function<bool()>& _carry_on;
-    std::map<int, std::vector<indexed_box>> _planes;
+    std::map<long long, std::vector<indexed_box>> _planes;
     std::vector<chain_link> _links;
     std::vector<choice> _up, _down;    // of each ROI, in the present round
 };

@@ -1,0 +1,133 @@
+// Links between units made of cubes; a pixel and a focal plane are 1 um.
+#include "../support/rectangles.h"
+#include "linking.h"
+
+#include <gtest/gtest.h>
+
+#include <list>
+
+namespace {
+
+struct cube {
+    int x, y, z;
+    int side;
+};
+
+using links = std::vector<unit_link>;
+
+class linking : public testing::Test {
+protected:
+    // The rasters live as long as the test.
+    std::vector<unit_rasters> units(const std::vector<cube>& cubes)
+    {
+        std::vector<unit_rasters> all;
+        for (const cube& c : cubes) {
+            std::vector<rectangle> planes;
+            for (int z = c.z; z < c.z + c.side; ++z)
+                planes.push_back({c.x, c.y, z, c.side, c.side});
+            all.push_back(_rasters.emplace_back(planes).all());
+        }
+        return all;
+    }
+
+    links link(const std::vector<cube>& before, const std::vector<cube>& now)
+    {
+        unit_linker linker({1, 1});
+        EXPECT_TRUE(linker.link(units(before)).empty()) << "nothing lies before";
+        return linker.link(units(now));
+    }
+
+private:
+    std::list<raster_list> _rasters;
+};
+
+TEST_F(linking, goes_to_the_nearest_and_to_two_daughters)
+{
+    const struct {
+        const char* why;
+        std::vector<cube> before, now;
+        links expected;
+    } cases[] = {
+        {"the nearer of two", {{0, 0, 0, 9}}, {{11, 0, 0, 9}, {0, 4, 0, 9}}, {{1, 0}}},
+        {"neither shares a pixel", {{0, 0, 0, 9}}, {{10, 0, 0, 9}}, {{0, 0}}},
+        {"farther than both radii", {{0, 0, 0, 9}}, {{12, 0, 0, 9}}, {}},
+        {"each has one, though both are nearest to the first",
+         {{0, 0, 0, 9}, {9, 0, 0, 9}},
+         {{1, 0, 0, 9}, {3, 0, 0, 9}},
+         {{0, 0}, {1, 1}}},
+        {"two daughters, one of them beside the mother",
+         {{0, 0, 0, 12}},
+         {{-6, 2, 2, 8}, {8, 2, 2, 8}},
+         {{0, 0}, {1, 0}}},
+        {"two daughters too far for a link",
+         {{20, 0, 0, 12}},
+         {{5, 1, 1, 9}, {38, 1, 1, 9}},
+         {{0, 0}, {1, 0}}},
+        {"both on one side", {{0, 0, 0, 12}}, {{3, 2, 2, 8}, {14, 2, 2, 8}}, {{0, 0}}},
+        {"one more than three times as large", {{0, 0, 0, 12}}, {{-7, 0, 0, 12}, {12, 2, 2, 8}}, {{0, 0}}},
+        {"of three, the nearer two",
+         {{0, 0, 0, 12}},
+         {{-6, 2, 2, 8}, {2, -9, 2, 8}, {8, 2, 2, 8}},
+         {{0, 0}, {2, 0}}},
+        {"a unit without pixels", {{0, 0, 0, 0}}, {{0, 0, 0, 0}}, {}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(link(c.before, c.now), c.expected) << c.why;
+}
+
+TEST_F(linking, takes_out_the_drift_where_enough_units_tell_it)
+{
+    for (const int others : {6, 7, 20}) {
+        std::vector<cube> before{{0, 0, 0, 10}};
+        std::vector<cube> now{{8, 6, 8, 10}};    // on its own way, too far for a link without the drift
+        for (int i = 1; i <= others; ++i) {
+            before.push_back({0, 30 * i, 0, 10});
+            now.push_back({7, 30 * i, 7, 10});
+        }
+        now.push_back({7, 30, 15, 10});
+        const bool is_linked = link(before, now).front() == unit_link{0, 0};
+        EXPECT_EQ(is_linked, others > 7) << others;
+    }
+}
+
+// Two nuclei that are one unit for two time points, then two again.
+TEST_F(linking, tells_two_nuclei_in_one_unit_from_a_mother)
+{
+    const auto apart = units({{0, 0, 0, 8}, {8, 0, 0, 8}});
+    auto both = apart[0];
+    both.insert(both.end(), apart[1].begin(), apart[1].end());
+    for (const bool follows : {false, true}) {
+        unit_linker linker({1, 1});
+        EXPECT_TRUE(linker.link(apart).empty());
+        for (int t = 1; t <= 2; ++t) {
+            const links of_one{{0, 0}};
+            if (follows)
+                linker.follow({both}, of_one);
+            else
+                EXPECT_EQ(linker.link({both}), of_one) << t;
+        }
+        EXPECT_EQ(linker.link(apart), (links{{0, 0}})) << follows;
+    }
+    unit_linker linker({1, 1});
+    EXPECT_TRUE(linker.link({both}).empty());
+    EXPECT_EQ(linker.link(apart), (links{{0, 0}, {1, 0}})) << "nothing told that it was two";
+}
+
+TEST_F(linking, stays_where_it_was_when_it_is_ended)
+{
+    const auto first = units({{0, 0, 0, 8}});
+    const auto second = units({{1, 0, 0, 8}});
+    int steps = 0;
+    unit_linker whole({1, 1});
+    EXPECT_TRUE(whole.link(first).empty());
+    EXPECT_EQ(whole.link(second, [&] { return ++steps > 0; }), (links{{0, 0}}));
+    for (int end = 1; end <= steps; ++end) {
+        unit_linker linker({1, 1});
+        EXPECT_TRUE(linker.link(first).empty());
+        int asked = 0;
+        EXPECT_TRUE(linker.link(second, [&] { return ++asked < end; }).empty()) << end;
+        EXPECT_EQ(linker.link(second), (links{{0, 0}})) << end;
+    }
+}
+
+}    // namespace
