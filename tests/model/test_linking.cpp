@@ -67,7 +67,7 @@ TEST_F(linking, goes_to_the_nearest_and_to_two_daughters)
         {"one more than three times as large", {{0, 0, 0, 12}}, {{-7, 0, 0, 12}, {12, 2, 2, 8}}, {{0, 0}}},
         {"of three, the nearer two",
          {{0, 0, 0, 12}},
-         {{-6, 2, 2, 8}, {6, 10, 2, 8}, {8, 2, 2, 8}},
+         {{-6, 2, 2, 8}, {-2, 10, 2, 8}, {8, 2, 2, 8}},
          {{0, 0}, {2, 0}}},
         {"an orphan between two mothers",
          {{0, 0, 0, 12}, {16, 0, 0, 12}},

@@ -148,6 +148,7 @@ TEST(score_lineage, knows_the_halves_of_a_joined_outline)
         {"joined, parts unknown", join, {{0, 5, 0, 12, 4}}, 0, 5},
         {"joined", join + parts, {{0, 5, 0, 12, 4}}, 0, 5},
         {"cut", join + parts, {{0, 5, 0, 6, 4}, {6, 5, 0, 6, 4}}, 2, 0},
+        {"cut a column beside", join + parts, {{0, 5, 0, 4, 4}, {4, 5, 0, 8, 4}}, 2, 0},
         {"cut, one half gone", join + parts, {{6, 5, 0, 6, 4}}, 1, 10},
         {"cut at the wrong place", join + parts, {{0, 5, 0, 2, 4}, {2, 5, 0, 10, 4}}, 0, 6},
     };
