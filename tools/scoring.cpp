@@ -228,7 +228,7 @@ public:
             ++s.made;
             const nucleus mother = _units.at(parent).of;
             const auto division = real.find(mother);
-            if (division == real.end() || division->second != nuclei_of(children))
+            if (division == real.end() || children.size() != 2 || division->second != nuclei_of(children))
                 continue;
             ++s.right;
             found.insert(mother);

@@ -30,8 +30,9 @@ struct lineage_score {
     // daughter.
     share_score links;
 
-    // A unit with several children is right when it is the mother and they are her two daughters. A real
-    // division is one of which mother and daughters are shown at successive time points.
+    // A unit with several children is right when it is the mother and they are her two daughters, each of
+    // them one unit. A real division is one of which mother and daughters are shown at successive time
+    // points.
     share_score divisions;
 
     // Detection and tracking accuracy: 1 less the cost of turning the lineage into the true one, as a part of
