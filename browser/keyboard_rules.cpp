@@ -24,6 +24,24 @@ bool is_tool(const QObject* widget)
            qobject_cast<const QTabBar*>(widget);
 }
 
+using shortcut = void (*)(ORVBrowser&);
+
+// Null when the keys are none. They are taken also when there is nothing to do: else their letters would be.
+shortcut shortcut_of(const QKeyEvent& e)
+{
+    const Qt::KeyboardModifiers modifiers = e.modifiers() & ~Qt::KeypadModifier;
+    const bool is_shifted = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+    if (modifiers != Qt::ControlModifier && !(is_shifted && e.key() == Qt::Key_Z))
+        return nullptr;
+    if (e.key() == Qt::Key_S)
+        return [](ORVBrowser& window) { (void)window.save_all(); };
+    if (e.key() == Qt::Key_Y || is_shifted)
+        return [](ORVBrowser& window) { window.redo(); };
+    if (e.key() == Qt::Key_Z)
+        return [](ORVBrowser& window) { window.undo(); };
+    return nullptr;
+}
+
 bool is_use(const QObject* tool, int key)
 {
     if (qobject_cast<const QAbstractButton*>(tool))
@@ -61,6 +79,11 @@ bool KeyboardRules::eventFilter(QObject* watched, QEvent* e)
         if (is_tool(watched))
             hand_back();
         return false;
+    case QEvent::ShortcutOverride:    // else a field would take Ctrl+Z for its own
+        if (!shortcut_of(*static_cast<QKeyEvent*>(e)))
+            return false;
+        e->accept();
+        return true;
     case QEvent::KeyPress:
         return take_key(watched, *static_cast<QKeyEvent*>(e));
     case QEvent::KeyRelease:    // once the tool has done what the key asks for
@@ -79,6 +102,10 @@ bool KeyboardRules::eventFilter(QObject* watched, QEvent* e)
 
 bool KeyboardRules::take_key(QObject* watched, QKeyEvent& e)
 {
+    if (const shortcut run = shortcut_of(e)) {
+        run(_window);
+        return true;
+    }
     if (is_field(watched))
         return take_key_of_field(e);
     const bool is_walk = e.key() == Qt::Key_Tab || e.key() == Qt::Key_Backtab;

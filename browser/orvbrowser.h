@@ -8,6 +8,7 @@
 #include "ImageDB.h"
 #include "curation.h"
 #include "file_dialogs.h"
+#include "kept_work.h"
 #include "window_controls.h"
 
 #include <QApplication>
@@ -62,6 +63,25 @@ public:
     void highlight(const string& unit);    // shows its ROIs as if the pointer were on them, until it moves
     void show_changes();                   // marks the picture as out of date and paints it at once
     void finish();                         // the same, and lets pending events be processed
+
+    // ---- Undo, redo, and what is kept of the work (orvbrowser_history.cpp)
+    void undo();
+    void redo();
+    [[nodiscard]] bool can_undo() const;    // false while anything is going on
+    [[nodiscard]] bool can_redo() const;
+    void go_to_step(std::size_t done);    // the state in which so many steps were done
+    // Steps between the saved state and the present one, done or undone.
+    [[nodiscard]] std::size_t unsaved_edits() const;
+    // Writes what has changed to the files beside the ROI file, without a question. False, and one line for
+    // each file, when any of it fails.
+    bool save_all();
+    // Takes up what an earlier run has not saved, with its undo. True also when there is nothing; false, and
+    // one line, when edits were made already or the steps do not fit.
+    bool take_up_work();
+    bool take_up_work(std::size_t offer);    // one of work().offers()
+    void decline_work() { m_work.decline(); }
+    void note_read(const string& filename) { m_work.was_read(filename); }    // by whoever reads a file
+    [[nodiscard]] const kept_work& work() const noexcept { return m_work; }
 
     // ---- Start and end (orvbrowser.cpp)
     void init();
@@ -247,6 +267,7 @@ private:
     [[nodiscard]] string image_filename();
     void reset_recording_state();
     void take_time_bounds();
+    void show_step(const edit_step* step);
 
     // ---- Files
     void open_recording(std::unique_ptr<roidb_plus> roidb);
@@ -305,6 +326,7 @@ private:
     };
     std::array<QCursor, modes> m_cursor_before;    // the cursor shown before each mode
     const Observing m_observing{*this, *this};
+    kept_work m_work{*this};
     bool m_is_mirroring_time = false;
     bool m_is_mirroring_plane = false;
     int m_drawn_time_point = -1;    // the position of the picture in m_pix

@@ -56,8 +56,10 @@ bool ORVBrowser::openRoiFile(const string& filename)
     }
     if (was_read && roidb->db.empty())
         error_line("0 ROIs read");
-    if (was_read)
+    if (was_read) {
         open_recording(std::move(roidb));
+        m_work.opened(filename);
+    }
     end_waiting();
     return was_read;
 }

@@ -25,6 +25,7 @@ void ORVBrowser::read_marks(const file_question& question, const char* suffix, c
         return;
     set<string> marks;
     read_mark_file(filename, m_dataset, keyword, marks);
+    note_read(filename);
     (this->*add)(marks);
     show_changes();
 }
@@ -39,7 +40,7 @@ void ORVBrowser::save_marks(QPushButton& button, const file_question& question, 
     if (!self)
         return;
     if (is_wanted)
-        write_mark_file(native_name(filename), m_dataset, keyword, marks);
+        (void)write_mark_file(native_name(filename), m_dataset, keyword, marks);
     button.setEnabled(true);
     frame_canvas->setFocus();    // it went to another button meanwhile
 }

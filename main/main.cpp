@@ -16,6 +16,7 @@ namespace {
 // What the command line asks for.
 struct request {
     std::string roi_file;    // to open at start; may be empty
+    bool take_up = false;    // what was not saved of it
     int status = 0;          // not 0 when the command line is wrong
 };
 
@@ -49,6 +50,8 @@ request parse_arguments(const QStringList& words)
     const QCommandLineOption image_root(
         "image-root", "The folder that holds one folder of images per recording (default: /image/).", "DIR");
     parser.addOption(image_root);
+    const QCommandLineOption take_up("take-up", "Take up the edits of the recording that were not saved.");
+    parser.addOption(take_up);
     parser.addPositionalArgument("file", "An ROI file to open.", "[file.roi]");
     add_toolkit_options(parser);
     if (!parser.parse(words))
@@ -61,7 +64,9 @@ request parse_arguments(const QStringList& words)
         return refuse("One ROI file at most can be opened.");
     if (parser.isSet(image_root))
         qputenv("ORVBROWSER_IMAGE_ROOT", QFile::encodeName(parser.value(image_root)));
-    return {.roi_file = QFile::encodeName(parser.positionalArguments().value(0)).toStdString(), .status = 0};
+    return {.roi_file = QFile::encodeName(parser.positionalArguments().value(0)).toStdString(),
+            .take_up = parser.isSet(take_up),
+            .status = 0};
 }
 
 request read_command_line(int argc, char* argv[])
@@ -88,8 +93,9 @@ int main(int argc, char* argv[])
     ORVBrowser window;
     window.setApplication(&application);
     add_pages(window);
-    if (!wanted.roi_file.empty())
-        (void)window.openRoiFile(wanted.roi_file);    // says so itself when it fails
+    const bool is_open = !wanted.roi_file.empty() && window.openRoiFile(wanted.roi_file);    // says why not
+    if (is_open && wanted.take_up)
+        (void)window.take_up_work();
     window.show();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, &QApplication::quit);
     return QApplication::exec();

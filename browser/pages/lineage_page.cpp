@@ -365,6 +365,7 @@ void LineagePage::read_file()
     if (filename.empty() || !self || !is_there(filename) || !_window.isOpen())
         return;
     if (std::optional<lineage> units = read_lineage(filename, _window.dataset(), _window.rois())) {
+        _window.note_read(filename);
         _window.replace_lineage(std::move(*units));
         _window.show_changes();
     }

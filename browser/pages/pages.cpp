@@ -1,5 +1,6 @@
 #include "pages.h"
 
+#include "history_page.h"
 #include "lineage_page.h"
 #include "message_line.h"
 #include "orvbrowser.h"
@@ -8,4 +9,5 @@ void add_pages(ORVBrowser& window)
 {
     (new MessageLine(window))->show();
     window.tabWidget_control_panel->addTab(new LineagePage(window), LineagePage::tr("Lineage"));
+    window.tabWidget_control_panel->addTab(new HistoryPage(window), HistoryPage::tr("History"));
 }

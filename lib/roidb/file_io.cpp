@@ -3,6 +3,7 @@
 #include "error_line.h"
 #include "overwrite.h"
 #include "raw_io.h"
+#include "replacement_listener.h"
 
 #include <cerrno>
 #include <climits>
@@ -157,9 +158,14 @@ bool replacing_file::commit()
     flush();
     if (!_ok || _temporary.empty())
         return _ok;
-    _ok = ::fsync(_fd) == 0 && put_in_place();
+    _ok = ::fsync(_fd) == 0;
+    if (_ok) {
+        tell_before_replacing(_target, _temporary);
+        _ok = put_in_place();
+    }
     if (!_ok)
         _error = errno;
+    tell_after_replacing(_target, _ok);
     return _ok;
 }
 

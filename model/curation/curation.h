@@ -32,6 +32,7 @@
 class EditScope;
 class LongRun;
 struct open_step;
+struct restored_state;
 class unit_pixels;
 
 class curation {
@@ -80,6 +81,9 @@ public:
     }
     [[nodiscard]] const std::multimap<string, string>& links() const noexcept { return m_linkage_multimap; }
     [[nodiscard]] const set<string>& elite() const noexcept { return m_elite_head_roi_set; }
+    [[nodiscard]] const std::map<string, string>& members_head() const noexcept { return m_members_head; }
+    [[nodiscard]] const set<string>& tracked_forward() const noexcept { return m_fwd_roi_set; }
+    [[nodiscard]] const set<string>& tracked_backward() const noexcept { return m_bwd_roi_set; }
     [[nodiscard]] const set<string>& false_positives() const noexcept { return m_removed_roi_set; }
     [[nodiscard]] const set<string>& selected() const noexcept { return m_selected_roi_set; }
     [[nodiscard]] const set<string>& doubtful() const noexcept    // as of search_doubt_units()
@@ -216,7 +220,11 @@ private:
     friend class EditScope;
     friend class LongRun;
     friend class Observing;
-    friend class edit_history;
+    friend class kept_work;
+
+    // ---- Undo (undone.cpp)
+    void take_over(restored_state state);
+    void forget_what_is_gone();    // what was picked of units that an undone step has taken away
 
     // ---- Tracking
     void flood(const roi& r_from, int t, int z, double mor_t, double mor_z,

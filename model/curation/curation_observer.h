@@ -17,6 +17,12 @@ public:
     // A step has changed something and is complete. Who keeps it takes it.
     virtual void step_ended(edit_step&) {}
 
+    // A step was undone, or done again.
+    virtual void step_replayed(const edit_step&, bool /*forth*/) {}
+
+    // What an earlier run of the program has left was found, taken up or declined.
+    virtual void offers_changed() {}
+
     // A person begins to wait for a long operation, or need wait no longer.
     virtual void waiting_changed() {}
 

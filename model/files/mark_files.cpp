@@ -30,7 +30,7 @@ void read_mark_file(const std::string& filename, const std::string& dataset, con
     marks.merge(found);
 }
 
-void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+bool write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                      const std::set<std::string>& marks)
 {
     replacing_file file(filename);
@@ -41,5 +41,5 @@ void write_mark_file(const std::string& filename, const std::string& dataset, co
         file.append(key);
         file.append("\n");
     }
-    (void)file.commit_or_say("Cannot open ");    // nothing else is to be done
+    return file.commit_or_say("Cannot open ");
 }

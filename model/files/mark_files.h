@@ -12,7 +12,7 @@
 void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks);
 
-// Replaces the file at once. When that fails, "Cannot open " and its name on standard error; a second
+// Replaces the file at once. False when that fails: "Cannot open " and its name on standard error; a second
 // line tells why it could not be written once it was open.
-void write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+bool write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                      const std::set<std::string>& marks);

@@ -125,6 +125,26 @@ void roidb_plus::remove(const roi& r)
     tz_xy_db.erase(entry);
 }
 
+bool roidb_plus::put_record(roi r)
+{
+    change_revision();
+    const std::string key = keygen(r);
+    return db.emplace(key, std::move(r)).second;
+}
+
+bool roidb_plus::take_record(const std::string& key)
+{
+    change_revision();
+    return db.erase(key) > 0;
+}
+
+// The cursor must not be left on an entry that goes.
+void roidb_plus::index_changes()
+{
+    change_revision();
+    tz_iter = tz_xy_db.end();
+}
+
 int roidb_plus::t_min() const { return db.empty() ? 0 : time_point_of(db.begin()->first); }
 
 int roidb_plus::t_max() const { return db.empty() ? 0 : time_point_of(db.rbegin()->first); }

@@ -47,6 +47,11 @@ public:
     void remove(const std::string& key);
     void remove(const roi& r);
 
+    // ---- For whoever brings back what was there before: records and index entries, each by themselves
+    bool put_record(roi r);                      // false, and nothing changed, when its key is taken
+    bool take_record(const std::string& key);    // false when there is none
+    void index_changes();                        // to be called before the index is changed from outside
+
     // The first and the last time point; 0 when there is no ROI.
     [[nodiscard]] int t_min() const;
     [[nodiscard]] int t_max() const;

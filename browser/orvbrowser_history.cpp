@@ -1,0 +1,59 @@
+// Undo and redo, saving everything, taking up what was not saved.
+#include "orvbrowser.h"
+#include "replay.h"
+
+void ORVBrowser::undo() { show_step(m_work.undo()); }
+
+void ORVBrowser::redo() { show_step(m_work.redo()); }
+
+bool ORVBrowser::can_undo() const { return m_work.can_undo(); }
+
+bool ORVBrowser::can_redo() const { return m_work.can_redo(); }
+
+std::size_t ORVBrowser::unsaved_edits() const { return m_work.unsaved_edits(); }
+
+bool ORVBrowser::save_all()
+{
+    setCursor(Qt::WaitCursor);
+    const bool is_saved = m_work.save_all();
+    end_waiting();
+    return is_saved;
+}
+
+bool ORVBrowser::take_up_work() { return take_up_work(0); }
+
+bool ORVBrowser::take_up_work(std::size_t offer)
+{
+    if (!m_work.take_up(offer))
+        return false;
+    const edit_history& history = m_work.history();
+    show_step(history.can_undo() ? &history.next_to_undo() : nullptr);
+    return true;
+}
+
+// To any state there was or, undone, could be again: as many steps were done then.
+void ORVBrowser::go_to_step(std::size_t done)
+{
+    const edit_step* last = nullptr;
+    while (m_work.history().position() > done && can_undo())
+        last = m_work.undo();
+    while (m_work.history().position() < done && can_redo())
+        last = m_work.redo();
+    show_step(last);
+}
+
+// After it was undone, or done again: its place, unless something of it is on view.
+void ORVBrowser::show_step(const edit_step* step)
+{
+    if (!step)
+        return;
+    take_time_bounds();
+    step_place place;
+    if (find_place(*step, {m_time_point, m_focal_plane}, place)) {
+        if (place.t != m_time_point)
+            setCurrentTimePoint(place.t);
+        if (place.z != m_focal_plane)
+            setCurrentFocalPlane(place.z);
+    }
+    show_changes();
+}
