@@ -201,3 +201,210 @@ TEST_F(History, every_state_comes_back_in_this_run_and_from_the_journal)
             ASSERT_EQ(state_of(later), states[later.work.history().position()]);
     }
 }
+
+// The steps of a journal that ends anywhere: those that are whole, and nothing but them.
+TEST_F(History, a_torn_journal_gives_the_steps_that_are_whole)
+{
+    std::vector<state> states;
+    {
+        CurationProbe c;
+        ASSERT_TRUE(c.work.open(file));
+        states.push_back(state_of(c));
+        for (int t = 0; t < 3; ++t) {
+            c.make_units(t, 0);
+            states.push_back(state_of(c));
+        }
+        for (const auto& [key, r] : std::map(c.m_roidb->db)) {
+            if (states.size() == 9)
+                break;
+            c.toggle_elite(key);
+            states.push_back(state_of(c));
+        }
+    }
+    const std::string whole = journal();
+    std::size_t from = whole.size();
+    for (int lines = 0; lines < 9; ++lines)    // the last four steps
+        from = whole.rfind('\n', from - 1);
+    for (std::size_t size = ++from; size <= whole.size(); ++size) {
+        (void)folder.with("demo.journal", whole.substr(0, size));
+        const auto lines = std::ranges::count(whole.substr(from, size - from), '\n');
+        const std::size_t done = 4 + static_cast<std::size_t>(lines / 2);
+        {
+            CurationProbe c;
+            ASSERT_TRUE(c.work.open(file) && c.work.take_up());
+            ASSERT_EQ(c.work.history().position(), done);
+            ASSERT_EQ(state_of(c), states[done]);
+            c.toggle_elite("after it");
+        }
+        CurationProbe c;    // what was appended to a torn end can be read
+        ASSERT_TRUE(c.work.open(file) && c.work.take_up());
+        ASSERT_TRUE(c.isElite("after it") && c.work.history().position() == done + 1);
+    }
+}
+
+TEST_F(History, steps_are_taken_up_on_their_files_alone)
+{
+    {
+        CurationProbe c;
+        ASSERT_TRUE(c.work.open(file));
+        EXPECT_FALSE(fs::exists(folder.path("demo.journal"))) << "nothing is edited";
+        c.make_units(0, 0);
+        CurationProbe second;    // on the same file
+        ASSERT_TRUE(second.work.open(file));
+        second.make_units(0, 0);
+        EXPECT_NE(quiet.err.str().find("Another window works on this recording"), std::string::npos);
+        EXPECT_TRUE(second.work.undo());
+    }
+    const std::string good = journal(), rois = folder.contents("demo.roi");
+    const std::size_t line = good.find("\n+unit ");
+    const struct {
+        std::string journal, rois;
+        bool is_offered, is_kept;    // kept: the next edit goes on in it
+    } cases[] = {
+        {good, rois, true, true},
+        {good, rois + "1 1 1 1 2301\n", false, false},
+        {std::string(good).replace(8, 6, "1 other"), rois, false, false},
+        {std::string(good).replace(line, 3, "\n-u"), rois, true, true},    // a step that cannot be made
+        {good + "no event\nSTEP", rois, true, false},
+        {"no journal at all", rois, false, false},
+    };
+    for (const auto& [text, roi_text, is_offered, is_kept] : cases) {
+        for (const auto& entry : fs::directory_iterator(folder.path("")))
+            if (entry.path().extension() == ".gz")
+                fs::remove(entry);
+        (void)folder.with("demo.journal", text), (void)folder.with("demo.roi", roi_text);
+        CurationProbe c;
+        ASSERT_TRUE(c.work.open(file));
+        const state before = state_of(c);
+        EXPECT_EQ(!c.work.offers().empty(), is_offered) << text.substr(0, 80);
+        const bool is_taken_up = c.work.take_up();
+        EXPECT_EQ(is_taken_up, !is_offered || text == good || text.ends_with("STEP"));
+        EXPECT_TRUE((is_taken_up && is_offered) || state_of(c) == before);
+        c.toggle_elite("a branch");
+        EXPECT_FALSE(c.work.take_up()) << "edits were made";
+        int put_aside = 0;
+        for (const auto& entry : fs::directory_iterator(folder.path("")))
+            put_aside += entry.path().extension() == ".gz";
+        EXPECT_EQ(put_aside, is_kept ? 0 : 1);
+    }
+}
+
+TEST_F(History, saving_everything_keeps_what_was_there)
+{
+    (void)folder.with("demo.info", "NAME demo\nSELECT somebody-elses\n");
+    const std::string first = folder.contents("demo.roi");
+    CurationProbe c;
+    ASSERT_TRUE(c.work.open(file));
+    EXPECT_TRUE(c.work.save_all()) << "nothing to do";
+    const std::string a = c.m_roidb->db.begin()->first;
+    c.make_units(0, 0), c.toggle_selected(a), c.forwardTracking(0);
+    c.toggle_false_positive(c.m_roidb->db.rbegin()->first), c.drop_false_positives();
+    EXPECT_EQ(c.work.unsaved_edits(), 5U);
+    ASSERT_TRUE(c.rois().write(file)) << "a dialog saves its own kind alone";
+    EXPECT_EQ(c.work.unsaved_edits(), 4U) << "all but what changed ROIs only";
+    ASSERT_TRUE(c.work.undo());
+    ASSERT_TRUE(c.work.save_all());
+    EXPECT_EQ(c.work.unsaved_edits(), 0U);
+    ASSERT_TRUE(c.work.undo());
+    EXPECT_EQ(c.work.unsaved_edits(), 1U) << "saved, then one undone";
+    ASSERT_TRUE(c.work.save_all());
+    EXPECT_EQ(folder.contents("demo.roi"), first);
+    EXPECT_EQ(folder.contents("demo.info"), "NAME demo\nSELECT " + a + "\n");
+    int put_aside = 0;
+    for (const auto& entry : fs::directory_iterator(folder.path("")))
+        put_aside += entry.path().filename().native().starts_with("demo.info.");
+    EXPECT_EQ(put_aside, 1) << "what nobody had read";
+    EXPECT_NE(folder.contents("demo.roi~"), first);
+    fs::remove(folder.path("demo.fp")), fs::create_symlink("demo.fp", folder.path("demo.fp"));
+    c.toggle_false_positive(a), c.toggle_elite(a);
+    EXPECT_FALSE(c.work.save_all());
+    EXPECT_NE(quiet.err.str().find("demo.fp"), std::string::npos);
+    EXPECT_NE(folder.contents("demo.lineage").find("NAME demo"), std::string::npos)
+        << "the others are written";
+    EXPECT_GT(c.work.unsaved_edits(), 0U);
+    CurationProbe unnamed;
+    unnamed.open_rois(std::make_unique<roidb_plus>("x"));
+    EXPECT_FALSE(unnamed.work.save_all());
+}
+
+TEST_F(History, the_oldest_steps_go_first_and_the_count_of_unsaved_ones_stays)
+{
+    edit_history history(2000);
+    const auto step = [](int number) {
+        edit_step made("step " + std::to_string(number));
+        made.add(change_kind::elite, std::string(100, 'x'));
+        return made;
+    };
+    for (int i = 0; i < 50; ++i)
+        history.add(step(i));
+    EXPECT_GT(history.first(), 30U);
+    EXPECT_EQ(history.state().unsaved_steps(), 50U);
+    EXPECT_EQ(history.at(history.first()).title(), "step " + std::to_string(history.first()));
+    history.state().saved(all_files);
+    history.undone(), history.undone();
+    EXPECT_EQ(history.state().unsaved_steps(), 2U);
+    history.add(step(50));    // the two that were saved can no longer be done
+    EXPECT_EQ(history.state().unsaved_steps(), 3U);
+    history.undone();
+    EXPECT_EQ(history.state().unsaved_steps(), 2U);
+    while (history.can_undo())
+        history.undone();
+    EXPECT_EQ(history.position(), history.first());
+}
+
+// Killed at any moment, the work of until a tenth of a second before is there.
+TEST_F(History, a_crash_costs_nothing)
+{
+    for (int round = 0; round < 10; ++round) {
+        fs::remove(folder.path("demo.journal"));
+        int pipe_ends[2];
+        ASSERT_EQ(pipe(pipe_ends), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            CurationProbe c;
+            (void)c.work.open(file);
+            for (std::uint32_t steps = 1;; ++steps) {
+                c.toggle_elite("unit-" + std::to_string(steps % 7));
+                (void)!write(pipe_ends[1], &steps, sizeof steps);
+                usleep(500);
+            }
+        }
+        close(pipe_ends[1]);
+        usleep(20000 + 7919 * round);
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        std::uint32_t told = 0;
+        for (std::uint32_t steps = 0; read(pipe_ends[0], &steps, sizeof steps) == sizeof steps;)
+            told = steps;
+        close(pipe_ends[0]);
+        CurationProbe c;
+        ASSERT_TRUE(c.work.open(file) && c.work.take_up());
+        EXPECT_GE(c.work.history().position() + 200, told) << "of 100 ms";
+        EXPECT_LE(c.work.history().position(), told + 1);
+        EXPECT_GT(c.work.history().position(), 0U);
+    }
+}
+
+// What a full disk did not take is written once there is room.
+TEST_F(History, a_full_disk_delays_the_journal)
+{
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    {
+        CurationProbe c;
+        ASSERT_TRUE(c.work.open(file));
+        c.toggle_elite("first");
+        const rlimit small{200, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        for (int i = 0; i < 50; ++i)
+            c.toggle_elite("unit-" + std::to_string(i));
+        (void)c.work.save_all();
+        EXPECT_NE(quiet.err.str().find("demo.journal: File too large"), std::string::npos) << quiet.err.str();
+        setrlimit(RLIMIT_FSIZE, &before);
+        c.toggle_elite("last");
+    }
+    CurationProbe c;
+    ASSERT_TRUE(c.work.open(file) && c.work.take_up());
+    EXPECT_TRUE(c.isElite("last") && c.isElite("unit-49") && c.work.history().position() == 52);
+}
