@@ -345,12 +345,19 @@ void LineagePage::show_next_doubtful()
         _window.highlight(_last_doubtful);
 }
 
+// The passes begin once the switch itself is done: what goes on meanwhile may delete it.
 void LineagePage::toggle_auto_split(bool on)
 {
-    const QPointer<LineagePage> self(this);
     _window.pushButton_auto_split_toggled(on);
-    if (!on || _window.is_running())    // a loop that is going on reads the switch itself
+    if (on)
+        QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
+}
+
+void LineagePage::split_all()
+{
+    if (!auto_split->isChecked() || _window.is_running())    // a loop that is going on reads the switch itself
         return;
+    const QPointer<LineagePage> self(this);
     _window.pushButton_split_clicked();
     if (self)    // the window may have ended the loop itself
         auto_split->setChecked(false);

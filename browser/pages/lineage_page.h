@@ -66,6 +66,7 @@ private:
     void toggle_elite();
     void show_next_doubtful();
     void toggle_auto_split(bool on);
+    void split_all();
     void read_file();
     void save_file();
     void show_tree();

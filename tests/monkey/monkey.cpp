@@ -3,11 +3,15 @@
 // monkey [--actions N] [--seed S]: the same for the same seed, as far as the clock lets it. Ends with the
 // first broken rule, if any, and what led to it.
 #include "../support/captured_lines.h"
+#include "../support/curation_probe.h"
 #include "../support/editing.h"
+#include "../support/failing_reads.h"
 #include "../support/scripted_dialogs.h"
 #include "demo_files.h"
 #include "demo_random.h"
+#include "history_page.h"
 #include "lineage_page.h"
+#include "pages.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
@@ -74,6 +78,17 @@ public:
         (void)_folder.with("home/.orvbrowser", "DEFAULT #ff0000\nSELECTED nonsense\nREMOVED");
     }
 
+    // From now on some file cannot be read to its end; any that could not be can again.
+    void fail_one()
+    {
+        const std::string name = any();
+        _fault.reset();
+        std::error_code missing;
+        const auto size = fs::is_regular_file(name, missing) ? fs::file_size(name) : 0;
+        if (size > 0 && _random.chance(0.5))
+            _fault = std::make_unique<failing_reads>(name, _random.below(static_cast<int>(size)));
+    }
+
     // Garbles, cuts off, exchanges, removes or hides behind a folder one file.
     void swap_one() const
     {
@@ -101,6 +116,7 @@ private:
 
     demo_random& _random;
     temp_folder _folder;
+    std::unique_ptr<failing_reads> _fault;
 };
 
 // ---- The window as the program puts it together, and what holds in it between actions
@@ -110,10 +126,38 @@ public:
     MonkeyWindow()
     {
         setApplication(qApp);
-        tabWidget_control_panel->addTab(page, "Lineage");
+        add_pages(*this);
+        page = findChild<LineagePage*>();
     }
 
-    LineagePage* const page = new LineagePage(*this);
+    LineagePage* page = nullptr;
+
+    // The first rule of undo that is broken, or nothing: all steps back lead to the state of the start, as
+    // far as it was seen, and forth again to that of now.
+    [[nodiscard]] const char* broken_rule_of_undo()
+    {
+        if (!isOpen())
+            return nullptr;
+        const auto now = state_of(*this);
+        const std::size_t done = work().history().position();
+        while (can_undo())
+            undo();
+        const bool is_start =
+            work().history().position() > 0 || _start_of != recording() || _start == state_of(*this);
+        while (work().history().position() < done && can_redo())
+            redo();
+        return !is_start                ? "undoing everything gives the state of the start"
+               : now != state_of(*this) ? "redoing everything gives the state of the end"
+                                        : nullptr;
+    }
+
+    void remember_start()
+    {
+        if (!isOpen() || work().history().end() > 0 || _start_of == recording())
+            return;
+        _start = state_of(*this);
+        _start_of = recording();
+    }
 
     // The first rule that is broken, or nothing.
     [[nodiscard]] const char* broken_rule()
@@ -138,8 +182,13 @@ public:
     }
 
 private:
+    decltype(state_of(std::declval<const WindowProbe&>())) _start;
+    unsigned long _start_of = 0;    // the recording that it is of
+
     [[nodiscard]] bool may_be_used(const QWidget* w) const
     {
+        if (qobject_cast<const HistoryPage*>(w->parentWidget()))    // tests of its own
+            return w->isEnabled();
         const bool is_button = qobject_cast<const QPushButton*>(w);
         if (w == lineEdit_dataset || w == page->stop)
             return w == lineEdit_dataset && !isOpen();
@@ -169,6 +218,8 @@ public:
     {
         qputenv("HOME", _files.path("home").c_str());
         qputenv("XDG_CONFIG_HOME", "/dev/null");    // else file dialogs wait for the disk
+        for (const char* folder : {"XDG_RUNTIME_DIR", "XDG_STATE_HOME"})
+            qputenv(folder, _files.path("home").c_str());
         for (const char* folder : {"ORVBROWSER_IMAGE_ROOT", "PWD"})
             qputenv(folder, _files.path("").c_str());
         for (QTimer& timer : _timers) {    // one stays silent while it is served: the next acts inside it
@@ -190,10 +241,38 @@ public:
         _window->isOpen() || _random.chance(0.8) ? act_once() : click_button("read_roifile");
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return _window->broken_rule();
+        const char* rule = _window ? _window->broken_rule() : nullptr;
+        if (_window && !rule && action % 100 == 99)
+            rule = broken_rule_of_history();
+        if (_window)
+            _window->remember_start();
+        return rule;
     }
 
 private:
+    // The window's own undo; now and then the same in a program that starts afresh.
+    const char* broken_rule_of_history()
+    {
+        note("history");
+        if (const char* const rule = _window->broken_rule_of_undo())
+            return rule;
+        if (!_window->isOpen() || chance(0.7))
+            return nullptr;
+        const auto now = state_of(*_window);
+        const std::size_t unsaved = _window->unsaved_edits();
+        _window.reset();
+        CurationProbe afresh;
+        if (!afresh.work.open(_files.path("demo.roi")) || afresh.work.offers().empty() || unsaved == 0 ||
+            afresh.work.offers().front().edits !=
+                unsaved)    // another recording was open, or its file is another now
+            return nullptr;
+        if (!afresh.work.take_up())
+            return nullptr;    // a companion was changed behind its back
+        if (state_of(afresh) != now)
+            return "the journal brings back the state";
+        return nullptr;
+    }
+
     void act_once()
     {
         static const struct {
@@ -203,14 +282,14 @@ private:
         } kinds[] = {{"key", 13, &Monkey::press_any_key},   {"widget", 16, &Monkey::click_widget},
                      {"canvas", 14, &Monkey::click_canvas}, {"pointer", 9, &Monkey::move},
                      {"wheel", 8, &Monkey::turn_wheel},     {"text", 8, &Monkey::type},
-                     {"steps", 26, &Monkey::take_steps},    {"swap", 3, &Monkey::swap_file},
-                     {"window", 3, &Monkey::handle_window}};
+                     {"steps", 25, &Monkey::take_steps},    {"swap", 3, &Monkey::swap_file},
+                     {"focus", 1, &Monkey::focus},          {"window", 3, &Monkey::handle_window}};
         const auto* chosen = kinds;
         for (int number = below(100); (number -= chosen->weight) >= 0;)
             ++chosen;
         note(chosen->name);
         _user.answers = {any_answer(), any_answer()};
-        _window->show();
+        window().show();
         (this->*chosen->act)();
     }
 
@@ -221,8 +300,33 @@ private:
             return;
         if (--_patience < 0)
             _window->page->stop->click();
+        else if (chance(0.0005))
+            note("delete"), _window.reset();
         else if (chance(_meddling))
             act_once();
+    }
+
+    // The window goes when an action deletes it in a handler: what would act on it next finds another.
+    MonkeyWindow& window()
+    {
+        if (!_window)
+            _window = std::make_unique<MonkeyWindow>();
+        return *_window;
+    }
+
+    void focus()
+    {
+        const QPointer<QWidget> widget = any_widget(0);
+        widget->setFocus(Qt::TabFocusReason);
+    }
+
+    // As QTest::mouseClick, but for a widget that goes with the press.
+    static void click_at(QWidget* widget, Qt::MouseButton button, QPoint at)
+    {
+        const QPointer<QWidget> pressed = widget;
+        QTest::mousePress(widget, button, {}, at);
+        if (pressed)
+            QTest::mouseRelease(pressed, button, {}, at);
     }
 
     // ---- Choosing
@@ -245,12 +349,12 @@ private:
     {
         static const QRegularExpression kinds("Button|Slider|LineEdit|TabBar|SpinBox|TreeWindow|TextBrowser");
         if (chance(window_share))
-            return _window.get();
-        QList<QWidget*> controls = _window->findChildren<QWidget*>();
+            return &window();
+        QList<QWidget*> controls = window().findChildren<QWidget*>();
         controls.removeIf([](QWidget* w) { return !kinds.match(w->metaObject()->className()).hasMatch(); });
         QWidget* const control = any_of(controls);
-        if (_window->tabWidget_control_panel->indexOf(control->parentWidget()) >= 0)
-            _window->tabWidget_control_panel->setCurrentWidget(control->parentWidget());
+        if (window().tabWidget_control_panel->indexOf(control->parentWidget()) >= 0)
+            window().tabWidget_control_panel->setCurrentWidget(control->parentWidget());
         note(control->objectName());
         return control;
     }
@@ -258,11 +362,11 @@ private:
     // ---- One event
 
     void click_canvas() { click_roi(any_button()); }
-    void move() { move_pointer(*_window, below(170), below(170)); }
+    void move() { move_pointer(window(), below(170), below(170)); }
     void press(int key, int modifiers = 0, QWidget* in = nullptr)
     {
         note(QString::number(key, 16));
-        QTest::keyClick(in ? in : _window.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTest::keyClick(in ? in : &window(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     }
 
     void press_any_key()
@@ -281,22 +385,23 @@ private:
         if (chance(0.2))
             return QTest::mouseDClick(widget, button, {}, at);
         QTest::mousePress(widget, button, {}, at);
-        if (chance(0.2))
+        if (widget && chance(0.2))
             QTest::mouseMove(widget, any_point(widget));
-        QTest::mouseRelease(widget, button, {}, at);
+        if (widget)
+            QTest::mouseRelease(widget, button, {}, at);
     }
 
     // Answers with Yes, or with a file of its kind when it asks for one.
     void click_button(const QString& name)
     {
-        QPushButton* const button = any_of(_window->findChildren<QPushButton*>(QRegularExpression(name)));
+        QPushButton* const button = any_of(window().findChildren<QPushButton*>(QRegularExpression(name)));
         QString kind = button->objectName().section('_', -1).toLower();
         kind.replace(QRegularExpression("roifile|restore"), "roi").replace("file", "lineage");
         _user.answers = {QString::fromStdString(_files.of_kind('.' + kind.toStdString())), "&Yes"};
         if (kind == "links")
             _user.answers.removeFirst();
         note(button->objectName());
-        QTest::mouseClick(button, Qt::LeftButton);
+        click_at(button, Qt::LeftButton, button->rect().center());
     }
 
     // Several in a row that make sense: clicks on ROIs, a step in time, keys, and buttons.
@@ -306,7 +411,8 @@ private:
             QString("L . > A .;L . R .;L . M .;L . > S . . .;L . > S . . .;drop;, , drop;"
                     ". ward_tracking;. ward_tracking;. auto$ ward_tracking;. (auto|stop|z|select_all|reset)$;"
                     "make_units make_links;make_units elite make_links;^split;^split;^auto_split;"
-                    "^(pushButton_)?(read|save|restore);read_;save_;read_roifile")
+                    "^(pushButton_)?(read|save|restore);read_;save_;read_roifile;^undo$ ^undo$ "
+                    "^redo$;^save_all$;^take_up$")
                 .split(';');
         for (const QString& step : any_of(series).split(' '))
             step == "."        ? click_roi(Qt::LeftButton)
@@ -322,11 +428,11 @@ private:
         QPoint at;
         int tries = 60;
         do
-            at = any_point(_window.get()) / 4;    // where the image is
-        while (--tries > 0 && _window->xyROI(at.x(), at.y()).empty());
-        if (tries == 0 && _window->isOpen() && !_window->m_roidb->db.empty())
-            _window->view(any_of(_window->m_roidb->db).first);
-        click(*_window, at.x(), at.y(), button);
+            at = any_point(&window()) / 4;    // where the image is
+        while (--tries > 0 && window().xyROI(at.x(), at.y()).empty());
+        if (tries == 0 && window().isOpen() && !window().m_roidb->db.empty())
+            window().view(any_of(window().m_roidb->db).first);
+        click_at(&window(), button, window().frame_canvas->pos() + at);
     }
 
     void turn_wheel()
@@ -342,7 +448,7 @@ private:
     {
         static const QStringList texts{
             "", "0", "5", "-1", "3", "1e9", "99999999999", "Ω☃é", "other", " 4 ", QString(3000, 'x')};
-        QLineEdit* const field = any_of(_window->findChildren<QLineEdit*>());
+        QLineEdit* const field = any_of(window().findChildren<QLineEdit*>());
         field->selectAll();
         if (field->isEnabled())
             field->insert(any_of(texts));
@@ -350,23 +456,23 @@ private:
 
     void swap_file()
     {
-        chance(0.3) ? _files.restore() : _files.swap_one();
-        _window->dirty = true;    // the image on view may be another now
-        _window->repaint();
+        chance(0.3) ? _files.restore() : chance(0.3) ? _files.fail_one() : _files.swap_one();
+        window().dirty = true;    // the image on view may be another now
+        window().repaint();
     }
 
     void handle_window()
     {
         const int what = below(4);
-        what == 0   ? _window->resize(below(1200), below(1200))
-        : what == 1 ? _window->hide()
+        what == 0   ? window().resize(below(1200), below(1200))
+        : what == 1 ? window().hide()
         : what == 2 ? (void)any_widget(0)->window()->close()
-                    : _window->activateWindow();
+                    : window().activateWindow();
     }
 
     const std::uint64_t _seed;
     demo_random _random;
-    const SwappedFiles _files{_random};
+    SwappedFiles _files{_random};
     ScriptedDialogs _user{{}};
     std::unique_ptr<MonkeyWindow> _window;
     QTimer _timers[3];
