@@ -40,4 +40,6 @@ int main(int argc, char** argv)
     print_memory(data);
     std::puts("");
     print_growth(data);
+    std::puts("");
+    print_history(data);
 }

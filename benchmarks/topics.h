@@ -23,4 +23,5 @@ struct bench_data {
 int print_peak_memory_of(const std::string& filename);    // bench_files.cpp
 void print_memory(const bench_data& data);                // bench_files.cpp
 
-void print_growth(const bench_data& data);    // bench_growth.cpp
+void print_growth(const bench_data& data);     // bench_growth.cpp
+void print_history(const bench_data& data);    // bench_history.cpp

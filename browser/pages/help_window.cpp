@@ -51,6 +51,8 @@ const help_row keys[] = {
      QT_TRANSLATE_NOOP("HelpWindow",
                        "split the chosen nucleus: click on two parent units, then on the place of the cut")},
     {"E", QT_TRANSLATE_NOOP("HelpWindow", "mark or unmark the unit of the next click as elite")},
+    {"Ctrl+Z &nbsp; Ctrl+Shift+Z, Ctrl+Y", QT_TRANSLATE_NOOP("HelpWindow", "undo, redo: whatever it was")},
+    {"Ctrl+S", QT_TRANSLATE_NOOP("HelpWindow", "save everything that has changed beside the ROI file")},
     {"Tab",
      QT_TRANSLATE_NOOP("HelpWindow",
                        "to the buttons, sliders and fields; after use the keys are the canvas's again")},

@@ -97,14 +97,15 @@ bool erase_at(Map& map, const std::string& key, const Value& value, int position
 {
     const auto [first, last] = map.equal_range(key);
     auto found = last;
-    int i = 0;
-    for (auto entry = first; entry != last && (found == last || i <= position); ++entry, ++i)
-        if (entry->second == value && (found == last || i == position))
+    int at = 0;
+    for (auto entry = first; entry != last && (found == last || at <= position); ++entry, ++at)
+        if (entry->second == value && (found == last || at == position))
             found = entry;
     if (found == last)
         return false;
+    const bool is_exact = std::distance(first, found) == position;
     map.erase(found);
-    return true;
+    return is_exact;
 }
 
 template <class Map, class Value>

@@ -49,7 +49,11 @@ bool read_files(restored_state& state, const starting_points& start, const compa
     if (!state.rois->read_plus(files.names[0]))
         return false;
     const std::string& dataset = state.rois->name();
-    if (start.saved_in[static_cast<int>(kept_in::lineage)]) {
+    const auto is_read = [&](kept_in file) {
+        const auto i = static_cast<std::size_t>(file);
+        return start.saved_in[i] && !files.hashes[i].empty();    // else there was none, and is none
+    };
+    if (is_read(kept_in::lineage)) {
         std::optional<lineage> units =
             read_lineage(files.names[static_cast<int>(kept_in::lineage)], dataset, *state.rois);
         if (!units)
@@ -59,9 +63,9 @@ bool read_files(restored_state& state, const starting_points& start, const compa
         state.links = std::move(units->links);
         state.elite = std::move(units->elite);
     }
-    if (start.saved_in[static_cast<int>(kept_in::info)])
+    if (is_read(kept_in::info))
         state.selected = read_marks(files.names[static_cast<int>(kept_in::info)], dataset, "SELECT");
-    if (start.saved_in[static_cast<int>(kept_in::false_positives)])
+    if (is_read(kept_in::false_positives))
         state.false_positives =
             read_marks(files.names[static_cast<int>(kept_in::false_positives)], dataset, "FP");
     return true;
