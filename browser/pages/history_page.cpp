@@ -81,11 +81,7 @@ HistoryPage::HistoryPage(ORVBrowser& window) : QWidget(window.tabWidget_control_
                          tr("Leave it in the journal; it is offered again when the recording is opened"));
     connect(undo, &QPushButton::clicked, this, [this] { _window.undo(); });
     connect(redo, &QPushButton::clicked, this, [this] { _window.redo(); });
-    connect(save_all, &QPushButton::clicked, this, [this] {
-        if (_window.save_all())
-            say(tr("Saved"));
-        update_soon();
-    });
+    connect(save_all, &QPushButton::clicked, this, [this] { (void)_window.save_all(); });
     connect(take_up, &QPushButton::clicked, this, &HistoryPage::choose_offer);
     connect(not_now, &QPushButton::clicked, this, [this] { _window.decline_work(); });
     connect(history, &QListView::clicked, this, [this](const QModelIndex& row) {
@@ -145,19 +141,32 @@ void HistoryPage::offers_changed()
     say(tr("%1 were not saved: Take up, on the page History").arg(edits));
 }
 
+void HistoryPage::work_saved()
+{
+    update_soon();
+    if (_window.unsaved_edits() == 0)
+        say(tr("Everything is saved"));
+}
+
 // The newest at once; a menu when there are several.
 void HistoryPage::choose_offer()
 {
     const auto& offers = _window.work().offers();
     if (offers.size() < 2) {
-        (void)_window.take_up_work();
+        take_up_offer(0);
         return;
     }
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (std::size_t i = 0; i < offers.size(); ++i)
-        menu->addAction(edits_of(offers[i]), this, [this, i] { (void)_window.take_up_work(i); });
+        menu->addAction(edits_of(offers[i]), this, [this, i] { take_up_offer(i); });
     menu->popup(take_up->mapToGlobal(QPoint(0, take_up->height())));
+}
+
+void HistoryPage::take_up_offer(std::size_t number)
+{
+    if (_window.take_up_work(number))
+        say(tr("Taken up"));
 }
 
 void HistoryPage::say(const QString& text)

@@ -46,11 +46,13 @@ private:
     void waiting_changed() override { update_soon(); }
     void step_replayed(const edit_step& step, bool forth) override;
     void offers_changed() override;
+    void work_saved() override;
 
     QPushButton* add_button(const char* name, const QString& text, QRect place, const QString& tip);
     void update_soon();
     void update_controls();
     void choose_offer();
+    void take_up_offer(std::size_t number);
     void say(const QString& text);
 
     ORVBrowser& _window;

@@ -355,7 +355,8 @@ void LineagePage::toggle_auto_split(bool on)
 
 void LineagePage::split_all()
 {
-    if (!auto_split->isChecked() || _window.is_running())    // a loop that is going on reads the switch itself
+    if (!auto_split->isChecked() ||
+        _window.is_running())    // a loop that is going on reads the switch itself
         return;
     const QPointer<LineagePage> self(this);
     _window.pushButton_split_clicked();

@@ -20,6 +20,9 @@ public:
     // A step was undone, or done again.
     virtual void step_replayed(const edit_step&, bool /*forth*/) {}
 
+    // Files beside the recording have been saved.
+    virtual void work_saved() {}
+
     // What an earlier run of the program has left was found, taken up or declined.
     virtual void offers_changed() {}
 

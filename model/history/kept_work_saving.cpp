@@ -34,6 +34,7 @@ bool kept_work::save_all()
     if (_writer && !_writer->sync())
         tell_failure();
     rotate_journal();
+    _model.tell(&curation_observer::work_saved);
     return is_saved;
 }
 
@@ -103,4 +104,5 @@ void kept_work::after_replacing(const std::string& target, bool is_replaced)
     _history.state().saved(bit_of(file));
     if (_writer)
         note(journal_text::saved(file, _coming));
+    _model.tell(&curation_observer::work_saved);
 }
