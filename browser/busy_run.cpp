@@ -14,7 +14,7 @@ BusyRun::~BusyRun()
     if (!_window || --_window->m_busy_runs > 0)
         return;
     _window->show_mode_cursor();
-    _window->setTrackingButtonsEnabled(_window->isOpen());
+    _window->setTrackingButtonsEnabled(_window->has_rois());
     // A disabled button hands the keyboard to another one: it belongs to the canvas.
     if (!qobject_cast<QLineEdit*>(_window->focusWidget()))
         _window->frame_canvas->setFocus();

@@ -59,6 +59,7 @@ public:
     [[nodiscard]] int time_point() const noexcept { return m_time_point; }
     [[nodiscard]] int focal_plane() const noexcept { return m_focal_plane; }
     [[nodiscard]] QColor color_of(int state) const { return color[state]; }    // an OR of roi_colors.h
+    void change_info(const recording_info& info);    // sizes and focal planes of the recording, a step
     [[nodiscard]] bool is_waited_for() const noexcept { return m_busy_runs > 0; }
     void highlight(const string& unit);    // shows its ROIs as if the pointer were on them, until it moves
     void show_changes();                   // marks the picture as out of date and paints it at once
@@ -267,6 +268,7 @@ private:
     [[nodiscard]] string image_filename();
     void reset_recording_state();
     void take_time_bounds();
+    void take_focal_planes();
     void show_step(const edit_step* step);
 
     // ---- Files
@@ -285,6 +287,7 @@ private:
     void toggle_lineage_mode();
     void light_roi(const string& key);
     void click_in_lineage_modes(const string& key);
+    void link_by_hand(const string& a, const string& b);
     void mark_roi(const string& key, Qt::MouseButton button);
     void click_in_split_mode(const string& key, bool left, QPoint at);
     void click_in_merge_mode(const string& key);
@@ -327,6 +330,8 @@ private:
     std::array<QCursor, modes> m_cursor_before;    // the cursor shown before each mode
     const Observing m_observing{*this, *this};
     kept_work m_work{*this};
+    std::optional<plane_range>
+        m_planes_before;    // the bounds that were in force before a recording set its own
     bool m_is_mirroring_time = false;
     bool m_is_mirroring_plane = false;
     int m_drawn_time_point = -1;    // the position of the picture in m_pix

@@ -14,7 +14,7 @@ namespace {
 const QString roi_filter = QStringLiteral("roi file (*.roi)");
 
 // The first words of our other files.
-constexpr std::string_view other_keywords[] = {"NAME", "TRACK"};
+constexpr std::string_view other_keywords[] = {"NAME", "TRACK", "JOURNAL"};
 
 bool holds_a_nul_byte(const std::string& filename)
 {
@@ -59,6 +59,7 @@ bool ORVBrowser::openRoiFile(const string& filename)
     if (was_read) {
         open_recording(std::move(roidb));
         m_work.opened(filename);
+        take_focal_planes();
     }
     end_waiting();
     return was_read;
@@ -118,6 +119,7 @@ void ORVBrowser::save_rois(const string& filename)
         return;
     }
     setCursor(Qt::WaitCursor);
+    const kept_work::Writing writing(*this);
     m_roidb->write(filename);    // says so itself when it fails
     end_waiting();
 }

@@ -47,7 +47,9 @@ void ORVBrowser::show_step(const edit_step* step)
 {
     if (!step)
         return;
-    take_time_bounds();
+    if (m_roidb && step->concerns(kept_in::rois))
+        take_time_bounds();
+    take_focal_planes();
     step_place place;
     if (find_place(*step, {m_time_point, m_focal_plane}, place)) {
         if (place.t != m_time_point)

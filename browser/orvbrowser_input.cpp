@@ -1,4 +1,5 @@
 // Keys, wheel and pointer, and the modes that tell what a click does.
+#include "edit_scope.h"
 #include "keygen.h"
 #include "orvbrowser.h"
 
@@ -241,13 +242,26 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
         choose(unit);
         setLineageMode(false);
     } else if (m_remove_lineage_mode) {
+        const EditScope edit(*this, "Unlink", unit);
         release_parents(unit);
+        note_edited(unit);
         setRemoveLineageMode(false);
     } else {
         if (!m_lineage_mode_roi_set.empty())
-            link(*m_lineage_mode_roi_set.begin(), unit);
+            link_by_hand(chosen(), unit);
         setAddLineageMode(false);
     }
+}
+
+void ORVBrowser::link_by_hand(const string& a, const string& b)
+{
+    const EditScope edit(*this, "Link", a, b);
+    const unsigned long before = edits();
+    link(a, b);
+    if (edits() == before)
+        return;
+    note_edited(a);
+    note_edited(b);
 }
 
 void ORVBrowser::mark_roi(const string& key, Qt::MouseButton button)
@@ -277,7 +291,13 @@ void ORVBrowser::click_in_split_mode(const string& key, bool left, QPoint at)
 
 void ORVBrowser::click_in_merge_mode(const string& key)
 {
-    if (!m_lineage_mode_roi_set.empty())
-        mergeUnits(head(*m_lineage_mode_roi_set.begin()), head(key));
+    if (!m_lineage_mode_roi_set.empty()) {
+        const string a = head(chosen());
+        const EditScope edit(*this, "Merge", a, head(key));
+        const unsigned long before = edits();
+        mergeUnits(a, head(key));
+        if (edits() != before)
+            note_edited(chosen());    // under its new name
+    }
     setMergeMode(false);
 }

@@ -24,8 +24,8 @@ void ORVBrowser::read_marks(const file_question& question, const char* suffix, c
     if (filename.empty() || !self || !is_there(filename))
         return;
     set<string> marks;
-    read_mark_file(filename, m_dataset, keyword, marks);
-    note_read(filename);
+    if (read_mark_file(filename, m_dataset, keyword, marks))
+        note_read(filename);
     (this->*add)(marks);
     show_changes();
 }
@@ -39,6 +39,7 @@ void ORVBrowser::save_marks(QPushButton& button, const file_question& question, 
     const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
     if (!self)
         return;
+    const kept_work::Writing writing(*this);
     if (is_wanted)
         (void)write_mark_file(native_name(filename), m_dataset, keyword, marks);
     button.setEnabled(true);

@@ -240,6 +240,7 @@ void ORVBrowser::read_common()
 // The heads picked in the add and remove modes stay.
 void ORVBrowser::reset_recording_state()
 {
+    forget_recording();
     forget_everything();
     for (bool* flag :
          {&m_auto, &m_manual_elite, &m_lineage_mode, &m_show_tracked_rois_mode, &m_add_lineage_mode,
@@ -265,6 +266,7 @@ void ORVBrowser::close_common()
     m_q_roiimgdb.reset();
     announce_recording();
     lineEdit_dataset->setEnabled(true);
+    take_focal_planes();
     setCurrentTimePoint(0);
     setCurrentFocalPlane(0);
     m_pix = QPixmap();
@@ -283,4 +285,28 @@ void ORVBrowser::take_time_bounds()
     if (m_time_point != within(m_time_point, m_min_time_point, m_max_time_point) ||
         m_time_point != slider_time_point->value())
         setCurrentTimePoint(m_time_point);
+}
+
+// A recording may tell its focal planes; the bounds of before are in force again when it is closed.
+void ORVBrowser::take_focal_planes()
+{
+    std::optional<plane_range> planes = has_rois() ? m_info.focal_planes : std::nullopt;
+    if (!m_planes_before && planes)
+        m_planes_before = plane_range{m_min_focal_plane, m_max_focal_plane};
+    if (!planes)
+        planes = std::exchange(m_planes_before, std::nullopt);
+    if (!planes)
+        return;
+    setMaxFocalPlane(planes->last);
+    setMinFocalPlane(planes->first);
+    if (m_focal_plane != within(m_focal_plane, planes->first, planes->last) ||
+        m_focal_plane != slider_focal_plane->value())
+        setCurrentFocalPlane(m_focal_plane);
+}
+
+void ORVBrowser::change_info(const recording_info& info)
+{
+    set_info(info);
+    take_focal_planes();
+    show_changes();
 }

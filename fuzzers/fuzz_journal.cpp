@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const companions files = small_files();
     const std::string events(reinterpret_cast<const char*>(data), size);
-    const journal read("JOURNAL 1 emb\nBASE 2026-11-21T14:32:10Z " + files.hashes[0] + " whole\n" + events);
+    const journal read("JOURNAL 1 emb\nBASE 2026-11-21T14:32:10Z " + files.hashes[0] + "\n" + events);
     for (const journal_stretch& stretch : read.stretches()) {
         (void)unsaved_in(stretch, files);
         if (std::optional<restored_state> state = restore(stretch, files))

@@ -94,7 +94,7 @@ int score(const tool_arguments& arguments)
     if (!known)
         return exit_refused;
     const auto made =
-        is_made ? make_lineage(roi_file, rois, *choice)
+        is_made ? make_lineage(roi_file, *choice)
                 : read_lineage(arguments.value("lineage", beside(roi_file, ".lineage")), rois.name(), rois);
     if (!made)
         return exit_refused;

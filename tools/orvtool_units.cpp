@@ -37,7 +37,7 @@ int units(const tool_arguments& arguments)
     roidb_plus rois("");
     if (!rois.read_plus(arguments.files.front()))
         return exit_refused;
-    const auto made = make_lineage(arguments.files.front(), rois, *choice);
+    const auto made = make_lineage(arguments.files.front(), *choice);
     if (!made || (arguments.has("out") && !write_lineage(target, rois.name(), *made)))
         return exit_refused;
     print(count(*made));

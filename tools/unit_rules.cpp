@@ -1,10 +1,9 @@
 #include "unit_rules.h"
 
-#include "q_roiimg.h"
+#include "curation.h"
 
 #include <charconv>
 #include <iostream>
-#include <memory>
 
 namespace {
 
@@ -18,78 +17,37 @@ bool parse_share(const std::string& text, double& share)
     return true;
 }
 
-// The ROIs of one time point in the order of their keys, and the units made of them.
-struct frame {
-    std::vector<const std::string*> keys;
-    std::vector<std::unique_ptr<q_roiimg>> owned;
-    std::vector<const roi_mask*> rasters;
-    std::vector<const std::string*> heads;
-
-    void add(const std::string& key, const roi& r)
-    {
-        keys.push_back(&key);
-        owned.push_back(std::make_unique<q_roiimg>(r));
-        owned.back()->map();
-        rasters.push_back(owned.back().get());
-    }
-
-    // The rasters of each unit.
-    [[nodiscard]] std::vector<unit_rasters> group(const nearest_rule& rule, lineage& made)
-    {
-        std::vector<unit_rasters> units;
-        for (const roi_group& group : group_nearest(rasters, rule)) {
-            heads.push_back(keys[group.front()]);
-            unit_rasters& unit = units.emplace_back();
-            for (const std::size_t i : group) {
-                unit.push_back(rasters[i]);
-                made.head_members.emplace(*heads.back(), *keys[i]);
-            }
-        }
-        return units;
-    }
-};
-
 }    // namespace
 
-std::optional<rule_choice> chosen_rule(const tool_arguments& arguments)
+std::optional<making> chosen_rule(const tool_arguments& arguments)
 {
     constexpr const char* rules[] = {"nearest", "overlap"};
     const auto rule = one_of(arguments, "rule", rules);
     if (!rule)
         return std::nullopt;
-    rule_choice choice;
+    making choice;
     if (*rule == "overlap")
-        choice = {unit_rule::overlap, 0};
+        choice = {.rule = unit_rule::overlap, .share = 0};
     if (!arguments.has("share") || parse_share(arguments.value("share", ""), choice.share))
         return choice;
     refuse_use("no value for --share: " + arguments.value("share", ""));
     return std::nullopt;
 }
 
-std::optional<lineage> make_lineage(const std::string& roi_file, const roidb& rois, const rule_choice& choice)
+std::optional<lineage> make_lineage(const std::string& roi_file, const making& choice)
 {
-    if (choice.rule == unit_rule::overlap)
-        return lineage_by_overlap(roi_file, choice.share);
-    return lineage_by_nearest(rois, {.share = choice.share});
-}
-
-lineage lineage_by_nearest(const roidb& rois, const nearest_rule& grouping, const linking_rule& linking)
-{
-    lineage made;
-    unit_linker linker({}, linking);
-    frame before;    // its rasters are compared with those of the next time point
-    for (auto next = rois.db.begin(); next != rois.db.end();) {
-        const int t = next->second.t();
-        frame now;
-        for (; next != rois.db.end() && next->second.t() == t; ++next)
-            now.add(next->first, next->second);
-        if (!before.owned.empty() && before.owned.front()->t() + 1LL != t)
-            linker.follow({}, {});    // time points without ROIs lie between
-        for (const unit_link& link : linker.link(now.group(grouping, made)))
-            made.links.emplace(*now.heads[link.child], *before.heads[link.parent]);
-        before = std::move(now);
-    }
-    return made;
+    auto rois = std::make_unique<roidb_plus>("");
+    if (!rois->read_plus(roi_file))
+        return std::nullopt;
+    curation model;
+    model.open_rois(std::move(rois));
+    model.take_info(read_recording_file(recording_file_of(roi_file)));
+    for (int t = model.min_time_point(); t <= model.max_time_point(); ++t)
+        model.make_units(t, choice);
+    link_making links(model, choice);
+    for (int t = model.min_time_point() + 1; t <= model.max_time_point(); ++t)
+        links.step(t);
+    return model.current_lineage();
 }
 
 lineage_counts count(const lineage& made)

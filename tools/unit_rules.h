@@ -1,30 +1,15 @@
 // unit_rules.h - units and links of a whole recording by one of the rules that make them.
 #pragma once
-#include "grouping.h"
 #include "lineage_file.h"
-#include "linking.h"
+#include "making.h"
 #include "orvtool.h"
 
-enum class unit_rule { nearest, overlap };
-
-struct rule_choice {
-    unit_rule rule = unit_rule::nearest;
-    double share = nearest_rule().share;    // overlap: of the larger outline, 0 one pixel
-};
-
 // What --rule and --share ask for; nothing, after one line on standard error, when they are wrong.
-[[nodiscard]] std::optional<rule_choice> chosen_rule(const tool_arguments& arguments);
+[[nodiscard]] std::optional<making> chosen_rule(const tool_arguments& arguments);
 
-// The units and links of all ROIs. `roi_file` is the file that they were read from. Nothing, after one line
-// on standard error, when it cannot be read again.
-[[nodiscard]] std::optional<lineage> make_lineage(const std::string& roi_file, const roidb& rois,
-                                                  const rule_choice& choice);
-
-[[nodiscard]] lineage lineage_by_nearest(const roidb& rois, const nearest_rule& grouping = {},
-                                         const linking_rule& linking = {});
-
-// In overlap_rule.cpp.
-[[nodiscard]] std::optional<lineage> lineage_by_overlap(const std::string& roi_file, double share);
+// The units and links of all ROIs, as the window makes them. Nothing, after one line on standard error, when
+// the file cannot be read.
+[[nodiscard]] std::optional<lineage> make_lineage(const std::string& roi_file, const making& choice);
 
 struct lineage_counts {
     std::size_t units = 0;

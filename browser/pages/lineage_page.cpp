@@ -4,6 +4,7 @@
 #include "edit_scope.h"
 #include "file_dialogs.h"
 #include "help_window.h"
+#include "making_dialog.h"
 #include "tree_window.h"
 
 #include <QLineEdit>
@@ -15,8 +16,8 @@
 
 namespace {
 
-// Gives the best units on recordings whose truth is known: docs/units.md.
-constexpr double default_overlap = 0;
+// By unit_rule: these give the best units on recordings whose truth is known (docs/units.md).
+constexpr double default_shares[] = {nearest_rule().share, 0};
 constexpr int count_after_ms = 300;    // several changes are counted in one go
 
 struct button_row {
@@ -31,14 +32,13 @@ const button_row buttons[] = {
     {&LineagePage::make_units,
      "make_units",
      QT_TRANSLATE_NOOP("LineagePage", "Make units"),
-     {8, 4, 90, 26},
+     {8, 4, 84, 26},
      QT_TRANSLATE_NOOP("LineagePage", "Group the ROIs of the whole recording across planes into units")},
     {&LineagePage::make_links,
      "make_links",
      QT_TRANSLATE_NOOP("LineagePage", "Make links"),
-     {228, 4, 90, 26},
-     QT_TRANSLATE_NOOP("LineagePage",
-                       "Link overlapping units of successive time points, in place of the links there are")},
+     {236, 4, 82, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Link the units of successive time points by the rule chosen")},
     {&LineagePage::elite,
      "elite",
      QT_TRANSLATE_NOOP("LineagePage", "Elite"),
@@ -94,6 +94,11 @@ const button_row buttons[] = {
      QT_TRANSLATE_NOOP("LineagePage", "Help"),
      {438, 32, 60, 26},
      QT_TRANSLATE_NOOP("LineagePage", "Keys, mouse, modes and colours")},
+    {&LineagePage::scale,
+     "scale",
+     QT_TRANSLATE_NOOP("LineagePage", "Scale"),
+     {498, 32, 60, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Sizes of pixels and focal-plane steps, interval, and focal planes")},
     {&LineagePage::reload_colors,
      "reload_colors",
      QT_TRANSLATE_NOOP("LineagePage", "Reload colours"),
@@ -155,16 +160,23 @@ void LineagePage::create_controls()
     }
     auto_split->setCheckable(true);
 
-    auto* const caption = new QLabel(tr("Overlap"), this);
-    caption->setGeometry(104, 4, 56, 26);
+    rule = new QComboBox(this);
+    rule->setObjectName("rule");
+    rule->setGeometry(94, 4, 84, 26);
+    rule->addItems({tr("Nearest"), tr("Overlap")});
+    rule->setToolTip(
+        tr("Nearest: ROIs go with the nearest ones of the next plane, units with the nearest ones of the "
+           "next time point. Overlap: with all that they share pixels with"));
+    rule->setFocusPolicy(Qt::NoFocus);
     overlap = new QDoubleSpinBox(this);
     overlap->setObjectName("overlap");
-    overlap->setGeometry(160, 4, 62, 26);
+    overlap->setGeometry(180, 4, 54, 26);
     overlap->setRange(0, 0.95);
     overlap->setSingleStep(0.05);
-    overlap->setValue(default_overlap);
+    overlap->setValue(default_shares[0]);
     overlap->setToolTip(
-        tr("Share of the larger outline that outlines of one unit share between planes; 0: one pixel"));
+        tr("What outlines of one unit share between planes: of the smaller outline (Nearest), of the "
+           "larger one (Overlap; 0: one pixel)"));
     overlap->setFocusPolicy(Qt::NoFocus);
     for (QLineEdit* field : overlap->findChildren<QLineEdit*>())
         field->setFocusPolicy(Qt::NoFocus);
@@ -186,6 +198,9 @@ void LineagePage::connect_controls()
     ORVBrowser* const window = &_window;
     connect(make_units, &QPushButton::clicked, this, &LineagePage::make_all_units);
     connect(make_links, &QPushButton::clicked, this, &LineagePage::make_all_links);
+    connect(rule, &QComboBox::currentIndexChanged, this,
+            [this](int chosen) { overlap->setValue(default_shares[chosen]); });
+    connect(scale, &QPushButton::clicked, this, [this] { edit_scale(_window); });
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
     connect(doubtful, &QPushButton::clicked, this, &LineagePage::show_next_doubtful);
     connect(dead_end, &QPushButton::clicked, window, &ORVBrowser::pushButton_dead_end_clicked);
@@ -233,6 +248,7 @@ void LineagePage::enable_controls()
     for (const button_row& row : buttons)
         (this->*row.button)->setEnabled(is_open && !is_busy);
     overlap->setEnabled(is_open && !is_busy);
+    rule->setEnabled(is_open && !is_busy);
     auto_split->setEnabled(is_open && (!is_busy || auto_split->isChecked()));
     stop->setEnabled(is_busy);
     help->setEnabled(true);
@@ -268,9 +284,8 @@ void LineagePage::show_numbers()
 }
 
 // Runs step() for the time points from `first` to the last, and lets events be processed in between.
-void LineagePage::run_over_time(const char* what, int first, const std::function<void(int)>& step)
+bool LineagePage::run_over_time(int first, const std::function<void(int)>& step)
 {
-    const EditScope edit(_window, what);
     const int last = _window.max_time_point();
     BusyRun run(_window);
     const QPointer<LineagePage> self(this);
@@ -284,35 +299,90 @@ void LineagePage::run_over_time(const char* what, int first, const std::function
         progress->setValue(t);
         step(t);
         if (!run.alive() || !run.process_events())
-            return;
+            return false;
         run.checkpoint();
     }
-    _window.finish();
+    return !_stop_asked;
+}
+
+making LineagePage::chosen_making() const
+{
+    return {static_cast<unit_rule>(rule->currentIndex()), overlap->value(), spared::what_is};
+}
+
+// Where there are units, what would come of it is said first. False when nothing is to be done.
+bool LineagePage::ask_about_units(making& how)
+{
+    if (_window.head_members().empty())
+        return true;
+    making_counts counts;
+    const QPointer<LineagePage> self(this);
+    const bool is_counted = run_over_time(_window.min_time_point(), [&](int t) {
+        counts.now += _window.units(t).size();
+        for (const auto& [spares, count] : {std::pair(spared::nothing, &counts.all_anew),
+                                            {spared::what_is, &counts.only_free},
+                                            {spared::touched, &counts.untouched}})
+            *count += _window.units_after_making(t, {how.rule, how.share, spares}).value_or(0);
+    });
+    if (!self || !is_counted)
+        return false;
+    const std::optional<spared> answer = ask_what_to_spare(this, tr("Make units? -- ORVBrowser"), tr("units"),
+                                                           tr("Only ROIs in no unit"), counts);
+    how.spares = answer.value_or(spared::what_is);
+    return answer && self && _window.isOpen();
+}
+
+bool LineagePage::ask_about_links(making& how)
+{
+    if (_window.links().empty())
+        return true;
+    making_counts counts;
+    counts.now = _window.links().size();
+    const QPointer<LineagePage> self(this);
+    bool is_counted = true;
+    for (const auto& [spares, count] : {std::pair(spared::nothing, &counts.all_anew),
+                                        {spared::what_is, &counts.only_free},
+                                        {spared::touched, &counts.untouched}}) {
+        link_making links(_window, {how.rule, how.share, spares});
+        is_counted = is_counted && self &&
+                     run_over_time(_window.min_time_point() + 1,
+                                   [&, to = count](int t) { *to += links.count(t).value_or(0); });
+    }
+    if (!self || !is_counted)
+        return false;
+    const std::optional<spared> answer = ask_what_to_spare(this, tr("Make links? -- ORVBrowser"), tr("links"),
+                                                           tr("Only units without a parent"), counts);
+    how.spares = answer.value_or(spared::what_is);
+    return answer && self && _window.isOpen();
 }
 
 void LineagePage::make_all_units()
 {
-    const double share = overlap->value();
-    run_over_time("Make units", _window.min_time_point(),
-                  [this, share](int t) { _window.make_units(t, share); });
-}
-
-bool LineagePage::may_drop_links()
-{
-    return _window.links().empty() ||
-           ask_yes_or_no(this, tr("Make links? -- ORVBrowser"),
-                         tr("There are links already. Do you want to replace them?"), QMessageBox::No);
+    making how = chosen_making();
+    if (!ask_about_units(how))
+        return;
+    const QPointer<LineagePage> self(this);
+    {
+        const EditScope edit(_window, "Make units");
+        (void)run_over_time(_window.min_time_point(), [&](int t) { _window.curation::make_units(t, how); });
+    }
+    if (self)
+        _window.finish();
 }
 
 void LineagePage::make_all_links()
 {
-    const QPointer<LineagePage> self(this);
-    if (!may_drop_links() || !self || !_window.isOpen())
+    making how = chosen_making();
+    if (!ask_about_links(how))
         return;
-    run_over_time("Make links", _window.min_time_point() + 1, [this](int t) {
-        _window.drop_links_into(t);
-        _window.makeLinkage(t);
-    });
+    const QPointer<LineagePage> self(this);
+    {
+        const EditScope edit(_window, "Make links");
+        link_making links(_window, how);
+        (void)run_over_time(_window.min_time_point() + 1, [&](int t) { (void)links.step(t); });
+    }
+    if (self)
+        _window.finish();
 }
 
 void LineagePage::toggle_elite()
@@ -331,7 +401,8 @@ void LineagePage::show_next_doubtful()
         _last_doubtful.clear();
     _walked_recording = _window.recording();
     _window.search_doubt_units();
-    const std::set<std::string>& candidates = _window.doubtful();
+    std::set<std::string> candidates = _window.doubtful();
+    std::erase_if(candidates, [this](const std::string& unit) { return _window.is_false(unit); });
     if (candidates.empty()) {
         std::cout << "Doubt units: none" << std::endl;
         return;
@@ -390,6 +461,7 @@ void LineagePage::save_file()
     const bool is_wanted = !filename.isEmpty() && may_write(this, filename);
     if (!self)
         return;
+    const kept_work::Writing writing(_window);
     if (is_wanted && _window.isOpen())
         write_lineage(native_name(filename), _window.dataset(), _window.current_lineage());
     enable_controls();

@@ -4,6 +4,7 @@
 #include "lineage_tally.h"
 #include "orvbrowser.h"
 
+#include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QPointer>
@@ -29,7 +30,9 @@ public:
 
     // ---- Controls; owned by the page
     QPushButton* make_units = nullptr;
-    QDoubleSpinBox* overlap = nullptr;    // share of the larger outline, 0 to 0.95
+    QComboBox* rule = nullptr;            // unit_rule
+    QDoubleSpinBox* overlap = nullptr;    // its share, 0 to 0.95
+    QPushButton* scale = nullptr;
     QPushButton* make_links = nullptr;
     QPushButton* elite = nullptr;
     QPushButton* doubtful = nullptr;
@@ -72,8 +75,11 @@ private:
     void show_tree();
     void show_help();
 
-    void run_over_time(const char* what, int first, const std::function<void(int)>& step);
-    [[nodiscard]] bool may_drop_links();
+    // False when it was stopped, or the recording closed.
+    bool run_over_time(int first, const std::function<void(int)>& step);
+    [[nodiscard]] making chosen_making() const;
+    [[nodiscard]] bool ask_about_units(making& how);
+    [[nodiscard]] bool ask_about_links(making& how);
 
     ORVBrowser& _window;
     const Observing _observing{_window, *this};

@@ -47,6 +47,18 @@ std::optional<std::vector<roi>> later_rois(const std::string& filename, const st
     return std::nullopt;
 }
 
+// Whether these are the ROIs after time point t, and all of them.
+bool are_there(const std::vector<roi>& later, const std::map<std::string, roi>& rois, int t)
+{
+    std::size_t same = 0;
+    for (const roi& r : later) {
+        const auto found = rois.find(keygen(r));
+        same += found != rois.end() && found->second == r;
+    }
+    const auto is_later = [t](const auto& entry) { return entry.second.t() > t; };
+    return same == later.size() && std::ranges::count_if(rois, is_later) == static_cast<std::ptrdiff_t>(same);
+}
+
 }    // namespace
 
 curation::curation()
@@ -111,6 +123,8 @@ void curation::forget_everything()
                        &m_split_parents, &m_elite_head_roi_set})
         keys->clear();
     m_smallest_enclosing_circle.clear();
+    m_unit_notes.clear();
+    m_info = {};
     m_head_members.clear();
     m_members_head.clear();
     m_linkage_multimap.clear();
@@ -143,6 +157,7 @@ lineage curation::current_lineage() const
     for (const string& head : m_elite_head_roi_set)
         if (is_unit(head))
             units.elite.insert(units.elite.end(), head);
+    put_notes(m_unit_notes, units);
     return units;
 }
 
@@ -156,6 +171,8 @@ void curation::replace_lineage(lineage units)
         enter_link(child, parent);
     for (const string& head : units.elite)
         set_mark(change_kind::elite, head, true);
+    for (const string& note : notes_of(units))
+        add_note(note);
     // What was picked may be no unit any more.
     m_lineage_mode_roi_set.clear();
     m_split_parents.clear();
@@ -172,6 +189,14 @@ void curation::forget_lineage()
     while (!m_linkage_multimap.empty())
         remove_link(m_linkage_multimap.begin());
     clear_marks(change_kind::elite);
+    while (!m_unit_notes.empty())
+        remove_note(string(*m_unit_notes.begin()));
+}
+
+void curation::set_info(const recording_info& info)
+{
+    const EditScope step(*this, "Scale");
+    enter_info(info);
 }
 
 void curation::reset()
@@ -192,6 +217,8 @@ void curation::reset()
 
 void curation::drop_false_positives()
 {
+    if (!m_roidb)
+        return;
     const EditScope step(*this, "Drop FP");
     for (const string& key : m_removed_roi_set)
         remove_roi(key);
@@ -201,9 +228,11 @@ void curation::drop_false_positives()
 // What the file brings may lie outside the bounds of before, or end earlier.
 bool curation::restore_rois(const string& filename, int t)
 {
-    const std::optional<std::vector<roi>> later = later_rois(filename, m_dataset, t);
+    std::optional<std::vector<roi>> later = m_roidb ? later_rois(filename, m_dataset, t) : std::nullopt;
     if (!later)
         return false;
+    if (are_there(*later, m_roidb->db, t))    // the same ones
+        return true;
     const EditScope step(*this, "Restore ROIs");
     set<string> replaced;
     for (const auto& [key, r] : m_roidb->db)
@@ -214,5 +243,7 @@ bool curation::restore_rois(const string& filename, int t)
     for (const roi& r : *later)
         enter_roi(r);
     forget_missing_members();
+    m_min_time_point = m_roidb->t_min();
+    m_max_time_point = m_roidb->t_max();
     return true;
 }

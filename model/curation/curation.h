@@ -14,9 +14,14 @@
 #include "curation_observer.h"
 #include "edit_step.h"
 #include "lineage_file.h"
+#include "linking.h"
+#include "long_run.h"
+#include "making.h"
 #include "q_roiimgdb.h"
+#include "recording_file.h"
 #include "roidb_plus.h"
 #include "run_state.h"
+#include "unit_notes.h"
 
 #include <functional>
 #include <list>
@@ -30,7 +35,6 @@
 #include <vector>
 
 class EditScope;
-class LongRun;
 struct open_step;
 struct restored_state;
 class unit_pixels;
@@ -59,6 +63,9 @@ public:
     [[nodiscard]] bool has_rois() const noexcept { return m_roidb && m_q_roiimgdb; }
     [[nodiscard]] const roidb_plus& rois() const noexcept { return *m_roidb; }    // REQUIRES: has_rois()
     [[nodiscard]] const string& dataset() const noexcept { return m_dataset; }
+    [[nodiscard]] const recording_info& info() const noexcept { return m_info; }
+    void set_info(const recording_info& info);                       // a step
+    void take_info(const recording_info& info) { m_info = info; }    // as the file beside the ROI file tells
     [[nodiscard]] int min_time_point() const noexcept { return m_min_time_point; }
     [[nodiscard]] int max_time_point() const noexcept { return m_max_time_point; }
 
@@ -85,6 +92,7 @@ public:
     [[nodiscard]] const set<string>& tracked_forward() const noexcept { return m_fwd_roi_set; }
     [[nodiscard]] const set<string>& tracked_backward() const noexcept { return m_bwd_roi_set; }
     [[nodiscard]] const set<string>& false_positives() const noexcept { return m_removed_roi_set; }
+    [[nodiscard]] const unit_notes& notes() const noexcept { return m_unit_notes; }
     [[nodiscard]] const set<string>& selected() const noexcept { return m_selected_roi_set; }
     [[nodiscard]] const set<string>& doubtful() const noexcept    // as of search_doubt_units()
     {
@@ -105,6 +113,8 @@ public:
     void toggle_selected(const string& key);
     void toggle_false_positive(const string& key);
     void toggle_elite(const string& unit);
+    void note_edited(const string& unit);                 // that a person has made or changed it
+    [[nodiscard]] bool is_touched(const string& unit);    // so noted, or elite
     void set_elite(const set<string>& units, bool on);
     void choose(const string& unit);    // "": no nucleus
     void select_all(int t);             // but for false positives
@@ -136,11 +146,13 @@ public:
     virtual int z_max(string unit);
     virtual unsigned int ID(string a);
 
-    // Makes units of the ROIs of time point t that are no false positives and in no unit: plane by plane from
-    // the lowest, each becomes the head of a new unit, which takes in those on neighbouring planes
-    // that share more than `overlap` of the larger outline (0: one pixel), and so on. A unit is entered once
-    // it is complete.
-    void make_units(int t, double overlap);
+    // ---- Making units and links (making.cpp)
+    // Makes units of the ROIs of time point t that are no false positives and in no unit that is spared; the
+    // units that are not go first, with their links.
+    void make_units(int t, const making& how);
+    void make_units(int t, double overlap);    // by overlap, of the ROIs in no unit
+    // How many units time point t would have then; nothing when the recording was closed meanwhile.
+    [[nodiscard]] std::optional<std::size_t> units_after_making(int t, const making& how);
 
     // ---- Lineage (lineage.cpp)
     virtual set<string> parents(string key);
@@ -160,6 +172,10 @@ public:
 
     // ---- Where the lineage needs a look (reports.cpp)
     virtual void search_doubt_units();
+    // All of its ROIs are false positives: it counts nowhere as doubtful, dead end or unlinked.
+    [[nodiscard]] bool is_false(const string& unit) const;
+    // One ROI without a link: set aside, it counts as no dead end and not as unlinked.
+    [[nodiscard]] bool is_lone(const string& unit) const;
     [[nodiscard]] std::optional<string> first_dead_end();
     [[nodiscard]] std::optional<string> first_unlinked();
 
@@ -195,6 +211,8 @@ protected:
     set<string> m_removed_roi_set;
     set<string> m_mouse_over_roi_set;
     set<string> m_make_unit_roi_set;
+    unit_notes m_unit_notes;    // what a person noted of units
+    recording_info m_info;
     std::map<string, pos3d> m_smallest_enclosing_circle;
     string m_dataset;
     int m_max_focal_plane = 0;
@@ -219,6 +237,7 @@ protected:
 private:
     friend class EditScope;
     friend class LongRun;
+    friend class link_making;
     friend class Observing;
     friend class kept_work;
 
@@ -248,10 +267,20 @@ private:
     void forget_lineage();
     void forget_unit(const string& unit);
     void register_unit(const string& unit, const set<string>& members);
-    void make_unit_around(const plane_roi& r, double overlap);
+    using key_groups = std::vector<set<string>>;
+    [[nodiscard]] bool is_spared(const string& key, spared spares);
+    [[nodiscard]] bool may_be_grouped(const string& key, spared spares);
+    [[nodiscard]] set<string> units_to_make_anew(int t, spared spares);
+    [[nodiscard]] std::optional<key_groups> groups_at(int t, const making& how);
+    [[nodiscard]] std::optional<key_groups> groups_by_nearest(int t, const making& how);
+    [[nodiscard]] std::optional<key_groups> groups_by_overlap(int t, const making& how);
+    void dissolve(const string& unit);
+    [[nodiscard]] set<std::pair<string, string>> links_by_overlap(int t);    // child, parent
+    [[nodiscard]] bool is_spared(const std::pair<const string, string>& link, spared spares);
+    void enter_links(int t, const set<std::pair<string, string>>& links, spared spares);
     void leave_unit(const string& key);
     void forget_missing_members();
-    void move_choice(const string& from, const string& to);
+    void rename_unit(const string& from, const string& to);
     [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
     [[nodiscard]] set<string> parents_into(int t) const;
     [[nodiscard]] unit_links links_of(const string& unit, int t);
@@ -270,7 +299,9 @@ private:
     [[nodiscard]] bool repair_links(const string& doubt, const string& p1, const string& p2,
                                     const set<string>& sisters1, const set<string>& sisters2);
     void pair_by_distance(const string& p1, const string& p2, const string& first, const string& second);
-    void cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width);
+    // The heads of the halves; nothing when it was not cut.
+    std::optional<std::pair<string, string>> cut_unit(const string& doubt, pos3d E_normal, pos3d E_m,
+                                                      int search_width);
     [[nodiscard]] std::optional<unit_cut> find_cut(const string& doubt, pos3d E_normal, pos3d E_m,
                                                    int search_width);
     [[nodiscard]] unit_pixels pixels_of(const string& unit);
@@ -304,13 +335,46 @@ private:
     void tell(void (curation_observer::*what)());
     [[nodiscard]] edit_step* noted();    // what the open step takes down; null between steps
     void end_step();
+    void hand_over(open_step& ended);
+    void end_step_so_far();    // what is still edited by its scopes becomes a step of its own
     [[nodiscard]] set<string>& marks_of(change_kind kind);
     [[nodiscard]] std::optional<change_kind> kind_of(const set<string>& keys) const;
     [[nodiscard]] curation_tables tables();
+
+    void enter_info(const recording_info& info);
+    void add_note(const string& note);
+    void remove_note(const string& note);
 
     std::shared_ptr<observer_list> m_observers;
     std::shared_ptr<run_state> m_run_state;
     std::shared_ptr<open_step> m_open_step;    // null between steps
     unsigned long m_recording = 0;
     unsigned long m_edits = 0;
+};
+
+// Makes the links of one time point after the other. Between the steps the recording may be edited.
+class link_making {
+public:
+    link_making(curation& model, const making& how);
+
+    // The links of the units of time point t to those of the one before, in place of those that are not
+    // spared. Time points are taken in ascending order, without a gap. False when the recording was closed
+    // meanwhile.
+    bool step(int t);
+
+    // How many links into time point t there would be then; the same order of time points.
+    [[nodiscard]] std::optional<std::size_t> count(int t);
+
+private:
+    using link_set = std::set<std::pair<std::string, std::string>>;    // child, parent
+    [[nodiscard]] std::optional<link_set> find(int t);
+    [[nodiscard]] std::optional<link_set> find_by_nearest(int t);
+    void collect(int t, std::vector<std::string>& heads, std::vector<unit_rasters>& rasters);
+
+    curation& _model;
+    making _how;
+    LongRun _run;    // keeps the rasters of the time point before
+    unit_linker _linker;
+    std::vector<std::string> _before;    // the heads of the time point before
+    bool _has_begun = false;
 };

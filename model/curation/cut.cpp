@@ -86,7 +86,7 @@ key_set keys_of(const std::list<roi>& rois)
 
 unit_pixels curation::pixels_of(const string& unit)
 {
-    unit_pixels pixels;
+    unit_pixels pixels(m_info.scale.plane_step());
     for (const std::string& key : member(unit))
         if (m_roidb->db.contains(key))    // it may have been dropped
             pixels.add(*m_q_roiimgdb->qrimg(m_roidb->find_plus(key)));
@@ -156,7 +156,7 @@ std::optional<pos3d> curation::best_position(LongRun& run, const string& doubt, 
 namespace {
 
 // The pixels of a raster on either side of the plane through E_m; those on the plane are plus.
-std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos3d E_m)
+std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos3d E_m, double plane_step)
 {
     std::pair<half_mask, half_mask> halves(raster, raster);
     for (int j = 0; j < raster.height(); ++j) {
@@ -164,7 +164,7 @@ std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos
             if (raster.value(i, j) == 0)
                 continue;
             const pos3d E_point(raster.top_left().x() + i, raster.top_left().y() + j,
-                                raster.z() * focal_plane_step);
+                                raster.z() * plane_step);
             const bool is_minus = inner_product(nom, E_point - E_m) < 0;
             (is_minus ? halves.second : halves.first).set(i, j);
         }
@@ -206,7 +206,7 @@ void curation::splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_
         const q_roiimg* const raster = raster_to_cut(key);
         if (!raster)
             continue;
-        auto [canvas_plus, canvas_minus] = halves_of(*raster, nom, E_m);
+        auto [canvas_plus, canvas_minus] = halves_of(*raster, nom, E_m, m_info.scale.plane_step());
         append_rois(canvas_plus, *raster, "roi_plus: ", roi_plus);
         append_rois(canvas_minus, *raster, "roi_minus: ", roi_minus);
     }
@@ -224,7 +224,8 @@ const char* curation::fault_of(const unit_cut& cut, const string& doubt, pos3d n
         const q_roiimg* const raster = raster_to_cut(key);
         if (!raster)
             continue;
-        const auto [half_plus, half_minus] = halves_of(*raster, nom, cut.E_position);
+        const auto [half_plus, half_minus] =
+            halves_of(*raster, nom, cut.E_position, m_info.scale.plane_step());
         has_plus = has_plus || half_plus.size > 0;
         has_minus = has_minus || half_minus.size > 0;
         are_whole = is_covered(half_plus, *raster, cut.plus, placed) && are_whole;
@@ -274,15 +275,16 @@ std::optional<curation::unit_cut> curation::find_cut(const string& doubt, pos3d 
 
 // Cuts the unit by a plane with this normal, searched from E_m on. The unit, its links and its ROIs stay
 // as they are unless all of that succeeds.
-void curation::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int search_width)
+std::optional<std::pair<std::string, std::string>> curation::cut_unit(const string& doubt, pos3d E_normal,
+                                                                      pos3d E_m, int search_width)
 {
     if (!is_roimaker_there()) {
         error_line("Cannot find ", roimaker_path());
-        return;
+        return std::nullopt;
     }
     const std::optional<unit_cut> cut = find_cut(doubt, E_normal, E_m, search_width);
     if (!cut)
-        return;
+        return std::nullopt;
     const unit_links links{parents(doubt), children(doubt)};
     release_links(doubt, links);
     const string head_plus = *keys_of(cut->plus).begin();
@@ -293,6 +295,7 @@ void curation::cut_unit(const string& doubt, pos3d E_normal, pos3d E_m, int sear
         link_to_halves(pair_with_halves(*units, nom, cut->E_position, head_plus, head_minus), head_plus,
                        head_minus);
     set_mark(change_kind::elite, doubt, false);
+    return std::pair(head_plus, head_minus);
 }
 
 // True iff no other ROI, and no other unit, has the key of a new ROI, no two new ones have the same,
@@ -327,7 +330,7 @@ void curation::replace_members(const string& doubt, const list<roi>& roi_plus, c
     }
     inherit_marks(old_members, new_keys);
     m_split_parents.erase(doubt);
-    move_choice(doubt, half_that_keeps(doubt, roi_plus, roi_minus));
+    rename_unit(doubt, half_that_keeps(doubt, roi_plus, roi_minus));
 }
 
 // The half that holds the ROI which named the old unit; else the one of more ROIs, the plus one of equals.

@@ -9,7 +9,7 @@ void unit_pixels::add(const q_roiimg& raster)
                 _x.push_back(raster.top_left().x() + i);
         if (_x.size() > first)
             _rows.push_back({first, _x.size(), static_cast<double>(raster.top_left().y() + j),
-                             raster.z() * focal_plane_step, (raster.z() + 1) * focal_plane_step});
+                             raster.z() * _plane_step, (raster.z() + 1) * _plane_step});
     }
 }
 

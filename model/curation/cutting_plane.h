@@ -1,15 +1,14 @@
 // cutting_plane.h - the pixels of a unit, counted on either side of a plane.
 //
-// Points are in pixels: a focal plane counts as focal_plane_step of them. A pixel stands for the
+// Points are in pixels: a focal plane counts as several of them. A pixel stands for the
 // column from its own plane to the next.
 #pragma once
 #include "ORV_pos.h"
+#include "physical_scale.h"
 #include "q_roiimg.h"
 
 #include <cstdint>
 #include <vector>
-
-constexpr double focal_plane_step = 100.0 / 21.0;    // pixels: 0.5 um between planes, 0.105 um a pixel
 
 // What a plane does to a unit.
 struct plane_section {
@@ -20,6 +19,9 @@ struct plane_section {
 
 class unit_pixels {
 public:
+    // `plane_step`: from one focal plane to the next, in pixel widths.
+    explicit unit_pixels(double plane_step = focal_plane_step) : _plane_step(plane_step) {}
+
     void add(const q_roiimg& raster);
 
     // The plane through `point` with the unit normal `nom`.
@@ -35,6 +37,7 @@ private:
         double next_z;    // of the next plane
     };
 
+    double _plane_step;
     std::vector<double> _x;
     std::vector<row> _rows;
 };

@@ -18,6 +18,7 @@ constexpr kind_row kinds[] = {
     {"link", kept_in::lineage},    {"elite", kept_in::lineage},
     {"selected", kept_in::info},   {"false_positive", kept_in::false_positives},
     {"forward", kept_in::nowhere}, {"backward", kept_in::nowhere},
+    {"note", kept_in::lineage},    {"scale", kept_in::recording},
     {"chosen", kept_in::nowhere},
 };
 
@@ -159,9 +160,9 @@ void edit_step::remove_index(std::string_view plane, pos2i at, int position)
     end();
 }
 
-void edit_step::choose(const std::string& before, const std::string& after)
+void edit_step::exchange(change_kind kind, const std::string& before, const std::string& after)
 {
-    begin('*', change_kind::chosen);
+    begin('*', kind);
     word(before);
     word(after);
     end();

@@ -13,6 +13,7 @@
 
 class q_roiimgdb;
 class roidb_plus;
+struct recording_info;
 
 enum class change_kind : unsigned char {
     roi,      // a record: x, y, focal plane, time point, outline
@@ -25,12 +26,14 @@ enum class change_kind : unsigned char {
     false_positive,
     forward,
     backward,
+    note,      // what a person noted of a unit
+    scale,     // sizes and focal planes of the recording, before and after
     chosen,    // the chosen nucleus before and after
 };
 
 // The files beside a recording, each of which keeps some kinds of entries. Tracking marks are in none.
-enum class kept_in : unsigned char { rois, lineage, info, false_positives, nowhere };
-constexpr int kept_in_count = 5;
+enum class kept_in : unsigned char { rois, lineage, info, false_positives, recording, nowhere };
+constexpr int kept_in_count = 6;
 
 [[nodiscard]] kept_in file_of(change_kind kind) noexcept;
 [[nodiscard]] std::string_view name_of(change_kind kind) noexcept;    // in the text of a change
@@ -47,6 +50,8 @@ struct curation_tables {
     std::set<std::string>* false_positives = nullptr;
     std::set<std::string>* forward = nullptr;
     std::set<std::string>* backward = nullptr;
+    std::set<std::string>* notes = nullptr;
+    recording_info* info = nullptr;
     std::set<std::string>* chosen = nullptr;
 };
 
@@ -77,7 +82,7 @@ public:
     void remove_roi(const roi& r);
     void add_index(std::string_view plane, pos2i at);
     void remove_index(std::string_view plane, pos2i at, int position);
-    void choose(const std::string& before, const std::string& after);    // "": no nucleus
+    void exchange(change_kind kind, const std::string& before, const std::string& after);
 
     void shrink() { _changes.shrink_to_fit(); }
 

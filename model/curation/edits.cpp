@@ -152,6 +152,33 @@ void curation::clear_marks(change_kind kind)
     notify();
 }
 
+void curation::add_note(const string& note)
+{
+    if (!m_unit_notes.insert(note).second)
+        return;
+    if (edit_step* const step = noted())
+        step->add(change_kind::note, note);
+    notify();
+}
+
+void curation::remove_note(const string& note)
+{
+    if (edit_step* const step = noted())
+        step->remove(change_kind::note, note);
+    m_unit_notes.erase(note);
+    notify();
+}
+
+void curation::enter_info(const recording_info& info)
+{
+    if (info == m_info)
+        return;
+    if (edit_step* const step = noted())
+        step->exchange(change_kind::scale, recording_text(m_info), recording_text(info));
+    m_info = info;
+    notify();
+}
+
 curation_tables curation::tables()
 {
     return {.rois = m_roidb.get(),
@@ -164,6 +191,8 @@ curation_tables curation::tables()
             .false_positives = &m_removed_roi_set,
             .forward = &m_fwd_roi_set,
             .backward = &m_bwd_roi_set,
+            .notes = &m_unit_notes,
+            .info = &m_info,
             .chosen = &m_lineage_mode_roi_set};
 }
 
@@ -173,12 +202,28 @@ void curation::end_step()
 {
     const std::shared_ptr<open_step> ended = std::exchange(m_open_step, nullptr);
     ended->model = nullptr;
-    if (ended->step.is_empty())    // choosing alone is no step
+    hand_over(*ended);
+}
+
+void curation::end_step_so_far()
+{
+    if (!m_open_step)
         return;
-    if (ended->chosen_before != chosen())
-        ended->step.choose(ended->chosen_before, chosen());
-    ended->step.shrink();
+    open_step so_far(nullptr, m_open_step->step.title(), m_open_step->chosen_before);
+    std::swap(so_far.step, m_open_step->step);
+    m_open_step->chosen_before = chosen();
+    m_open_step->step = edit_step(so_far.step.title());
+    hand_over(so_far);
+}
+
+void curation::hand_over(open_step& ended)
+{
+    if (ended.step.is_empty())    // choosing alone is no step
+        return;
+    if (ended.chosen_before != chosen())
+        ended.step.exchange(change_kind::chosen, ended.chosen_before, chosen());
+    ended.step.shrink();
     const std::shared_ptr<observer_list> observers = m_observers;
     for (std::size_t i = 0; i < observers->size(); ++i)
-        (*observers)[i]->step_ended(ended->step);
+        (*observers)[i]->step_ended(ended.step);
 }

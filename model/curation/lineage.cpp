@@ -9,14 +9,6 @@
 #include <utility>
 #include <vector>
 
-namespace {
-
-// The two length constants of a voxel, in micrometres.
-constexpr float focal_plane_step_um = 0.5f;
-constexpr double pixel_size_um = 0.105;
-
-}    // namespace
-
 std::set<std::string> curation::parents(string key) { return values_of(m_linkage_multimap, key); }
 
 // The links whose child lies at time point t.
@@ -170,7 +162,7 @@ pos3d curation::g(string key)
 pos3d curation::E_g(string key)
 {
     const pos3d centroid = g(key);
-    return {centroid.x(), centroid.y(), focal_plane_step_um * centroid.z() / pixel_size_um};
+    return {centroid.x(), centroid.y(), m_info.scale.plane_um * centroid.z() / m_info.scale.pixel_um};
 }
 
 bool curation::isLink(string parent, string child)
@@ -207,15 +199,22 @@ curation::members_by_plane curation::unit_members_at(int t)
     return planes;
 }
 
-// Links what isLink() finds overlapping, looking only at members of one plane.
+// Links what isLink() finds overlapping.
 void curation::makeLinkage(int t)
 {
     if (!has_rois())
         return;
     const EditScope step(*this, "Make links");
+    for (const auto& [child, parent] : links_by_overlap(t))
+        enter_link(child, parent);
+}
+
+// Looks only at members of one plane.
+std::set<std::pair<std::string, std::string>> curation::links_by_overlap(int t)
+{
     const LongRun run(*this);    // keeps the rasters of both time points
     const members_by_plane parental = unit_members_at(t - 1);
-    set<std::pair<string, string>> links;    // child, parent
+    set<std::pair<string, string>> links;
     for (const auto& [z, children] : unit_members_at(t)) {
         const auto plane = parental.find(z);
         if (plane == parental.end())
@@ -225,6 +224,5 @@ void curation::makeLinkage(int t)
                 if (child.box.meets(parent.box) && is_overlap(parent.raster, child.raster))
                     links.emplace(*child.unit, *parent.unit);
     }
-    for (const auto& [child, parent] : links)
-        enter_link(child, parent);
+    return links;
 }

@@ -50,11 +50,29 @@ void curation::choose(const string& unit)
     notify();
 }
 
-// The chosen nucleus stays chosen under its new name; a nucleus that is gone ("") is no longer.
-void curation::move_choice(const string& from, const string& to)
+// The chosen nucleus stays chosen under its new name, and what was noted of it is noted of that; a nucleus
+// that is gone ("") is no longer chosen.
+void curation::rename_unit(const string& from, const string& to)
 {
+    if (from == to)
+        return;
     if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
         m_lineage_mode_roi_set.insert(to);
+    const unit_notes notes = m_unit_notes;
+    for (const string& note : notes) {
+        if (note.find(from) == string::npos)
+            continue;
+        remove_note(note);
+        if (const string changed = about_another(note, from, to); !changed.empty())
+            add_note(changed);
+    }
+}
+
+void curation::note_edited(const string& unit)
+{
+    const EditScope step(*this, "Edit", unit);
+    if (m_head_members.contains(unit))
+        add_note("EDITED " + unit);
 }
 
 void curation::select_all(int t)

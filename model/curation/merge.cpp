@@ -58,6 +58,6 @@ void curation::mergeUnits(string a, string b)
             link(head, child);
     set_mark(change_kind::elite, a, false);
     set_mark(change_kind::elite, b, false);
-    move_choice(a, head);
-    move_choice(b, head);
+    rename_unit(a, head);
+    rename_unit(b, head);
 }

@@ -1,5 +1,8 @@
 // Where the lineage needs a look: doubtful units, dead ends, unlinked units.
 #include "curation.h"
+#include "keygen.h"
+
+#include <algorithm>
 
 // Entries are counted, not distinct parents: a link stored twice makes its child a candidate too.
 void curation::search_doubt_units()
@@ -21,6 +24,22 @@ std::set<std::string> curation::parents_into(int t) const
     for (auto entry = first; entry != last; ++entry)
         found.insert(entry->second);
     return found;
+}
+
+bool curation::is_false(const string& unit) const
+{
+    const auto [first, last] = m_head_members.equal_range(unit);
+    return first != last && std::all_of(first, last, [this](const auto& entry) {
+               return m_removed_roi_set.contains(entry.second);
+           });
+}
+
+bool curation::is_lone(const string& unit) const
+{
+    if (m_head_members.count(unit) != 1 || m_linkage_multimap.contains(unit) || !is_roi_key(unit))
+        return false;
+    const auto [first, last] = links_into(decode(unit).t() + 1);
+    return std::none_of(first, last, [&unit](const auto& link) { return link.second == unit; });
 }
 
 std::optional<std::string> curation::first_dead_end()

@@ -43,7 +43,7 @@ bool curation::split_first_suspect()
         return false;
     }
     const std::string doubt = *m_falsely_grouped_units_candidates.begin();
-    const EditScope step(*this, "Split", doubt);
+    const EditScope step(*this, "Repair", doubt);
     const LongRun run(*this);
     const unsigned long edits = m_edits;
     handle_suspect(doubt);
@@ -141,8 +141,11 @@ void curation::manualSplit(string doubt, set<string> ps, int x, int y, int z)
     const pos3d E_g1 = E_g(*ps.begin());
     const pos3d E_g2 = E_g(*std::next(ps.begin()));
     const pos3d E_normal = (E_g1 - E_g2) / (E_g1 - E_g2).size();
-    const pos3d E_m(x, y, z * 0.5 / 0.105);
+    const pos3d E_m(x, y, z * m_info.scale.plane_um / m_info.scale.pixel_um);
     std::cout << " E_normal: (" << print_with_commas(E_normal) << ")" << std::endl;
     std::cout << "      E_m: (" << print_with_commas(E_m) << ")" << std::endl;
-    cut_unit(doubt, E_normal, E_m, manual_search_width);
+    if (const auto halves = cut_unit(doubt, E_normal, E_m, manual_search_width)) {
+        note_edited(halves->first);
+        note_edited(halves->second);
+    }
 }

@@ -1,11 +1,6 @@
 // Units: the ROIs of one nucleus at one time point, kept in m_head_members and m_members_head.
 #include "curation.h"
-#include "edit_scope.h"
 #include "keygen.h"
-#include "long_run.h"
-#include "plane_walk.h"
-
-#include <QScopeGuard>
 
 #include <iterator>
 
@@ -71,7 +66,7 @@ void curation::leave_unit(const string& key)
     forget_unit(unit);
     forget_head_of(key);
     const bool was_elite = set_mark(change_kind::elite, unit, false);
-    move_choice(unit, members.empty() ? "" : *members.begin());
+    rename_unit(unit, members.empty() ? "" : *members.begin());
     if (members.empty())
         return;
     const std::string new_head = *members.begin();
@@ -109,50 +104,4 @@ unsigned int curation::ID(string a)
             return t * per_time_point + count;
     keys.emplace(t, a);
     return t * per_time_point + count;
-}
-
-void curation::make_units(int t, double overlap)
-{
-    if (!has_rois())
-        return;
-    const EditScope step(*this, "Make units");
-    LongRun run(*this);
-    m_auto_make_units = true;
-    const auto done = qScopeGuard([state = m_run_state] {
-        if (state->model)    // a handler may delete it
-            state->model->m_auto_make_units = false;
-    });
-    std::set<int> planes;
-    const auto [first, last] = at_time_point(m_roidb->db, t);
-    for (auto entry = first; entry != last; ++entry)
-        planes.insert(entry->second.z());
-    for (const int z : planes) {
-        PlaneWalk walk(*m_roidb, *m_q_roiimgdb, t, z);
-        while (plane_roi* const r = walk.next()) {
-            if (m_members_head.contains(*r->key) || m_removed_roi_set.contains(*r->key))
-                continue;
-            make_unit_around(*r, overlap);
-            if (!run.alive())
-                return;
-        }
-    }
-}
-
-// Entered once it is complete: what a handler does meanwhile never meets half of one.
-void curation::make_unit_around(const plane_roi& r, double overlap)
-{
-    LongRun run(*this);
-    const std::string key = *r.key;
-    set<string> members;
-    flood(*r.record, r.record->t(), r.record->z(), 0.0, overlap, [&](const string& reached) {
-        return !m_members_head.contains(reached) && members.insert(reached).second;
-    });
-    if (!run.alive())
-        return;
-    members.insert(key);    // without a pixel it is not reached
-    std::erase_if(members, [&](const string& member) {
-        return m_members_head.contains(member) || !m_roidb->db.contains(member);
-    });
-    if (!members.empty())
-        register_unit(members.contains(key) ? key : *members.begin(), members);
 }

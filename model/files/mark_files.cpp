@@ -4,13 +4,13 @@
 #include "file_io.h"
 #include "roi_reader.h"
 
-void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+bool read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks)
 {
     roi_reader file(filename);
     if (!file.is_open()) {
         error_line("Cannot open ", filename);
-        return;
+        return false;
     }
     std::set<std::string> found;
     bool is_of_dataset = true;
@@ -23,11 +23,12 @@ void read_mark_file(const std::string& filename, const std::string& dataset, con
     }
     if (file.failed()) {
         error_line(file.failure());
-        return;
+        return false;
     }
     if (!is_of_dataset)
         error_line("different dataset");
     marks.merge(found);
+    return is_of_dataset;
 }
 
 bool write_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,

@@ -8,8 +8,8 @@
 
 // Adds the marks of a file, read as pairs of words, up to a NAME that is not `dataset`: "different
 // dataset" on standard error. When it cannot be opened ("Cannot open " and its name) or not be read to
-// its end, one line and no mark. Keys are not checked.
-void read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
+// its end, one line and no mark. False after any line. Keys are not checked.
+bool read_mark_file(const std::string& filename, const std::string& dataset, const std::string& keyword,
                     std::set<std::string>& marks);
 
 // Replaces the file at once. False when that fails: "Cannot open " and its name on standard error; a second

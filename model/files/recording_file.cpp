@@ -112,6 +112,15 @@ recording_info read_recording_file(const std::string& filename)
     return {};
 }
 
+bool take_recording_text(const std::string& text, recording_info& info)
+{
+    recording_info told;
+    if (parse(text, told))
+        return false;
+    info = told;
+    return true;
+}
+
 std::string recording_text(const recording_info& info)
 {
     QJsonObject object{{"pixel_um", info.scale.pixel_um}, {"plane_um", info.scale.plane_um}};

@@ -30,6 +30,9 @@ struct recording_info {
 // when it cannot be read, or holds what is no size, no interval or no range of focal planes in 0 to 999.
 [[nodiscard]] recording_info read_recording_file(const std::string& filename);
 
+// Takes over what the text of such a file tells. False, and nothing changed, when anything in it is wrong.
+[[nodiscard]] bool take_recording_text(const std::string& text, recording_info& info);
+
 // The bytes of such a file. REQUIRES: sizes and interval are positive and finite
 [[nodiscard]] std::string recording_text(const recording_info& info);
 

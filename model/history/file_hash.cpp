@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 
 #include <ctime>
+#include <fcntl.h>
 #include <string_view>
 #include <unistd.h>
 #include <zlib.h>
@@ -60,19 +61,31 @@ std::string time_in_name()
     return {text, std::strftime(text, sizeof text, "%Y%m%dT%H%M%SZ", &utc)};
 }
 
-bool put_aside_compressed(const std::string& filename)
+std::string free_name(const std::string& name)
 {
-    const std::string aside = filename + '.' + time_in_name() + ".gz";
-    const gzFile out = gzopen(aside.c_str(), "wbx");    // never in place of another
-    if (!out)
-        return false;
-    bool is_written = true;
-    const bool is_read = read_pieces(filename, [&](std::string_view piece) {
-        is_written = is_written && gzwrite(out, piece.data(), static_cast<unsigned>(piece.size())) > 0;
-    });
-    is_written = gzclose(out) == Z_OK && is_written;
+    std::string free = name;
+    for (int number = 2; ::access(free.c_str(), F_OK) == 0; ++number)
+        free = name + '-' + std::to_string(number);
+    return free;
+}
+
+// The copy is on disk before anything is removed.
+bool put_aside_compressed(const std::string& filename, bool stays)
+{
+    const std::string aside = free_name(filename + '.' + time_in_name()) + ".gz";
+    const int fd = ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const gzFile out = fd < 0 ? nullptr : gzdopen(::dup(fd), "wb");
+    bool is_written = out != nullptr;
+    const bool is_read =
+        is_written && read_pieces(filename, [&](std::string_view piece) {
+            is_written = is_written && gzwrite(out, piece.data(), static_cast<unsigned>(piece.size())) > 0;
+        });
+    is_written = out && gzclose(out) == Z_OK && is_written && ::fsync(fd) == 0;
+    if (fd >= 0)
+        ::close(fd);
     if (is_read && is_written)
-        return ::unlink(filename.c_str()) == 0;
-    ::unlink(aside.c_str());
+        return stays || ::unlink(filename.c_str()) == 0;
+    if (fd >= 0)
+        ::unlink(aside.c_str());
     return false;
 }

@@ -12,6 +12,9 @@
 // UTC as part of a file name: "20261121T143210Z".
 [[nodiscard]] std::string time_in_name();
 
-// Compresses the file beside itself, as <filename>.<UTC>.gz, and removes it. False, and the file is as it
-// was, when that fails.
-bool put_aside_compressed(const std::string& filename);
+// The name, with a number behind it where there is such a file already.
+[[nodiscard]] std::string free_name(const std::string& name);
+
+// Compresses the file beside itself, as <filename>.<UTC>.gz, and removes it unless it is to stay. False, and
+// the file is as it was, when that fails.
+bool put_aside_compressed(const std::string& filename, bool stays);

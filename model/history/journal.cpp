@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr std::string_view file_names[] = {"roi", "lineage", "info", "fp", "nowhere"};    // by kept_in
+constexpr std::string_view file_names[] = {"roi", "lineage",   "info",
+                                           "fp",  "recording", "nowhere"};    // by kept_in
 
 std::size_t count_lines(std::string_view text)
 {
@@ -52,6 +53,16 @@ std::string_view take_word(std::string_view& text)
     return word;
 }
 
+// Whether every line, the last perhaps cut off, tells a change.
+bool are_changes(std::string_view text)
+{
+    for (std::size_t line = 0; line < text.size();
+         line = std::min(text.find('\n', line), text.size() - 1) + 1)
+        if (text[line] != '+' && text[line] != '-' && text[line] != '*')
+            return false;
+    return true;
+}
+
 std::optional<std::size_t> take_number(std::string_view& text)
 {
     const std::string_view word = take_word(text);
@@ -82,10 +93,7 @@ std::string head(const std::string& recording)
     return line({"JOURNAL", "1", name});
 }
 
-std::string stretch(const std::string& roi_hash, bool is_whole)
-{
-    return line({"BASE", now(), roi_hash, is_whole ? "whole" : "part"});
-}
+std::string stretch(const std::string& roi_hash) { return line({"BASE", now(), roi_hash}); }
 
 std::string step(const edit_step& step)
 {
@@ -161,6 +169,17 @@ journal_stretch* journal::current() noexcept
     return _current < _stretches.size() ? &_stretches[_current] : nullptr;
 }
 
+// The changes behind a line, whose number is the next word of it. Nothing when there are fewer: at a torn end
+// nothing but changes follows.
+std::optional<std::string_view> journal::read_changes(line_cursor& lines, std::string_view& rest)
+{
+    const std::optional<std::size_t> count = take_number(rest);
+    const std::string_view all = lines.rest;
+    const std::optional<std::string_view> changes = count ? lines.block(*count) : std::nullopt;
+    _is_sound = count && are_changes(changes.value_or(all));
+    return _is_sound ? changes : std::nullopt;
+}
+
 // False at the end, at a torn one, and at what is no event: then it is not sound.
 bool journal::read_event(line_cursor& lines)
 {
@@ -180,14 +199,11 @@ bool journal::read_event(line_cursor& lines)
     using kind = journal_event::kind;
     if (word == "BASE") {
         _current = _stretches.size();
-        const std::string_view hash = take_word(rest);
-        _stretches.push_back({time, hash, take_word(rest) == "whole", {}});
+        _stretches.push_back({time, take_word(rest), {}});
         return true;
     }
     if (word == "STEP") {
-        const std::optional<std::size_t> count = take_number(rest);
-        const std::optional<std::string_view> changes = count ? lines.block(*count) : std::nullopt;
-        _is_sound = count.has_value();
+        const std::optional<std::string_view> changes = read_changes(lines, rest);
         return changes && enter({kind::step, time, rest, *changes, {}, {}});
     }
     if (word == "UNDO" || word == "REDO")
@@ -206,8 +222,6 @@ bool journal::read_event(line_cursor& lines)
     const std::string_view hash = take_word(rest);
     if (word == "SAVED")
         return enter({kind::saved, time, {}, {}, *file, hash});
-    const std::optional<std::size_t> count = take_number(rest);
-    const std::optional<std::string_view> changes = count ? lines.block(*count) : std::nullopt;
-    _is_sound = count.has_value();
+    const std::optional<std::string_view> changes = read_changes(lines, rest);
     return changes && enter({kind::saving, time, {}, *changes, *file, hash});
 }

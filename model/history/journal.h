@@ -17,9 +17,8 @@ namespace journal_text {
 
 [[nodiscard]] std::string now();
 [[nodiscard]] std::string head(const std::string& recording);
-// `is_whole`: nothing but the ROI file is known at its beginning, what was read of other files comes as
-// steps.
-[[nodiscard]] std::string stretch(const std::string& roi_hash, bool is_whole);
+// Nothing but the ROI file is known at its beginning: what is read of other files comes as steps.
+[[nodiscard]] std::string stretch(const std::string& roi_hash);
 [[nodiscard]] std::string step(const edit_step& step);
 [[nodiscard]] std::string undo();
 [[nodiscard]] std::string redo();
@@ -46,7 +45,6 @@ struct journal_event {
 struct journal_stretch {
     std::string_view time;
     std::string_view roi_hash;
-    bool is_whole = true;
     std::vector<journal_event> events;
 };
 
@@ -67,6 +65,7 @@ public:
 
 private:
     struct line_cursor;
+    [[nodiscard]] std::optional<std::string_view> read_changes(line_cursor& lines, std::string_view& rest);
     [[nodiscard]] bool read_event(line_cursor& lines);
     [[nodiscard]] journal_stretch* current() noexcept;
 

@@ -40,48 +40,49 @@ bool journal_writer::sync()
     _wants_sync = true;
     _wake.notify_one();
     _done.wait(lock, [this] { return !_wants_sync; });
-    return _error == 0 && _pending.empty() && _is_synced;
+    return _pending.empty() && _is_synced;
 }
 
 std::string journal_writer::take_failure()
 {
     const std::lock_guard lock(_mutex);
-    if (_error == 0 || std::exchange(_is_error_told, true))
+    const int error = _write_error != 0 ? _write_error : _sync_error;
+    if (error == 0 || std::exchange(_is_error_told, true))
         return {};
-    return std::strerror(_error);
+    return std::strerror(error);
 }
 
+// What cannot be written or synced is tried again when it is time to sync, when somebody waits, and at the
+// end.
 void journal_writer::run()
 {
     std::unique_lock lock(_mutex);
     auto next_sync = std::chrono::steady_clock::now() + sync_every;
-    while (true) {
-        const auto has_work = [this] {
-            return _is_ending || _wants_sync || (!_pending.empty() && _error == 0);
-        };
-        if (!has_work() && _is_synced && _pending.empty())
+    const auto has_work = [this] {
+        return _is_ending || _wants_sync || (!_pending.empty() && _write_error == 0);
+    };
+    for (bool is_last = false; !is_last;) {
+        if (_pending.empty() && _is_synced)
             _wake.wait(lock, has_work);
         else
             _wake.wait_until(lock, next_sync, has_work);
-        const bool is_time = std::chrono::steady_clock::now() >= next_sync;
-        const bool is_last = _is_ending;
-        if (!_pending.empty() && (_error == 0 || is_time || is_last || _wants_sync))
-            write_some(lock);
-        if (!_is_synced && (is_time || is_last || _wants_sync))
+        is_last = _is_ending;
+        const bool is_time = std::chrono::steady_clock::now() >= next_sync || is_last || _wants_sync;
+        if (!_pending.empty() && (_write_error == 0 || is_time))
+            write_pending(lock);
+        if (!_is_synced && is_time)
             sync_file(lock);
-        if (is_time || _is_synced)
+        if (is_time)
             next_sync = std::chrono::steady_clock::now() + sync_every;
-        if (_wants_sync && (_pending.empty() || _error != 0)) {
+        if (_wants_sync && (_pending.empty() || _write_error != 0)) {
             _wants_sync = false;
             _done.notify_all();
         }
-        if (is_last && (_pending.empty() || _error != 0))
-            return;
     }
 }
 
 // The lock is open while the system writes.
-void journal_writer::write_some(std::unique_lock<std::mutex>& lock)
+void journal_writer::write_pending(std::unique_lock<std::mutex>& lock)
 {
     std::string text = std::exchange(_pending, {});
     lock.unlock();
@@ -99,15 +100,16 @@ void journal_writer::write_some(std::unique_lock<std::mutex>& lock)
     text.erase(0, written);
     _pending.insert(0, text);
     _is_error_told = _is_error_told && error != 0;
-    _error = error;
+    _write_error = error;
 }
 
 void journal_writer::sync_file(std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();
-    const int error = ::fsync(_fd) == 0 ? 0 : errno;
+    const int error =
+        ::fsync(_fd) == 0 || errno == EINVAL ? 0 : errno;    // EINVAL: what cannot be synced at all
     lock.lock();
-    _is_synced = error == 0 || error == EINVAL;    // what cannot be synced, as a pipe, is as good as it gets
-    if (_error == 0 && !_is_synced)
-        _error = error;
+    _is_synced = error == 0;
+    _is_error_told = _is_error_told && error != 0;
+    _sync_error = error;
 }

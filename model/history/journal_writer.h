@@ -27,7 +27,7 @@ public:
 
 private:
     void run();
-    void write_some(std::unique_lock<std::mutex>& lock);
+    void write_pending(std::unique_lock<std::mutex>& lock);
     void sync_file(std::unique_lock<std::mutex>& lock);
 
     int _fd;
@@ -38,7 +38,8 @@ private:
     bool _is_synced = true;
     bool _wants_sync = false;
     bool _is_ending = false;
-    int _error = 0;
+    int _write_error = 0;    // of the last try, like the next
+    int _sync_error = 0;
     bool _is_error_told = false;
     std::thread _thread;    // last: it uses all of the above
 };

@@ -16,22 +16,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* suffixes[] = {".roi", ".lineage", ".info", ".fp"};    // by kept_in
+constexpr const char* suffixes[] = {".roi", ".lineage", ".info", ".fp", ".recording.json"};    // by kept_in
 
-// Without a final ".roi", and as replaced files are named.
+// Without a final ".roi". A symbolic link is not followed: what belongs to the recording lies beside it.
 std::string stem_of(const std::string& roi_file)
 {
     std::error_code unreadable;
-    const fs::path path = fs::canonical(roi_file, unreadable);
-    const std::string name = unreadable ? fs::absolute(roi_file).native() : path.native();
+    const std::string name = fs::absolute(roi_file, unreadable).lexically_normal().native();
     return name.ends_with(suffixes[0]) ? name.substr(0, name.size() - 4) : name;
-}
-
-std::string canonical_name(const std::string& filename)
-{
-    std::error_code unreadable;
-    const fs::path path = fs::weakly_canonical(filename, unreadable);
-    return unreadable ? filename : path.native();
 }
 
 }    // namespace
@@ -55,10 +47,15 @@ void kept_work::opened(const std::string& roi_file)
     const std::string stem = stem_of(roi_file);
     for (std::size_t file = 1; file < std::size(suffixes); ++file)
         _names[file] = stem + suffixes[file];
-    _names[0] = canonical_name(roi_file);
-    _known[0] = hash_of_file(_names[0]);
-    _journal_name = stem + ".journal";
+    std::error_code unreadable;
+    _names[0] = fs::absolute(roi_file, unreadable).lexically_normal().native();
+    _known[0] = _base_hash = hash_of_file(_names[0]);
+    const std::string& recording = _names[static_cast<int>(kept_in::recording)];
+    _known[static_cast<int>(kept_in::recording)] = hash_of_file(recording);
+    _model.take_info(read_recording_file(recording));
+    _beside = stem + ".journal";
     read_journal();
+    find_offers();
     _model.tell(&curation_observer::offers_changed);
 }
 
@@ -73,13 +70,14 @@ void kept_work::recording_changes()
     for (int file = 0; file < kept_in_count; ++file)
         _names[file] = _known[file] = "";
     _journal_name.clear();
-    _is_taken_up = _is_without_journal = false;
+    _is_taken_up = _was_edited = _is_without_journal = false;
 }
 
 void kept_work::step_ended(edit_step& step)
 {
     if (amounts_to_nothing(step, _model.tables()))
         return;
+    _was_edited = true;
     note(journal_text::step(step));
     _history.add(std::move(step));
     decline();    // this is a branch of its own
@@ -98,6 +96,7 @@ const edit_step* kept_work::redo() { return can_redo() ? step_back_or_forth(true
 const edit_step* kept_work::step_back_or_forth(bool forth)
 {
     const edit_step& step = forth ? _history.next_to_redo() : _history.next_to_undo();
+    _was_edited = true;
     (void)(forth ? redo_step(step, _model.tables()) : undo_step(step, _model.tables()));
     forth ? _history.redone() : _history.undone();
     note(forth ? journal_text::redo() : journal_text::undo());
@@ -110,8 +109,19 @@ const edit_step* kept_work::step_back_or_forth(bool forth)
 
 void kept_work::was_read(const std::string& filename)
 {
-    const std::string name = canonical_name(filename);
-    for (int file = 0; file < kept_in_count; ++file)
-        if (!_names[file].empty() && _names[file] == name)
-            _known[file] = hash_of_file(name);
+    std::error_code unreadable;
+    const fs::path path = fs::weakly_canonical(filename, unreadable);
+    if (const int file = file_at(path.native()); file >= 0)
+        _known[file] = hash_of_file(path.native());
+}
+
+// Names are compared as they are once symbolic links are followed.
+int kept_work::file_at(const std::string& target) const
+{
+    for (int file = 0; file < kept_in_count; ++file) {
+        std::error_code unreadable;
+        if (!_names[file].empty() && fs::weakly_canonical(_names[file], unreadable).native() == target)
+            return file;
+    }
+    return -1;
 }

@@ -11,9 +11,9 @@
 #include "replacement_listener.h"
 #include "restored_state.h"
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 class QLockFile;
@@ -38,6 +38,20 @@ public:
     const edit_step* redo();
     [[nodiscard]] bool can_undo() const;
     [[nodiscard]] bool can_redo() const;
+    // While one lives, files are written for this curation, and not for another one of the same file.
+    class Writing {
+    public:
+        explicit Writing(const curation& model) : _before(std::exchange(current, &model)) {}
+        ~Writing() { current = _before; }
+        Writing(const Writing&) = delete;
+        Writing& operator=(const Writing&) = delete;
+
+    private:
+        friend class kept_work;
+        static inline const curation* current = nullptr;    // null: for whom is not known
+        const curation* _before;
+    };
+
     [[nodiscard]] const edit_history& history() const noexcept { return _history; }
 
     // ---- Saving
@@ -67,16 +81,18 @@ private:
     void after_replacing(const std::string& target, bool is_replaced) override;
 
     void read_journal();
+    [[nodiscard]] std::string choose_journal() const;
     void find_offers();
+    [[nodiscard]] bool can_go_on_in_journal() const;
+    bool go_without_journal(const std::string& why);    // false
     bool begin_journal();
     bool lock();
-    [[nodiscard]] int open_journal_file();
-    [[nodiscard]] std::string journal_in_state_folder() const;
     void note(const std::string& text);
     void tell_failure();
-    void rotate_journal();
     bool save_file(kept_in file);
+    bool save_in_journal();
     bool keep_version_before(kept_in file);
+    [[nodiscard]] int file_at(const std::string& target) const;    // -1: none of ours
     [[nodiscard]] bool write_file(kept_in file);
     [[nodiscard]] companions files_now() const;
     const edit_step* step_back_or_forth(bool forth);
@@ -86,7 +102,9 @@ private:
     edit_history _history;
     std::string _names[kept_in_count];    // of the files, by kept_in; "" while no file is open
     std::string _known[kept_in_count];    // the hashes of what this run has read from them or written
+    std::string _base_hash;               // of the ROI file as it was opened
     std::string _coming;                  // the hash of what is about to replace a file
+    std::string _beside;                  // where the journal belongs
     std::string _journal_name;
     std::unique_ptr<journal> _journal;    // as it was when the recording was opened
     std::unique_ptr<journal_writer> _writer;
@@ -94,5 +112,6 @@ private:
     std::vector<offer> _offers;
     std::size_t _go_on_with = 0;    // the stretch that was taken up
     bool _is_taken_up = false;
+    bool _was_edited = false;            // in this run of the program
     bool _is_without_journal = false;    // none can be kept, which was said
 };

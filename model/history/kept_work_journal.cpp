@@ -5,7 +5,6 @@
 #include "journal_writer.h"
 #include "kept_work.h"
 #include "overwrite.h"
-#include "rest_of_file.h"
 
 #include <QDir>
 #include <QLockFile>
@@ -24,34 +23,39 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Where locks lie: they end with the person's session.
-std::string runtime_folder()
+constexpr std::size_t largest_journal = std::size_t{64} << 20;    // bytes; then a new one begins
+
+bool is_there(const std::string& name) { return ::access(name.c_str(), F_OK) == 0; }
+
+// Whether it can be appended to, or made.
+bool can_be_kept(const std::string& name)
 {
-    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    return folder && *folder ? folder : QDir::tempPath().toStdString();
+    return ::access(is_there(name) ? name.c_str() : fs::path(name).parent_path().c_str(), W_OK) == 0;
 }
 
-bool is_there(const std::string& filename)
+// Where locks lie: they end with the person's session.
+std::vector<std::string> lock_folders()
 {
-    std::error_code unreadable;
-    return fs::exists(filename, unreadable);
+    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
+    std::vector<std::string> folders{QDir::tempPath().toStdString()};
+    if (folder && *folder)
+        folders.insert(folders.begin(), folder);
+    return folders;
 }
 
 }    // namespace
 
-std::string kept_work::journal_in_state_folder() const
+// Beside the recording; in the state folder where it cannot be kept there.
+std::string kept_work::choose_journal() const
 {
-    const std::string folder = state_folder();
-    return folder.empty() ? std::string() : folder + hash_of_text(_names[0]) + ".journal";
+    const std::string folder = can_be_kept(_beside) ? std::string() : state_folder();
+    return folder.empty() ? _beside : folder + hash_of_text(_names[0]) + ".journal";
 }
 
 void kept_work::read_journal()
 {
-    if (const std::string elsewhere = journal_in_state_folder();
-        !is_there(_journal_name) && !elsewhere.empty() && is_there(elsewhere))
-        _journal_name = elsewhere;
+    _journal_name = choose_journal();
     _journal = std::make_unique<journal>(content_of(_journal_name));
-    find_offers();
 }
 
 companions kept_work::files_now() const
@@ -81,26 +85,34 @@ void kept_work::find_offers()
 
 bool kept_work::take_up(std::size_t number)
 {
-    if (_history.end() > 0 || _model.is_busy()) {
-        error_line("Cannot take up the journal: edits were made already");
+    if (_was_edited || _model.is_busy()) {
+        error_line(_was_edited ? "Cannot take up the journal: edits were made already"
+                               : "Cannot take up the journal while an operation is going on");
         return false;
     }
     if (number >= _offers.size())
         return true;
     if (!lock())
         return false;
-    const std::size_t stretch = _offers[number].stretch;
-    const companions files = files_now();
-    std::optional<restored_state> state = restore(_journal->stretches()[stretch], files);
+    const offer wanted = _offers[number];
+    read_journal();    // whoever had it until now may have gone on
+    find_offers();
+    const auto found = std::ranges::find(_offers, wanted.stretch, &offer::stretch);
+    std::optional<restored_state> state;
+    if (found != _offers.end())
+        state = restore(_journal->stretches()[wanted.stretch], files_now());
     if (!state) {
         error_line(_journal_name, ": its steps do not fit ", _names[0]);
         return false;
     }
-    std::ranges::copy(files.hashes, std::begin(_known));
+    for (int file = 0; file < kept_in_count; ++file)
+        if (!state->read_hashes[file].empty())
+            _known[file] = state->read_hashes[file];
     _history = std::move(state->history);
     _model.take_over(std::move(*state));
-    _go_on_with = stretch;
+    _go_on_with = wanted.stretch;
     _is_taken_up = true;
+    (void)begin_journal();
     decline();
     return true;
 }
@@ -119,64 +131,70 @@ bool kept_work::lock()
 {
     if (_lock)
         return true;
-    const std::string name = runtime_folder() + "/orvbrowser-" + hash_of_text(_names[0]) + ".lock";
-    _lock = std::make_unique<QLockFile>(QString::fromStdString(name));
-    _lock->setStaleLockTime(0);    // however long it works: only a process that is gone has left it
-    if (_lock->tryLock())
-        return true;
+    const std::string name = "/orvbrowser-" + hash_of_text(_names[0]) + ".lock";
+    for (const std::string& folder : lock_folders()) {
+        _lock = std::make_unique<QLockFile>(QString::fromStdString(folder + name));
+        _lock->setStaleLockTime(0);    // however long it works: only a process that is gone has left it
+        if (_lock->tryLock())
+            return true;
+        if (_lock->error() == QLockFile::LockFailedError)
+            break;
+    }
     const bool is_taken = _lock->error() == QLockFile::LockFailedError;
     _lock.reset();
-    error_line(is_taken ? "Another window works on this recording: no journal is kept of "
-                        : "No journal is kept of ",
-               _names[0]);
+    return go_without_journal(is_taken ? "another window works on it" : "no lock can be made");
+}
+
+bool kept_work::go_without_journal(const std::string& why)
+{
+    error_line("No journal is kept of ", _names[0], ": ", why);
     _is_without_journal = true;
     return false;
 }
 
-// Beside the recording, else in the state folder; -1 when there is none to be had.
-int kept_work::open_journal_file()
+// Work goes on in a journal of this recording that fits its files, is read to its end, and is not too large.
+bool kept_work::can_go_on_in_journal() const
 {
-    for (const std::string& name : {_journal_name, journal_in_state_folder()}) {
-        const int fd =
-            name.empty() ? -1 : ::open(name.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-        if (fd < 0)
-            continue;
-        if (name != _journal_name)
-            _journal = std::make_unique<journal>(content_of(name));
-        _journal_name = name;
-        return fd;
-    }
-    return -1;
+    const auto& stretches = _journal->stretches();
+    if (!_journal->is_sound() || _journal->recording() != _model.dataset() || stretches.empty())
+        return false;
+    const companions files = files_now();
+    const bool is_large = _journal->good_bytes() > largest_journal &&
+                          std::ranges::all_of(stretches, [&](const journal_stretch& stretch) {
+                              return !fits(stretch, files) || unsaved_in(stretch, files).steps == 0;
+                          });
+    return !is_large &&
+           std::ranges::any_of(stretches, [&](const auto& stretch) { return fits(stretch, files); });
 }
 
-// A journal that belongs to another recording, or holds what is no journal, is put aside; so is one that fits
-// no file any more. A torn end is cut off.
+// What cannot be gone on with is put aside. A torn end is cut off; what follows the part that was taken up,
+// and is no torn end, is put aside with all of it first.
 bool kept_work::begin_journal()
 {
     if (_writer)
         return true;
     if (_names[0].empty() || _is_without_journal || !lock())
         return false;
-    const companions files = files_now();
-    const auto& stretches = _journal->stretches();
-    const bool is_ours = _journal->is_sound() && _journal->recording() == _model.dataset() &&
-                         std::ranges::any_of(stretches, [&](const auto& s) { return fits(s, files); });
-    if (!is_ours && is_there(_journal_name) && fs::file_size(_journal_name) > 0) {
-        if (!put_aside_compressed(_journal_name))
-            error_line("Cannot put aside ", _journal_name);
+    if (!_is_taken_up)
+        read_journal();    // whoever had it until now may have gone on
+    const bool goes_on = _is_taken_up || can_go_on_in_journal();
+    const bool has_content =
+        is_there(_journal_name) && !(goes_on && _journal->is_sound()) && !content_of(_journal_name).empty();
+    if (has_content && !put_aside_compressed(_journal_name, goes_on))
+        return go_without_journal("what is there cannot be put aside");
+    if (!goes_on)
         _journal = std::make_unique<journal>("");
-    }
-    const int fd = open_journal_file();
+    const int fd = ::open(_journal_name.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (fd < 0 || ::ftruncate(fd, static_cast<off_t>(_journal->good_bytes())) != 0) {
-        error_line("No journal is kept of ", _names[0], ": ", std::strerror(errno));
-        _is_without_journal = true;
-        return false;
+        const int error = errno;
+        if (fd >= 0)
+            ::close(fd);
+        return go_without_journal(std::strerror(error));
     }
     _writer = std::make_unique<journal_writer>(fd);
     if (_journal->good_bytes() == 0)
         _writer->append(journal_text::head(_model.dataset()));
-    _writer->append(_is_taken_up ? journal_text::go_on_with(_go_on_with)
-                                 : journal_text::stretch(_known[0], true));
+    _writer->append(_is_taken_up ? journal_text::go_on_with(_go_on_with) : journal_text::stretch(_base_hash));
     return true;
 }
 
@@ -192,31 +210,4 @@ void kept_work::tell_failure()
 {
     if (const std::string why = _writer->take_failure(); !why.empty())
         error_line(_journal_name, ": ", why);
-}
-
-// A new journal stands on the files as they are; the old one is put aside.
-void kept_work::rotate_journal()
-{
-    constexpr std::uintmax_t largest = std::uintmax_t{64} << 20;
-    std::error_code unreadable;
-    if (!_writer || unsaved_edits() > 0 || fs::file_size(_journal_name, unreadable) < largest || unreadable)
-        return;
-    _writer.reset();
-    if (!put_aside_compressed(_journal_name)) {
-        error_line("Cannot put aside ", _journal_name);
-        return;
-    }
-    _journal = std::make_unique<journal>("");
-    _is_taken_up = false;
-    const int fd = open_journal_file();
-    if (fd < 0)
-        return;
-    _writer = std::make_unique<journal_writer>(fd);
-    const companions files = files_now();
-    _writer->append(journal_text::head(_model.dataset()) + journal_text::stretch(files.hashes[0], false));
-    for (int i = 0; i < kept_in_count; ++i) {
-        const auto file = static_cast<kept_in>(i);
-        _writer->append(journal_text::saving(file, files.hashes[i], rest_of_file(file, _model)) +
-                        journal_text::saved(file, files.hashes[i]));
-    }
 }

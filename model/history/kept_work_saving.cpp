@@ -22,45 +22,58 @@ bool kept_work::save_all()
     }
     if (_model.is_busy())
         return false;
+    const Writing writing(_model);
     const file_set files = _history.state().unsaved_files();
     bool is_saved = true;
-    for (const kept_in file : {kept_in::rois, kept_in::lineage, kept_in::info, kept_in::false_positives})
+    for (const kept_in file :
+         {kept_in::rois, kept_in::lineage, kept_in::info, kept_in::false_positives, kept_in::recording})
         if ((files & bit_of(file)) != 0)
             is_saved = save_file(file) && is_saved;
-    if (is_saved && (files & bit_of(kept_in::nowhere)) != 0) {    // the journal keeps it
-        _history.state().saved(bit_of(kept_in::nowhere));
-        note(journal_text::saved(kept_in::nowhere, "-"));
-    }
+    if ((files & bit_of(kept_in::nowhere)) != 0)
+        is_saved = save_in_journal() && is_saved;
     if (_writer && !_writer->sync())
         tell_failure();
-    rotate_journal();
     _model.tell(&curation_observer::work_saved);
     return is_saved;
 }
 
+// What no file keeps: tracking marks.
+bool kept_work::save_in_journal()
+{
+    if (!_writer || !_writer->sync()) {
+        error_line("Tracking marks are not saved: no journal is kept of ", _names[0]);
+        return false;
+    }
+    _history.state().saved(bit_of(kept_in::nowhere));
+    note(journal_text::saved(kept_in::nowhere, "-"));
+    return true;
+}
+
 bool kept_work::save_file(kept_in file) { return keep_version_before(file) && write_file(file); }
 
-// What this run of the program has not seen is put aside; else it becomes the version before.
+// What this run of the program has not seen is put aside; else it becomes the version before, where there is
+// room for one.
 bool kept_work::keep_version_before(kept_in file)
 {
-    const int i = static_cast<int>(file);
-    const fs::path name = _names[i];
+    const std::string& name = _names[static_cast<int>(file)];
+    const std::string& known = _known[static_cast<int>(file)];
     std::error_code fault;
     if (!fs::exists(name, fault))
         return true;
-    if (_known[i].empty() || _known[i] != hash_of_file(_names[i])) {
-        const std::string aside = _names[i] + '.' + time_in_name();
-        fs::rename(name, aside, fault);
-        if (!fault)
-            error_line(_names[i], " was not read or has changed: put aside as ", aside);
-    } else {
-        fs::copy_file(name, _names[i] + '~', fs::copy_options::overwrite_existing, fault);
-        if (!fault && file == kept_in::rois && !fs::exists(_names[i] + ".orig"))
-            fs::copy_file(name, _names[i] + ".orig", fault);
+    if (known.empty() || known != hash_of_file(name)) {
+        const std::string aside = free_name(name + '.' + time_in_name());
+        if (!fs::copy_file(name, aside, fault))
+            error_line("Cannot put aside ", name, ": ", fault.message());
+        else
+            error_line(name, " was not read or has changed: put aside as ", aside);
+        return !fault;
     }
+    fs::copy_file(name, name + '~', fs::copy_options::overwrite_existing, fault);
     if (fault)
-        error_line("Cannot keep ", _names[i], ": ", fault.message());
-    return !fault;
+        error_line("Cannot keep the version before of ", name, ": ", fault.message());
+    else if (file == kept_in::rois && !fs::exists(name + ".orig", fault))
+        fs::copy_file(name, name + ".orig", fault);
+    return true;
 }
 
 bool kept_work::write_file(kept_in file)
@@ -73,22 +86,26 @@ bool kept_work::write_file(kept_in file)
         return write_lineage(name, _model.dataset(), _model.current_lineage());
     case kept_in::info:
         return write_mark_file(name, _model.dataset(), "SELECT", _model.selected());
+    case kept_in::recording:
+        return write_recording_file(name, _model.info());
     default:
         return write_mark_file(name, _model.dataset(), "FP", _model.false_positives());
     }
 }
 
 // Whoever replaces a file beside the recording: the journal tells before and after, so that its steps have
-// a file to stand on whenever the program ends.
+// a file to stand on whenever the program ends. What belongs to an open step is noted first: it is in the
+// file.
 void kept_work::before_replacing(const std::string& target, const std::string& content)
 {
-    const auto found = std::ranges::find(_names, target);
-    if (target.empty() || found == std::end(_names))
+    const int i = file_at(target);
+    if (i < 0 || (Writing::current && Writing::current != &_model))
         return;
     _coming = hash_of_file(content);
+    _model.end_step_so_far();
     if (!_writer)    // nothing was edited
         return;
-    const auto file = static_cast<kept_in>(found - std::begin(_names));
+    const auto file = static_cast<kept_in>(i);
     note(journal_text::saving(file, _coming, rest_of_file(file, _model)));
     if (!_writer->sync())
         tell_failure();
@@ -96,11 +113,11 @@ void kept_work::before_replacing(const std::string& target, const std::string& c
 
 void kept_work::after_replacing(const std::string& target, bool is_replaced)
 {
-    const auto found = std::ranges::find(_names, target);
-    if (target.empty() || found == std::end(_names) || !is_replaced)
+    const int i = file_at(target);
+    if (i < 0 || !is_replaced || (Writing::current && Writing::current != &_model))
         return;
-    const auto file = static_cast<kept_in>(found - std::begin(_names));
-    _known[found - std::begin(_names)] = _coming;
+    const auto file = static_cast<kept_in>(i);
+    _known[i] = _coming;
     _history.state().saved(bit_of(file));
     if (_writer)
         note(journal_text::saved(file, _coming));

@@ -2,6 +2,7 @@
 
 #include "keygen.h"
 #include "q_roiimgdb.h"
+#include "recording_file.h"
 #include "roidb_plus.h"
 
 #include <algorithm>
@@ -175,6 +176,8 @@ std::set<std::string>* marks_in(const curation_tables& tables, change_kind kind)
         return tables.false_positives;
     case change_kind::forward:
         return tables.forward;
+    case change_kind::note:
+        return tables.notes;
     default:
         return tables.backward;
     }
@@ -201,6 +204,8 @@ bool apply(const change& c, bool forward, const curation_tables& tables)
     case change_kind::link:
         return !tables.links ||
                change_entry(*tables.links, c.text(0), c.text(1), c.sign, forward, c.number(2));
+    case change_kind::scale:
+        return !tables.info || take_recording_text(c.text(forward ? 1 : 0), *tables.info);
     case change_kind::chosen:
         return !tables.chosen || change_choice(c, forward, *tables.chosen);
     default:
@@ -221,6 +226,14 @@ bool apply_all(const edit_step& step, bool forward, const curation_tables& table
         is_exact = c && apply(*c, forward, tables) && is_exact;
     }
     return is_exact;
+}
+
+// The key of a change that is no ROI: a note has it behind its first word.
+std::string key_in(const change& c)
+{
+    const std::string text = c.text(0);
+    return c.kind == change_kind::note ? text.substr(std::min(text.find(' '), text.size() - 1) + 1, 12)
+                                       : text;
 }
 
 // ---- What a step has touched
@@ -249,15 +262,15 @@ bool redo_step(const edit_step& step, const curation_tables& tables, file_set fi
 // Looks at the entries of the keys that the step names, alone.
 bool amounts_to_nothing(const edit_step& step, const curation_tables& tables)
 {
-    if (!step.is_balanced() ||
-        step.concerns(kept_in::rois))    // ROIs that come and go are never the same ones
+    // ROIs that come and go are never the same ones; sizes are changed only to others.
+    if (!step.is_balanced() || step.concerns(kept_in::rois) || step.concerns(kept_in::recording))
         return false;
     std::multimap<std::string, std::string> units, links;
     std::map<std::string, std::string> heads;
     std::set<std::string> marks[kind_count];
     for (const std::string_view line : lines_of(step.changes())) {
         const std::optional<change> c = read_change(line);
-        if (!c || c->kind == change_kind::chosen)
+        if (!c || c->kind == change_kind::chosen || c->kind == change_kind::scale)
             continue;
         const std::string key = c->text(0);
         if (c->kind == change_kind::unit)
@@ -280,7 +293,8 @@ bool amounts_to_nothing(const edit_step& step, const curation_tables& tables)
                            .selected = marks_of(change_kind::selected),
                            .false_positives = marks_of(change_kind::false_positive),
                            .forward = marks_of(change_kind::forward),
-                           .backward = marks_of(change_kind::backward)});
+                           .backward = marks_of(change_kind::backward),
+                           .notes = marks_of(change_kind::note)});
     return units == units_after && links == links_after && heads == heads_after &&
            std::ranges::equal(marks, marks_after);
 }
@@ -291,7 +305,7 @@ bool find_place(const edit_step& step, step_place here, step_place& found)
     bool is_found = false;
     for (const std::string_view line : lines_of(step.changes())) {
         const std::optional<change> c = read_change(line);
-        const std::string key = c && c->kind != change_kind::roi ? c->text(0) : std::string();
+        const std::string key = c && c->kind != change_kind::roi ? key_in(*c) : std::string();
         if (!c || (c->kind != change_kind::roi && (key.size() < shortest_key || !is_roi_key(key))))
             continue;
         const pos4i at = c->kind == change_kind::roi ? pos4i(0, 0, c->number(2), c->number(3)) : decode(key);

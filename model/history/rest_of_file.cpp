@@ -58,6 +58,10 @@ void add_lineage(edit_step& step, const curation& model)
     for (const std::string& unit : model.elite())
         if (!written.elite.contains(unit))
             step.add(change_kind::elite, unit);
+    const unit_notes noted = notes_of(written);
+    for (const std::string& note : model.notes())
+        if (!noted.contains(note))
+            step.add(change_kind::note, note);
 }
 
 void add_index(edit_step& step, const roidb_plus& rois)
@@ -92,7 +96,7 @@ edit_step rest_of_file(kept_in file, const curation& model)
         add_marks(step, change_kind::forward, model.tracked_forward());
         add_marks(step, change_kind::backward, model.tracked_backward());
         if (!model.chosen().empty())
-            step.choose("", model.chosen());
+            step.exchange(change_kind::chosen, "", model.chosen());
     }
     return step;
 }

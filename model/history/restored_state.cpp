@@ -3,6 +3,7 @@
 #include "lineage_file.h"
 #include "mark_files.h"
 #include "replay.h"
+#include "unit_notes.h"
 
 #include <array>
 #include <utility>
@@ -29,9 +30,6 @@ std::optional<starting_points> find_start(const journal_stretch& stretch, const 
         start.saved_in[file] = &event;
     }
     const bool is_on_roi_file = start.saved_in[0] || stretch.roi_hash == files.hashes[0];
-    for (std::size_t file = 1; !stretch.is_whole && file < kept_in_count; ++file)
-        if (!start.saved_in[file])
-            return std::nullopt;
     return is_on_roi_file ? std::optional(start) : std::nullopt;
 }
 
@@ -49,8 +47,14 @@ bool read_files(restored_state& state, const starting_points& start, const compa
     if (!state.rois->read_plus(files.names[0]))
         return false;
     const std::string& dataset = state.rois->name();
+    state.read_hashes[0] = files.hashes[0];
+    state.read_hashes[static_cast<int>(kept_in::recording)] =
+        files.hashes[static_cast<int>(kept_in::recording)];
+    state.info = read_recording_file(files.names[static_cast<int>(kept_in::recording)]);
     const auto is_read = [&](kept_in file) {
         const auto i = static_cast<std::size_t>(file);
+        if (start.saved_in[i])
+            state.read_hashes[i] = files.hashes[i];
         return start.saved_in[i] && !files.hashes[i].empty();    // else there was none, and is none
     };
     if (is_read(kept_in::lineage)) {
@@ -59,6 +63,7 @@ bool read_files(restored_state& state, const starting_points& start, const compa
         if (!units)
             return false;
         state.members_head = heads_of_members(*units);
+        state.notes = notes_of(*units);
         state.head_members = std::move(units->head_members);
         state.links = std::move(units->links);
         state.elite = std::move(units->elite);
@@ -128,6 +133,8 @@ curation_tables restored_state::tables()
             .false_positives = &false_positives,
             .forward = &forward,
             .backward = &backward,
+            .notes = &notes,
+            .info = &info,
             .chosen = &chosen};
 }
 

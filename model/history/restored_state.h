@@ -5,6 +5,7 @@
 #include "edit_step.h"
 #include "journal.h"
 #include "q_roiimgdb.h"
+#include "recording_file.h"
 #include "roidb_plus.h"
 
 #include <map>
@@ -17,8 +18,10 @@ struct restored_state {
     std::unique_ptr<roidb_plus> rois;
     std::multimap<std::string, std::string> head_members, links;
     std::map<std::string, std::string> members_head;
-    std::set<std::string> elite, selected, false_positives, forward, backward, chosen;
+    std::set<std::string> elite, selected, false_positives, forward, backward, chosen, notes;
+    recording_info info;
     edit_history history;
+    std::string read_hashes[kept_in_count];    // of the files that were read for it; else ""
 
     [[nodiscard]] curation_tables tables();
 };

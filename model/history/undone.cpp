@@ -16,7 +16,11 @@ void curation::take_over(restored_state state)
     m_removed_roi_set = std::move(state.false_positives);
     m_fwd_roi_set = std::move(state.forward);
     m_bwd_roi_set = std::move(state.backward);
+    m_unit_notes = std::move(state.notes);
+    m_info = state.info;
     m_lineage_mode_roi_set = std::move(state.chosen);
+    m_min_time_point = m_roidb->t_min();
+    m_max_time_point = m_roidb->t_max();
     forget_what_is_gone();
 }
 
@@ -26,9 +30,8 @@ void curation::forget_what_is_gone()
     std::erase_if(m_split_parents, is_gone);
     std::erase_if(m_falsely_grouped_units_candidates, is_gone);
     std::erase_if(m_lineage_mode_roi_set, [&](const string& unit) { return unit != "N/A" && is_gone(unit); });
-    std::erase_if(m_mouse_over_roi_set, [this](const string& key) { return !m_roidb->db.contains(key); });
-    m_min_time_point = m_roidb->t_min();
-    m_max_time_point = m_roidb->t_max();
+    std::erase_if(m_mouse_over_roi_set,
+                  [this](const string& key) { return !m_roidb || !m_roidb->db.contains(key); });
     ++m_edits;
     notify();
 }

@@ -52,7 +52,7 @@ std::map<int, tally> count_lineage(const curation& model)
     for_each_key(model.links(), [&](const std::string& child, int count) {
         tally& at = tallies[decode(child).t()];
         at.links += count;
-        at.doubtful += count > 1;
+        at.doubtful += count > 1 && !model.is_false(child);
     });
     for_each_key(model.head_members(), [&](const std::string& unit, int) {
         const int t = decode(unit).t();
@@ -60,8 +60,12 @@ std::map<int, tally> count_lineage(const curation& model)
             return;
         tally& at = tallies[t];
         ++at.units;
-        at.dead_ends += t < model.max_time_point() && !parents.contains(unit);
-        at.unlinked += t > model.min_time_point() && !model.links().contains(unit);
+        const bool has_child = parents.contains(unit);
+        const bool has_parent = model.links().contains(unit);
+        if (model.is_false(unit) || (!has_child && !has_parent && model.head_members().count(unit) == 1))
+            return;    // false, or set aside
+        at.dead_ends += t < model.max_time_point() && !has_child;
+        at.unlinked += t > model.min_time_point() && !has_parent;
     });
     return tallies;
 }

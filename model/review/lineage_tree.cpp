@@ -36,9 +36,11 @@ std::vector<tree_node> make_nodes(curation& model, const std::string& chosen)
         node.unit = unit;
         node.t = decode(unit).t();
         node.is_elite = model.elite().contains(unit);
-        node.is_doubtful = model.links().count(unit) > 1;
-        node.is_unlinked = node.t > model.min_time_point() && !model.links().contains(unit);
-        node.is_dead_end = node.t < model.max_time_point();    // until a link says otherwise
+        const bool counts = !model.is_false(unit);
+        node.is_doubtful = counts && model.links().count(unit) > 1;
+        node.is_unlinked = counts && node.t > model.min_time_point() && !model.links().contains(unit);
+        node.is_dead_end = counts && node.t < model.max_time_point();    // until a link says otherwise
+        node.is_small = model.head_members().count(unit) == 1;
         nodes.push_back(std::move(node));
     }
     return nodes;
@@ -61,6 +63,16 @@ void hang_children(lineage_tree& tree, const curation& model)
         } else {
             tree.slanted.push_back({c, p});
         }
+    }
+}
+
+// Units of one ROI without a link are set aside.
+void set_lone_ones_aside(lineage_tree& tree)
+{
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+        tree_node& node = tree.nodes[i];
+        if (node.is_small && node.children.empty() && node.parent == i)
+            node.is_dead_end = node.is_unlinked = false;
     }
 }
 
@@ -128,6 +140,7 @@ lineage_tree make_tree(curation& model, const std::string& chosen)
     lineage_tree tree;
     tree.nodes = make_nodes(model, chosen);
     hang_children(tree, model);
+    set_lone_ones_aside(tree);
     order_nodes(tree);
     set_columns(tree);
     set_rows(tree);

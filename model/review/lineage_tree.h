@@ -14,6 +14,7 @@ struct tree_node {
     bool is_doubtful = false;
     bool is_dead_end = false;
     bool is_unlinked = false;
+    bool is_small = false;     // one ROI alone
     std::size_t parent = 0;    // the parent with the smallest key, under which it hangs; itself for a root
     std::vector<std::size_t> children;    // those that hang under it
 };

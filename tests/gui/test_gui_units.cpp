@@ -214,7 +214,9 @@ private slots:
     void makesUnitsAndLinksOfTheWholeRecording()
     {
         TwoNuclei s;
-        QCOMPARE(s.page->overlap->value(), 0.0);    // the best by docs/units.md
+        QVERIFY(s.page->rule->currentText() == "Nearest" &&
+                s.page->overlap->value() == 0.3);    // docs/units.md
+        ScriptedDialogs user({"Only ROIs in no unit", "", "All anew", "Untouched", "All anew"});
         s.w.m_removed_roi_set = {"000021120050"};
         s.page->make_units->click();
         QCOMPARE(s.w.head("000021120050"), "N/A");
@@ -230,11 +232,24 @@ private slots:
         QVERIFY(!s.w.m_auto_make_units);
         s.w.link("000020100050", "001020121050");
         const auto links = s.w.m_linkage_multimap;
-        ScriptedDialogs user({"&No", "&Yes"});
         s.page->make_links->click();
         QCOMPARE(s.w.m_linkage_multimap, links);
         s.page->make_links->click();
-        QCOMPARE(user.seen.size(), 2);
+        QCOMPARE(user.seen.size(), 3);
+        QCOMPARE(s.w.m_linkage_multimap.size(), links.size() - 1);
+        QVERIFY(user.seen[2].contains("All anew: 5 links -> 4"));
+        // What a person has made stays: the merged unit of time point 0, or nothing.
+        s.w.note_edited("000020120050");
+        const auto merged = s.w.member("000020120050");
+        s.w.mergeUnits("001020101050", "001020121050");
+        s.page->make_units->click();
+        QVERIFY(user.seen[3].contains("Untouched: 5 units -> 6"));
+        QVERIFY(s.w.member("000020120050") == merged && s.w.units(1).size() == 2);
+        s.page->make_units->click();
+        QVERIFY(s.w.units(0).size() == 2 && s.w.m_linkage_multimap.empty());
+        s.w.undo();    // all of it
+        s.w.undo();
+        s.w.undo();
         QCOMPARE(s.w.m_linkage_multimap.size(), links.size() - 1);
         s.w.m_elite_head_roi_set = {"000020100050", "002020122050"};
         s.page->elite->click();    // of the time point on view one of two is: both become

@@ -1,0 +1,252 @@
+// Making units and links of whole time points, by either rule, and again with care for what is there.
+#include "curation.h"
+#include "edit_scope.h"
+#include "keygen.h"
+#include "long_run.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+
+namespace {
+
+using key_set = std::set<std::string>;
+
+}    // namespace
+
+bool curation::is_touched(const string& unit)
+{
+    return isElite(unit) || m_unit_notes.contains("EDITED " + unit);
+}
+
+// Whether making leaves the unit of this ROI, if it is in one, as it is.
+bool curation::is_spared(const string& key, spared spares)
+{
+    const string unit = spares == spared::nothing ? string() : head(key);
+    if (unit.empty() || unit == "N/A")
+        return false;
+    return spares == spared::what_is || is_touched(unit);
+}
+
+bool curation::may_be_grouped(const string& key, spared spares)
+{
+    return m_roidb->db.contains(key) && !m_removed_roi_set.contains(key) && !is_spared(key, spares);
+}
+
+// ---- Units
+
+void curation::make_units(int t, double overlap)
+{
+    make_units(t, {unit_rule::overlap, overlap, spared::what_is});
+}
+
+// A unit is entered once it is complete: what a handler does meanwhile never meets half of one.
+void curation::make_units(int t, const making& how)
+{
+    if (!has_rois())
+        return;
+    const EditScope step(*this, "Make units");
+    const LongRun run(*this);
+    m_auto_make_units = true;
+    const auto done = qScopeGuard([state = m_run_state] {
+        if (state->model)    // a handler may delete it
+            state->model->m_auto_make_units = false;
+    });
+    const std::optional<key_groups> groups = groups_at(t, how);
+    if (!groups)
+        return;
+    for (const string& unit : units_to_make_anew(t, how.spares))
+        dissolve(unit);
+    for (set<string> members : *groups) {
+        const string named = *members.begin();
+        std::erase_if(members, [&](const string& key) {    // a handler may have taken it
+            return m_members_head.contains(key) || !m_roidb->db.contains(key);
+        });
+        if (!members.empty())
+            register_unit(members.contains(named) ? named : *members.begin(), members);
+    }
+}
+
+std::optional<std::size_t> curation::units_after_making(int t, const making& how)
+{
+    const std::optional<key_groups> groups = has_rois() ? groups_at(t, how) : std::nullopt;
+    if (!groups)
+        return std::nullopt;
+    return units(t).size() - units_to_make_anew(t, how.spares).size() + groups->size();
+}
+
+std::set<std::string> curation::units_to_make_anew(int t, spared spares)
+{
+    set<string> found = spares == spared::what_is ? set<string>() : units(t);
+    std::erase_if(found, [&](const string& unit) { return is_spared(unit, spares); });
+    return found;
+}
+
+// The ROIs that belong together, each group named by its first; nothing when the recording was closed
+// meanwhile.
+std::optional<curation::key_groups> curation::groups_at(int t, const making& how)
+{
+    return how.rule == unit_rule::nearest ? groups_by_nearest(t, how) : groups_by_overlap(t, how);
+}
+
+std::optional<curation::key_groups> curation::groups_by_nearest(int t, const making& how)
+{
+    LongRun run(*this);
+    std::vector<string> keys;
+    std::vector<const roi_mask*> rasters;
+    const auto [first, last] = at_time_point(m_roidb->db, t);
+    for (auto entry = first; entry != last; ++entry) {
+        if (!may_be_grouped(entry->first, how.spares))
+            continue;
+        keys.push_back(entry->first);
+        rasters.push_back(m_q_roiimgdb->qrimg(entry->second));
+    }
+    const auto found = group_nearest(rasters, {.share = how.share}, [&run] { return run.poll_events(); });
+    if (!run.alive())
+        return std::nullopt;
+    key_groups groups;
+    for (const roi_group& group : found) {
+        set<string>& members = groups.emplace_back();
+        for (const std::size_t i : group)
+            members.insert(keys[i]);
+    }
+    return groups;
+}
+
+// Plane by plane from the lowest, each ROI takes in those on neighbouring planes that share enough with it,
+// and so on.
+std::optional<curation::key_groups> curation::groups_by_overlap(int t, const making& how)
+{
+    LongRun run(*this);
+    std::vector<roi> free;
+    const auto [first, last] = at_time_point(m_roidb->db, t);
+    for (auto entry = first; entry != last; ++entry)
+        if (may_be_grouped(entry->first, how.spares))
+            free.push_back(entry->second);
+    key_groups groups;
+    set<string> taken;
+    for (const roi& r : free) {
+        const string key = keygen(r);
+        if (!taken.insert(key).second)
+            continue;
+        set<string> members{key};
+        flood(r, t, r.z(), 0.0, how.share, [&](const string& reached) {
+            const bool is_new =
+                reached == key || (may_be_grouped(reached, how.spares) && taken.insert(reached).second);
+            return is_new && (members.insert(reached).second || (reached == key && members.size() == 1));
+        });
+        if (!run.alive())
+            return std::nullopt;
+        groups.push_back(std::move(members));
+    }
+    return groups;
+}
+
+// Its ROIs are in no unit then, and its links gone.
+void curation::dissolve(const string& unit)
+{
+    release_links(unit, {parents(unit), children(unit)});
+    forget_unit(unit);
+    set_mark(change_kind::elite, unit, false);
+    rename_unit(unit, "");
+}
+
+// ---- Links
+
+link_making::link_making(curation& model, const making& how)
+    : _model(model), _how(how), _run(model), _linker(model.info().scale)
+{
+}
+
+bool link_making::step(int t)
+{
+    const EditScope step(_model, "Make links");
+    const std::optional<link_set> links = find(t);
+    if (links)
+        _model.enter_links(t, *links, _how.spares);
+    return links.has_value();
+}
+
+std::optional<std::size_t> link_making::count(int t)
+{
+    const std::optional<link_set> links = find(t);
+    if (!links)
+        return std::nullopt;
+    std::size_t kept = 0;
+    std::set<std::string> linked;
+    for (auto [entry, last] = _model.links_into(t); entry != last; ++entry)
+        if (_model.is_spared(*entry, _how.spares)) {
+            ++kept;
+            linked.insert(entry->first);
+        }
+    return kept + static_cast<std::size_t>(std::ranges::count_if(
+                      *links, [&](const auto& link) { return !linked.contains(link.first); }));
+}
+
+// Nothing when the recording was closed meanwhile.
+std::optional<link_making::link_set> link_making::find(int t)
+{
+    if (!_run.alive())
+        return std::nullopt;
+    return _how.rule == unit_rule::overlap ? _model.links_by_overlap(t) : find_by_nearest(t);
+}
+
+// The units of a time point by their rasters, in the order of their heads.
+void link_making::collect(int t, std::vector<std::string>& heads, std::vector<unit_rasters>& rasters)
+{
+    for (const std::string& unit : _model.units(t)) {
+        heads.push_back(unit);
+        unit_rasters& of_unit = rasters.emplace_back();
+        for (const std::string& key : _model.member(unit))
+            if (const auto r = _model.m_roidb->db.find(key); r != _model.m_roidb->db.end())
+                of_unit.push_back(_model.m_q_roiimgdb->qrimg(r->second));
+    }
+}
+
+std::optional<link_making::link_set> link_making::find_by_nearest(int t)
+{
+    std::vector<std::string> heads;
+    std::vector<unit_rasters> rasters;
+    if (!_has_begun) {    // the time point before the first, which has its links
+        collect(t - 1, _before, rasters);
+        (void)_linker.link(rasters);
+        rasters.clear();
+        _has_begun = true;
+    }
+    collect(t, heads, rasters);
+    const auto found = _linker.link(rasters, [this] { return _run.poll_events(); });
+    if (!_run.alive())
+        return std::nullopt;
+    link_set links;
+    for (const unit_link& link : found)
+        links.emplace(heads[link.child], _before[link.parent]);
+    _before = std::move(heads);
+    return links;
+}
+
+bool curation::is_spared(const std::pair<const string, string>& link, spared spares)
+{
+    return spares == spared::what_is ||
+           (spares == spared::touched && is_touched(link.first) && is_touched(link.second));
+}
+
+// A child that keeps a link to a parent is not linked to others; nor is one whose unit has gone meanwhile.
+void curation::enter_links(int t, const set<std::pair<string, string>>& links, spared spares)
+{
+    for (auto [entry, last] = links_into(t); entry != last;) {
+        const auto next = std::next(entry);
+        const bool is_kept =
+            spares == spared::what_is ||
+            (spares == spared::touched && is_touched(entry->first) && is_touched(entry->second));
+        if (!is_kept)
+            remove_link(entry);
+        entry = next;
+    }
+    set<string> linked;
+    const auto [first, last] = links_into(t);
+    for (auto entry = first; entry != last; ++entry)
+        linked.insert(entry->first);
+    for (const auto& [child, parent] : links)
+        if (!linked.contains(child) && m_head_members.contains(child) && m_head_members.contains(parent))
+            enter_link(child, parent);
+}
