@@ -34,6 +34,10 @@ void check_sound(const lineage& units, const roidb& rois)
     }
     for (const std::string& head : units.elite)
         require(units.head_members.contains(head), "an elite mark is on a unit");
+    for (const auto& [earlier, later] : units.gaps)
+        require(units.head_members.contains(earlier) && units.head_members.contains(later) &&
+                    decode(later).t() > decode(earlier).t() + 1,
+                "a gap lies between two units");
 }
 
 }    // namespace
@@ -49,7 +53,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(write_lineage(copy, "emb", *units), "a file is written");
     const auto again = read_lineage(copy, "emb", rois);
     require(again && in_order(again->head_members) == in_order(units->head_members) &&
-                in_order(again->links) == in_order(units->links) && again->elite == units->elite,
+                in_order(again->links) == in_order(units->links) && again->elite == units->elite &&
+                again->edited == units->edited && again->reviewed == units->reviewed &&
+                again->dismissed == units->dismissed && again->gaps == units->gaps &&
+                again->called == units->called,
             "what is written reads back");
     return 0;
 }

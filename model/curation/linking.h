@@ -4,17 +4,13 @@
 // outlined in few planes loses its link. What all of them have in common (the drift of the sample) is taken
 // out first. Lengths are in micrometres, volumes in cubic micrometres.
 #pragma once
+#include "physical_scale.h"
 #include "roi_mask.h"
 
 #include <cstddef>
 #include <functional>
 #include <span>
 #include <vector>
-
-struct physical_scale {
-    double pixel_um = 0.105;    // width of a pixel
-    double plane_um = 0.5;      // from one focal plane to the next
-};
 
 // Distances of two units are in sums of their radii, those of spheres of their volumes: at 1 the spheres
 // touch.

@@ -81,9 +81,9 @@ public:
             return take_member(std::string(words[1]), std::string(words[2]));
         if (keyword == "LINK" && words.size() == 3)
             return take_link(std::string(words[1]), std::string(words[2]));
-        if (keyword == "ELITE" && words.size() == 2)
-            return take_elite(std::string(words[1]));
-        return "no UNIT, LINK or ELITE line";
+        if (words.size() == 2)
+            return take_mark(keyword, std::string(words[1]));
+        return take_note(words);
     }
 
     [[nodiscard]] lineage& result() noexcept { return _lineage; }
@@ -103,6 +103,7 @@ public:
     }
 
 private:
+    static constexpr const char* unknown = "no line of a lineage file";
     static constexpr std::size_t time_point_field = 3;               // characters of a key
     using roi_table = std::unordered_map<std::string_view, bool>;    // ROI to whether it is in a unit
 
@@ -156,15 +157,74 @@ private:
         return nullptr;
     }
 
-    const char* take_elite(std::string head)
+    const char* take_mark(std::string_view keyword, std::string head)
     {
-        if (!is_unit(head))
-            return "an elite mark on what is no unit";
-        _lineage.elite.insert(_lineage.elite.end(), std::move(head));
+        const struct {
+            const char* keyword;
+            std::set<std::string>& marks;
+            const char* fault;
+        } kinds[] = {
+            {"ELITE", _lineage.elite, "an elite mark on what is no unit"},
+            {"EDITED", _lineage.edited, "an edited mark on what is no unit"},
+            {"REVIEWED", _lineage.reviewed, "a reviewed mark on what is no unit"},
+        };
+        for (const auto& kind : kinds) {
+            if (keyword != kind.keyword)
+                continue;
+            if (!is_unit(head))
+                return kind.fault;
+            kind.marks.insert(kind.marks.end(), std::move(head));
+            return nullptr;
+        }
+        return unknown;
+    }
+
+    const char* take_note(const std::vector<std::string_view>& words)
+    {
+        if (words.size() < 3)
+            return unknown;
+        if (words[0] == "CALLED")
+            return take_name_of(std::string(words[1]), words[2], words.back());
+        if (words[0] == "GAP" && words.size() == 3)
+            return take_gap(std::string(words[1]), std::string(words[2]));
+        if (words[0] == "DISMISSED" && words.size() <= 4)
+            return take_dismissal({std::string(words[1]), std::string(words[2]),
+                                   words.size() == 4 ? std::string(words[3]) : std::string()});
+        return unknown;
+    }
+
+    const char* take_gap(std::string earlier, std::string later)
+    {
+        if (!is_unit(earlier) || !is_unit(later))
+            return "a gap between what are no units";
+        if (decode(later).t() < decode(earlier).t() + 2)
+            return "a gap between units that are not two time points apart or more";
+        _lineage.gaps.emplace_hint(_lineage.gaps.end(), std::move(earlier), std::move(later));
         return nullptr;
     }
 
+    const char* take_dismissal(dismissal d)
+    {
+        if (!is_roi(d.head) || (!d.other.empty() && !is_roi(d.other)))
+            return "a dismissal of what is no ROI";
+        _lineage.dismissed.insert(_lineage.dismissed.end(), std::move(d));
+        return nullptr;
+    }
+
+    // From the first word to the last of the line that both are of.
+    const char* take_name_of(std::string head, std::string_view first, std::string_view last)
+    {
+        if (!is_unit(head))
+            return "a name of what is no unit";
+        std::string name(first.data(), last.data() + last.size());
+        if (!is_unit_name(name))
+            return "a name with control characters";
+        return _lineage.called.emplace(std::move(head), std::move(name)).second ? nullptr
+                                                                                : "a unit with two names";
+    }
+
     [[nodiscard]] bool is_unit(const std::string& head) const { return _lineage.head_members.contains(head); }
+    [[nodiscard]] bool is_roi(const std::string& key) const { return _rois->db.contains(key); }
 
     std::string _dataset;
     bool _is_named = false;
@@ -183,6 +243,25 @@ void append_pairs(replacing_file& file, const char* keyword,
         file.append(keyword + first + ' ' + second + '\n');
 }
 
+void append_marks(replacing_file& file, const char* keyword, const std::set<std::string>& heads)
+{
+    for (const std::string& head : heads)
+        file.append(keyword + head + '\n');
+}
+
+void append_notes(replacing_file& file, const lineage& units)
+{
+    for (const dismissal& d : units.dismissed)
+        file.append("DISMISSED " + d.kind + ' ' + d.head + (d.other.empty() ? "" : ' ' + d.other) + '\n');
+    for (const auto& [earlier, later] : units.gaps)
+        file.append("GAP " + earlier + ' ' + later + '\n');
+    for (const auto& [head, name] : units.called)
+        if (is_unit_name(name))
+            file.append("CALLED " + head + ' ' + name + '\n');
+        else
+            error_line("A name that is not kept, as it could not be read back: ", head);
+}
+
 }    // namespace
 
 std::map<std::string, std::string> heads_of_members(const lineage& units)
@@ -199,6 +278,13 @@ in_order(const std::multimap<std::string, std::string>& pairs)
     std::vector<std::pair<std::string, std::string>> sorted(pairs.begin(), pairs.end());
     std::sort(sorted.begin(), sorted.end());
     return sorted;
+}
+
+bool is_unit_name(const std::string& name) noexcept
+{
+    const auto is_control = [](unsigned char c) { return c < ' ' || c == 0x7f; };
+    return !name.empty() && name.front() != ' ' && name.back() != ' ' &&
+           std::none_of(name.begin(), name.end(), is_control);
 }
 
 std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,
@@ -231,7 +317,9 @@ bool write_lineage(const std::string& filename, const std::string& dataset, cons
     file.append("NAME " + dataset + '\n');
     append_pairs(file, "UNIT ", units.head_members);
     append_pairs(file, "LINK ", units.links);
-    for (const std::string& head : units.elite)
-        file.append("ELITE " + head + '\n');
+    append_marks(file, "ELITE ", units.elite);
+    append_marks(file, "EDITED ", units.edited);
+    append_marks(file, "REVIEWED ", units.reviewed);
+    append_notes(file, units);
     return file.commit_or_say("Cannot open ");
 }

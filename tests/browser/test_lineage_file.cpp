@@ -25,6 +25,11 @@ const std::string sound = "NAME emb\nUNIT " + a0 + " " + a0 + "\nUNIT " + a0 + "
                           " " + b0 + "\nUNIT " + c0 + " " + c0 + "\nLINK " + b0 + " " + a0 + "\nLINK " + b0 +
                           " " + a0 + "\nELITE " + a0 + "\n";
 
+const std::string noted = sound + "EDITED " + b0 + "\nREVIEWED " + a0 + "\nREVIEWED " + c0 +
+                          "\nDISMISSED joined_outline " + b0 + " " + a0 + "\nDISMISSED no_unit " + b1 +
+                          "\nGAP " + a0 + " " + c0 + "\nCALLED " + a0 + " ABal  (left) \u00e9\nCALLED " + c0 +
+                          " P1\n";
+
 // Reads what is in the file, and what is said about it after the file name.
 std::pair<std::optional<lineage>, std::string> read(const std::string& text)
 {
@@ -40,12 +45,25 @@ std::pair<std::optional<lineage>, std::string> read(const std::string& text)
 
 TEST(lineage_file, what_is_written_reads_back_to_the_byte)
 {
-    const auto units = read(sound).first;    // a link stored twice stays so
+    auto units = read(sound).first;    // a link stored twice stays so
     ASSERT_TRUE(units);
     EXPECT_EQ(heads_of_members(*units).at(a1), a0);
     const temp_folder folder;
-    ASSERT_TRUE(write_lineage(folder.path("y"), "emb", *units));
-    EXPECT_EQ(folder.contents("y"), sound);
+    for (const std::string& text : {sound, noted}) {
+        units = read(text).first;
+        ASSERT_TRUE(units) << text;
+        ASSERT_TRUE(write_lineage(folder.path("y"), "emb", *units));
+        EXPECT_EQ(folder.contents("y"), text);
+    }
+    EXPECT_EQ(units->called.at(a0), "ABal  (left) \u00e9");
+    testing::internal::CaptureStderr();
+    for (const char* const name : {"", " a", "a ", "a\nUNIT", "a\tb"}) {
+        units->called[c0] = name;
+        EXPECT_TRUE(write_lineage(folder.path("y"), "emb", *units));
+    }
+    EXPECT_EQ(folder.contents("y"), noted.substr(0, noted.rfind("CALLED"))) << "what cannot be read back";
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(c0), std::string::npos);
+    units->called.clear();
     testing::internal::CaptureStderr();
     EXPECT_FALSE(write_lineage(folder.path("no/such"), "emb", *units));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Cannot open " + folder.path("no/such") + "\n");
@@ -69,7 +87,21 @@ TEST(lineage_file, a_file_that_is_not_sound_is_refused_with_the_number_of_its_li
         {sound + "LINK " + b1 + " " + a0 + "\n", ":9: a link of what is no unit\n"},
         {"NAME emb\nUNIT " + a0 + " " + a1 + "\n", ":2: a unit without the ROI that names it\n"},
         {sound + "ELITE " + b1 + "\n", ":9: an elite mark on what is no unit\n"},
-        {sound + "LINK " + c0, ":9: no UNIT, LINK or ELITE line\n"},
+        {sound + "LINK " + c0, ":9: no line of a lineage file\n"},
+        {sound + "GAP " + a0 + " " + b0,
+         ":9: a gap between units that are not two time points apart or more\n"},
+        {sound + "GAP " + c0 + " " + a0,
+         ":9: a gap between units that are not two time points apart or more\n"},
+        {sound + "GAP " + a1 + " " + c0, ":9: a gap between what are no units\n"},
+        {sound + "EDITED " + a1, ":9: an edited mark on what is no unit\n"},
+        {sound + "REVIEWED " + b1, ":9: a reviewed mark on what is no unit\n"},
+        {sound + "DISMISSED waist 009009009009", ":9: a dismissal of what is no ROI\n"},
+        {sound + "DISMISSED waist " + a0 + " x", ":9: a dismissal of what is no ROI\n"},
+        {sound + "DISMISSED " + a0, ":9: no line of a lineage file\n"},
+        {sound + "CALLED " + a0, ":9: no line of a lineage file\n"},
+        {sound + "CALLED " + a1 + " P1", ":9: a name of what is no unit\n"},
+        {noted + "CALLED " + a0 + " P2", ":17: a unit with two names\n"},
+        {sound + "CALLED " + a0 + " P\x01", ":9: a name with control characters\n"},
     };
     for (const auto& c : cases) {
         const auto [units, said] = read(c.text);

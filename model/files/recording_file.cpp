@@ -1,0 +1,130 @@
+#include "recording_file.h"
+
+#include "error_line.h"
+#include "file_io.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cmath>
+#include <filesystem>
+
+namespace {
+
+constexpr int last_plane = 999;    // what keys have room for
+constexpr std::size_t longest_file = 1 << 16;
+
+// Each take_ function leaves `value` alone when there is no such member; false when it is none of its kind.
+bool take_positive(const QJsonObject& from, const char* name, double& value)
+{
+    const QJsonValue found = from[QLatin1String(name)];
+    if (found.isUndefined())
+        return true;
+    const double number = found.toDouble();    // 0 for what is no number
+    if (!(number > 0) || !std::isfinite(number))
+        return false;
+    value = number;
+    return true;
+}
+
+bool take_interval(const QJsonObject& from, std::optional<double>& interval)
+{
+    double seconds = 0;
+    if (!take_positive(from, "interval_s", seconds))
+        return false;
+    if (seconds > 0)
+        interval = seconds;
+    return true;
+}
+
+bool take_planes(const QJsonObject& from, std::optional<plane_range>& planes)
+{
+    const QJsonValue found = from["focal_planes"];
+    if (found.isUndefined())
+        return true;
+    const QJsonArray pair = found.toArray();
+    const plane_range range{pair.at(0).toInt(-1), pair.at(1).toInt(-1)};    // -1 for what is no whole number
+    if (pair.size() != 2 || range.first < 0 || range.last < range.first || range.last > last_plane)
+        return false;
+    planes = range;
+    return true;
+}
+
+// What is wrong with the text, or nothing.
+const char* parse(const std::string& text, recording_info& info)
+{
+    if (text.size() > longest_file)
+        return "too long for what describes a recording";
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(text));
+    if (!document.isObject())
+        return "no JSON object";
+    const QJsonObject object = document.object();
+    if (!take_positive(object, "pixel_um", info.scale.pixel_um))
+        return "pixel_um is no positive number";
+    if (!take_positive(object, "plane_um", info.scale.plane_um))
+        return "plane_um is no positive number";
+    if (!take_interval(object, info.interval_s))
+        return "interval_s is no positive number";
+    if (!take_planes(object, info.focal_planes))
+        return "focal_planes are no two planes of 0 to 999 in ascending order";
+    return nullptr;
+}
+
+std::string contents(file_reader& file)
+{
+    std::string text;
+    while (file.peek() >= 0 && text.size() <= longest_file) {
+        const auto piece = file.at_hand();
+        text.append(piece);
+        file.take(piece.size());
+    }
+    return text;
+}
+
+}    // namespace
+
+std::string recording_file_of(const std::string& roi_file)
+{
+    return std::filesystem::path(roi_file).replace_extension(".recording.json").string();
+}
+
+recording_info read_recording_file(const std::string& filename)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(filename, error) && !error)
+        return {};
+    file_reader file(filename);
+    if (!file.is_open()) {
+        error_line("Cannot open ", filename);
+        return {};
+    }
+    const std::string text = contents(file);
+    if (file.failed()) {
+        error_line(file.failure());
+        return {};
+    }
+    recording_info info;
+    const char* const fault = parse(text, info);
+    if (!fault)
+        return info;
+    error_line(filename, ": ", fault);
+    return {};
+}
+
+std::string recording_text(const recording_info& info)
+{
+    QJsonObject object{{"pixel_um", info.scale.pixel_um}, {"plane_um", info.scale.plane_um}};
+    if (info.interval_s)
+        object["interval_s"] = *info.interval_s;
+    if (info.focal_planes)
+        object["focal_planes"] = QJsonArray{info.focal_planes->first, info.focal_planes->last};
+    return QJsonDocument(object).toJson().toStdString();
+}
+
+bool write_recording_file(const std::string& filename, const recording_info& info)
+{
+    replacing_file file(filename);
+    file.append(recording_text(info));
+    return file.commit_or_say("Cannot open ");
+}
