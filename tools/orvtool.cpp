@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const tool_command* commands[] = {&command_info, &command_score, &command_units};
+constexpr const tool_command* commands[] = {&command_import, &command_info, &command_score, &command_units};
 
 void print_help()
 {

@@ -29,6 +29,7 @@ struct tool_command {
 };
 
 // One file each, orvtool_<name>.cpp.
+extern const tool_command command_import;
 extern const tool_command command_info;
 extern const tool_command command_score;
 extern const tool_command command_units;

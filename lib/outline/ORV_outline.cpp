@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <utility>
 
 namespace {
 
@@ -16,9 +17,14 @@ constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
 constexpr pos2i ahead_left[] = {{-1, -1}, {-1, 0}, {0, 0}, {0, -1}};
 constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
 
-class mask_walker {
+// Which pixels are of the region that is walked: of a mask all but 0, of labels those of its start.
+bool is_same(unsigned char pixel, unsigned char) { return pixel != 0; }
+bool is_same(std::uint32_t pixel, std::uint32_t label) { return pixel == label; }
+
+template <class Pixel>
+class region_walker {
 public:
-    mask_walker(std::span<const unsigned char> mask, int width, int height)
+    region_walker(std::span<const Pixel> mask, int width, int height)
         : _mask(mask), _visited(mask.size(), 0), _width(width), _height(height)
     {
     }
@@ -26,6 +32,7 @@ public:
     // REQUIRES: start is the topmost, then leftmost pixel of its region, not visited yet
     [[nodiscard]] outlined_region region_at(pos2i start)
     {
+        _own = _mask[index(start.x(), start.y())];
         const int pixels = visit_region(start);
         return {start, walk(start), pixels};
     }
@@ -36,7 +43,30 @@ public:
         return _mask[i] && !_visited[i];
     }
 
+    // From x on, the first column of row y that is not background, or the width.
+    [[nodiscard]] int skip_background(int x, int y) const noexcept
+    {
+        const Pixel* const row = &_mask[index(0, y)];
+        constexpr int step = 16;    // looked at together
+        for (; x + step <= _width; x += step) {
+            Pixel any = 0;
+            for (int i = 0; i < step; ++i)
+                any = static_cast<Pixel>(any | row[x + i]);
+            if (any)
+                break;
+        }
+        while (x < _width && !row[x])
+            ++x;
+        return x;
+    }
+
 private:
+    [[nodiscard]] bool is_fresh(int x, int y) const noexcept
+    {
+        const std::size_t i = index(x, y);
+        return is_same(_mask[i], _own) && !_visited[i];
+    }
+
     [[nodiscard]] std::size_t index(int x, int y) const noexcept
     {
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x);
@@ -44,7 +74,8 @@ private:
 
     [[nodiscard]] bool contains(pos2i p) const noexcept
     {
-        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height && _mask[index(p.x(), p.y())];
+        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height &&
+               is_same(_mask[index(p.x(), p.y())], _own);
     }
 
     // Marks the whole region, run by run; its number of pixels.
@@ -55,7 +86,7 @@ private:
         while (!_seeds.empty()) {
             const pos2i seed = _seeds.back();
             _seeds.pop_back();
-            if (!is_unvisited(seed.x(), seed.y()))
+            if (!is_fresh(seed.x(), seed.y()))
                 continue;
             pixels += visit_run(seed);
         }
@@ -66,10 +97,10 @@ private:
     {
         const int y = seed.y();
         int left = seed.x();
-        while (left > 0 && is_unvisited(left - 1, y))
+        while (left > 0 && is_fresh(left - 1, y))
             --left;
         int right = left;    // one past the run
-        for (; right < _width && is_unvisited(right, y); ++right)
+        for (; right < _width && is_fresh(right, y); ++right)
             _visited[index(right, y)] = 1;
         if (y > 0)
             seed_runs(left, right, y - 1);
@@ -83,7 +114,7 @@ private:
     {
         bool in_run = false;
         for (int x = left; x < right; ++x) {
-            const bool fresh = is_unvisited(x, y);
+            const bool fresh = is_fresh(x, y);
             if (fresh && !in_run)
                 _seeds.emplace_back(x, y);
             in_run = fresh;
@@ -116,25 +147,43 @@ private:
         return (step + 3) % 4;
     }
 
-    std::span<const unsigned char> _mask;
+    std::span<const Pixel> _mask;
+    Pixel _own = 0;    // of the region that is walked
     std::vector<unsigned char> _visited;
     std::vector<pos2i> _seeds;
     int _width;
     int _height;
 };
 
+// Gives each region to `take`, with its label.
+template <class Pixel, class Take>
+void walk_regions(std::span<const Pixel> pixels, int width, int height, Take take)
+{
+    assert(width >= 0 && height >= 0);
+    assert(pixels.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    region_walker<Pixel> walker(pixels, width, height);
+    for (int y = 0; y < height && width > 0; ++y)
+        for (int x = walker.skip_background(0, y); x < width; x = walker.skip_background(x + 1, y))
+            if (walker.is_unvisited(x, y))
+                take(walker.region_at({x, y}), pixels[static_cast<std::size_t>(y) * width + x]);
+}
+
 }    // namespace
 
 std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
 {
-    assert(width >= 0 && height >= 0);
-    assert(mask.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     std::vector<outlined_region> regions;
-    mask_walker walker(mask, width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            if (walker.is_unvisited(x, y))
-                regions.push_back(walker.region_at({x, y}));
+    walk_regions(mask, width, height,
+                 [&](outlined_region region, unsigned char) { regions.push_back(std::move(region)); });
+    return regions;
+}
+
+std::vector<labelled_region> outline_labels(std::span<const std::uint32_t> labels, int width, int height)
+{
+    std::vector<labelled_region> regions;
+    walk_regions(labels, width, height, [&](outlined_region region, std::uint32_t label) {
+        regions.push_back({std::move(region), label});
+    });
     return regions;
 }
 
