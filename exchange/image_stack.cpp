@@ -124,7 +124,7 @@ bool image_stack::is_of_size(const std::string& path, int width, int height)
     _height = part.height / _window.bin;
     if (_width == 0 || _height == 0)
         return refuse(path, "nothing is left: --bin is larger than the image");
-    if (_width - 1 > last_place || _height - 1 > last_place)
+    if (_window.is_limited && std::max(_width, _height) - 1 > last_place)
         return refuse(path,
                       "is " + size_text(_width, _height) + ", positions go to 999: use --crop or --bin");
     return true;

@@ -28,6 +28,7 @@ struct reading_window {
     std::optional<image_crop> crop = {};    // before that
     std::optional<index_range> times = {};
     std::optional<index_range> planes = {};
+    bool is_limited = true;    // to positions that keys have room for
 };
 
 class image_stack {

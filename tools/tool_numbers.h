@@ -1,4 +1,4 @@
-// tool_numbers.h - the numbers in the value of an option.
+// tool_numbers.h - numbers in the value of an option, and in what is printed.
 #pragma once
 #include <charconv>
 #include <string>
@@ -21,4 +21,11 @@ template <class Number>
         at = next + 1;
     }
     return found;
+}
+
+// The shortest text that is read back as the same number.
+[[nodiscard]] inline std::string number_text(double value)
+{
+    char digits[32];
+    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
 }
