@@ -99,7 +99,7 @@ private:
             if (!_callbacks.step(i, steps))
                 return outcome::stopped;
             const int t = labels.times()[i];
-            const bool is_read = labels.read(i, [&](int z, const label_page& page) {
+            const bool is_read = labels.read(i, [&](int z, label_page& page) {
                 maker.take_plane(t, z, page);
                 return true;
             });

@@ -1,19 +1,28 @@
 #include "label_units.h"
 
-#include "ORV_outline.h"
-
-#include <set>
 #include <utility>
 
-void label_units::take_plane(int t, int z, const label_page& page)
+void label_units::take_plane(int t, int z, label_page& page)
 {
+    finish_plane();
+    std::swap(_page, page);
+    _t = t;
+    _z = z;
+    _regions = std::async(std::launch::async,
+                          [this] { return outline_labels(_page.pixels, _page.width, _page.height); });
+}
+
+void label_units::finish_plane()
+{
+    if (!_regions.valid())
+        return;
     std::set<std::uint32_t> seen;
     std::set<std::uint32_t> split;
-    for (labelled_region& region : outline_labels(page.pixels, page.width, page.height)) {
+    for (std::vector<labelled_region> regions = _regions.get(); labelled_region & region : regions) {
         _hole_pixels += static_cast<std::size_t>(enclosed_pixels(region.chain) - region.pixels);
         if (!seen.insert(region.label).second)
             split.insert(region.label);
-        roi r(region.start.x(), region.start.y(), z, t, std::move(region.chain));
+        roi r(region.start.x(), region.start.y(), _z, _t, std::move(region.chain));
         _members[region.label].insert(roidb::keygen(r));
         _rois->entry(std::move(r));
     }
@@ -22,6 +31,7 @@ void label_units::take_plane(int t, int z, const label_page& page)
 
 labelled_units label_units::finish_time_point(lineage& units)
 {
+    finish_plane();
     labelled_units heads;
     for (const auto& [label, members] : std::exchange(_members, {})) {
         const std::string& head = *members.begin();

@@ -24,33 +24,28 @@ bool is_same(std::uint32_t pixel, std::uint32_t label) { return pixel == label; 
 template <class Pixel>
 class region_walker {
 public:
-    region_walker(std::span<const Pixel> mask, int width, int height)
-        : _mask(mask), _visited(mask.size(), 0), _width(width), _height(height)
+    // The pixels are those that are left: of a region that was walked they become 0.
+    region_walker(std::span<Pixel> pixels, int width, int height)
+        : _left(pixels), _width(width), _height(height)
     {
     }
 
     // REQUIRES: start is the topmost, then leftmost pixel of its region, not visited yet
     [[nodiscard]] outlined_region region_at(pos2i start)
     {
-        _own = _mask[index(start.x(), start.y())];
+        _own = _left[index(start.x(), start.y())];
+        std::string chain = walk(start);    // while its pixels are there
         const int pixels = visit_region(start);
-        return {start, walk(start), pixels};
+        return {start, std::move(chain), pixels};
     }
 
-    [[nodiscard]] bool is_unvisited(int x, int y) const noexcept
+    // From x on, the first column of row y that is neither background nor visited, or the width.
+    [[nodiscard]] int next_unvisited(int x, int y) const noexcept
     {
-        const std::size_t i = index(x, y);
-        return _mask[i] && !_visited[i];
-    }
-
-    // From x on, the first column of row y that is not background, or the width.
-    [[nodiscard]] int skip_background(int x, int y) const noexcept
-    {
-        const Pixel* const row = &_mask[index(0, y)];
-        constexpr int step = 16;    // looked at together
-        for (; x + step <= _width; x += step) {
+        const Pixel* const row = &_left[index(0, y)];
+        for (; x + block <= _width; x += block) {
             Pixel any = 0;
-            for (int i = 0; i < step; ++i)
+            for (int i = 0; i < block; ++i)
                 any = static_cast<Pixel>(any | row[x + i]);
             if (any)
                 break;
@@ -61,11 +56,19 @@ public:
     }
 
 private:
-    [[nodiscard]] bool is_fresh(int x, int y) const noexcept
+    static constexpr int block = 16;    // pixels that are looked at together
+
+    // How many pixels of a block are of the region and not visited. (All of one type, for the vector
+    // registers.)
+    [[nodiscard]] int fresh_pixels(const Pixel* pixels) const noexcept
     {
-        const std::size_t i = index(x, y);
-        return is_same(_mask[i], _own) && !_visited[i];
+        Pixel count = 0;
+        for (int i = 0; i < block; ++i)
+            count = static_cast<Pixel>(count + static_cast<Pixel>(is_same(pixels[i], _own)));
+        return static_cast<int>(count);
     }
+
+    [[nodiscard]] bool is_fresh(int x, int y) const noexcept { return is_same(_left[index(x, y)], _own); }
 
     [[nodiscard]] std::size_t index(int x, int y) const noexcept
     {
@@ -75,7 +78,7 @@ private:
     [[nodiscard]] bool contains(pos2i p) const noexcept
     {
         return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height &&
-               is_same(_mask[index(p.x(), p.y())], _own);
+               is_same(_left[index(p.x(), p.y())], _own);
     }
 
     // Marks the whole region, run by run; its number of pixels.
@@ -100,8 +103,11 @@ private:
         while (left > 0 && is_fresh(left - 1, y))
             --left;
         int right = left;    // one past the run
-        for (; right < _width && is_fresh(right, y); ++right)
-            _visited[index(right, y)] = 1;
+        while (right + block <= _width && fresh_pixels(&_left[index(right, y)]) == block)
+            right += block;
+        while (right < _width && is_fresh(right, y))
+            ++right;
+        std::fill_n(&_left[index(left, y)], right - left, Pixel{0});
         if (y > 0)
             seed_runs(left, right, y - 1);
         if (y + 1 < _height)
@@ -112,9 +118,18 @@ private:
     // Remembers the first pixel of every unvisited run of row y between left and right.
     void seed_runs(int left, int right, int y)
     {
+        const Pixel* const row = &_left[index(0, y)];
         bool in_run = false;
         for (int x = left; x < right; ++x) {
-            const bool fresh = is_fresh(x, y);
+            if (x + block <= right) {
+                const int fresh = fresh_pixels(row + x);
+                if (fresh == 0 || (fresh == block && in_run)) {    // nothing begins in it
+                    in_run = fresh == block;
+                    x += block - 1;
+                    continue;
+                }
+            }
+            const bool fresh = is_same(row[x], _own);
             if (fresh && !in_run)
                 _seeds.emplace_back(x, y);
             in_run = fresh;
@@ -147,9 +162,8 @@ private:
         return (step + 3) % 4;
     }
 
-    std::span<const Pixel> _mask;
     Pixel _own = 0;    // of the region that is walked
-    std::vector<unsigned char> _visited;
+    std::span<Pixel> _left;
     std::vector<pos2i> _seeds;
     int _width;
     int _height;
@@ -157,15 +171,16 @@ private:
 
 // Gives each region to `take`, with its label.
 template <class Pixel, class Take>
-void walk_regions(std::span<const Pixel> pixels, int width, int height, Take take)
+void walk_regions(std::span<Pixel> pixels, int width, int height, Take take)
 {
     assert(width >= 0 && height >= 0);
     assert(pixels.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     region_walker<Pixel> walker(pixels, width, height);
     for (int y = 0; y < height && width > 0; ++y)
-        for (int x = walker.skip_background(0, y); x < width; x = walker.skip_background(x + 1, y))
-            if (walker.is_unvisited(x, y))
-                take(walker.region_at({x, y}), pixels[static_cast<std::size_t>(y) * width + x]);
+        for (int x = walker.next_unvisited(0, y); x < width; x = walker.next_unvisited(x, y)) {
+            const Pixel label = pixels[static_cast<std::size_t>(y) * width + x];
+            take(walker.region_at({x, y}), label);
+        }
 }
 
 }    // namespace
@@ -173,12 +188,14 @@ void walk_regions(std::span<const Pixel> pixels, int width, int height, Take tak
 std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
 {
     std::vector<outlined_region> regions;
-    walk_regions(mask, width, height,
-                 [&](outlined_region region, unsigned char) { regions.push_back(std::move(region)); });
+    std::vector<unsigned char> left(mask.begin(), mask.end());
+    walk_regions<unsigned char>(left, width, height, [&](outlined_region region, unsigned char) {
+        regions.push_back(std::move(region));
+    });
     return regions;
 }
 
-std::vector<labelled_region> outline_labels(std::span<const std::uint32_t> labels, int width, int height)
+std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width, int height)
 {
     std::vector<labelled_region> regions;
     walk_regions(labels, width, height, [&](outlined_region region, std::uint32_t label) {

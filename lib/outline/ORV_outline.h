@@ -30,8 +30,9 @@ struct labelled_region : outlined_region {
 };
 
 // The same for an image of labels: the regions of pixels that have one label, 0 being background.
+// All labels are 0 afterwards: images of labels are large, and this needs no copy of them.
 // REQUIRES: labels.size() == width * height
-[[nodiscard]] std::vector<labelled_region> outline_labels(std::span<const std::uint32_t> labels, int width,
+[[nodiscard]] std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width,
                                                           int height);
 
 // The number of pixels that a closed outline encloses, holes included: positive
