@@ -4,6 +4,8 @@ install(TARGETS orvbrowser make_demo orvtool RUNTIME)
 install(TARGETS roimaker RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/orvbrowser)    # where body.cpp looks for it
 install(FILES data/orvbrowser.1 data/make_demo.1 data/orvtool.1 data/roimaker.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
+install(FILES data/orvtool.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME orvtool)
+
 install(FILES data/orvbrowser.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/orvbrowser-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME orvbrowser.xml)
 install(FILES data/icons/orvbrowser.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)

@@ -1,6 +1,7 @@
 # Sourced by the scripts at the top of the repository: what they need from Debian 12.
 
-build_packages=(build-essential cmake ninja-build qt6-base-dev qt6-svg-dev libjpeg-dev zlib1g-dev libgtest-dev)
+build_packages=(build-essential cmake ninja-build qt6-base-dev qt6-svg-dev libjpeg-dev libtiff-dev zlib1g-dev libgtest-dev)
+reader_packages=(python3-tifffile python3-zarr)
 virtual_display_packages=(xvfb xauth xdotool imagemagick)
 
 # Prints the one line that tells why the script ends, and ends it.

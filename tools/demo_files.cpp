@@ -2,6 +2,7 @@
 
 #include "ORV_roidb.h"
 #include "demo_images.h"
+#include "grey_jpeg.h"
 
 #include <atomic>
 #include <filesystem>

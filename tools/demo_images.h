@@ -25,7 +25,3 @@ private:
     std::vector<float> _noise;      // normal, standard deviation 1
     std::vector<float> _texture;    // smooth noise in space, repeating; about 1 on average
 };
-
-// The image as a JPEG file's bytes.
-[[nodiscard]] std::vector<unsigned char> grey_jpeg(const std::vector<unsigned char>& pixels, int width,
-                                                   int height, int quality);

@@ -4,13 +4,15 @@
 #include "error_line.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 
 namespace {
 
-constexpr const tool_command* commands[] = {&command_info, &command_score, &command_units};
+constexpr const tool_command* commands[] = {&command_compare, &command_export, &command_import,
+                                            &command_info,    &command_score,  &command_units};
 
 void print_help()
 {
@@ -94,6 +96,15 @@ std::optional<std::string> one_of(const tool_arguments& arguments, const std::st
         return value;
     refuse_use("no value for --" + option + ": " + value);
     return std::nullopt;
+}
+
+std::string image_folder(const tool_arguments& arguments, const std::string& dataset)
+{
+    const char* const set = std::getenv("ORVBROWSER_IMAGE_ROOT");
+    std::string root = arguments.value("image-root", set && *set ? set : "/image/");
+    if (!root.ends_with('/'))
+        root += '/';
+    return root + dataset + '/';
 }
 
 std::string beside(const std::string& roi_file, const std::string& extension)

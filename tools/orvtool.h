@@ -7,7 +7,8 @@
 #include <vector>
 
 constexpr int exit_done = 0;
-constexpr int exit_refused = 2;    // wrong use, or a file that cannot be read or written
+constexpr int exit_different = 1;    // compare: there are differences
+constexpr int exit_refused = 2;      // wrong use, or a file that cannot be read or written
 
 // What stands behind the name of a command.
 struct tool_arguments {
@@ -29,6 +30,9 @@ struct tool_command {
 };
 
 // One file each, orvtool_<name>.cpp.
+extern const tool_command command_compare;
+extern const tool_command command_export;
+extern const tool_command command_import;
 extern const tool_command command_info;
 extern const tool_command command_score;
 extern const tool_command command_units;
@@ -39,6 +43,9 @@ int refuse_use(const std::string& why);
 // The value of an option that takes one of a few words; nothing, after one line, when it is none of them.
 [[nodiscard]] std::optional<std::string> one_of(const tool_arguments& arguments, const std::string& option,
                                                 std::span<const char* const> words);
+
+// The folder of the recording's images below --image-root, else below ORVBROWSER_IMAGE_ROOT, else /image/.
+[[nodiscard]] std::string image_folder(const tool_arguments& arguments, const std::string& dataset);
 
 // "/a/b.roi" and ".truth" give "/a/b.truth".
 [[nodiscard]] std::string beside(const std::string& roi_file, const std::string& extension);

@@ -2,7 +2,6 @@
 #include "roidb_plus.h"
 #include "unit_rules.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
@@ -17,15 +16,6 @@ folder of its images, a line each.
 )";
 
 constexpr const char* valued[] = {"lineage"};
-
-std::string image_folder(const std::string& dataset)
-{
-    const char* const set = std::getenv("ORVBROWSER_IMAGE_ROOT");
-    std::string root = set && *set ? set : "/image/";
-    if (!root.ends_with('/'))
-        root += '/';
-    return root + dataset + '/';
-}
 
 void print_extent(const roidb& rois)
 {
@@ -56,7 +46,7 @@ int info(const tool_arguments& arguments)
     std::cout << "dataset " << rois.name() << '\n';
     print_extent(rois);
     print(count(made));
-    std::cout << "images " << image_folder(rois.name()) << '\n';
+    std::cout << "images " << image_folder(arguments, rois.name()) << '\n';
     return exit_done;
 }
 

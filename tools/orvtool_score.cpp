@@ -2,6 +2,7 @@
 #include "error_line.h"
 #include "roidb_plus.h"
 #include "scoring.h"
+#include "tool_numbers.h"
 #include "unit_rules.h"
 
 #include <charconv>
@@ -25,24 +26,17 @@ and TRA, the accuracy of detection and of tracking. All are shares of 1.
 
 constexpr const char* valued[] = {"lineage", "rule", "share", "truth", "format"};
 
-// The shortest text that is read back as the same number.
-std::string number(double value)
-{
-    char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
-}
-
 std::string json(const share_score& s)
 {
-    return "{\"precision\": " + number(s.precision()) + ", \"recall\": " + number(s.recall()) +
-           ", \"f\": " + number(s.f()) + "}";
+    return "{\"precision\": " + number_text(s.precision()) + ", \"recall\": " + number_text(s.recall()) +
+           ", \"f\": " + number_text(s.f()) + "}";
 }
 
 void print_json(const lineage_score& s)
 {
     std::cout << "{\"units\": " << json(s.units) << ", \"links\": " << json(s.links)
-              << ", \"divisions\": " << json(s.divisions) << ", \"det\": " << number(s.det)
-              << ", \"tra\": " << number(s.tra) << "}\n";
+              << ", \"divisions\": " << json(s.divisions) << ", \"det\": " << number_text(s.det)
+              << ", \"tra\": " << number_text(s.tra) << "}\n";
 }
 
 std::string rounded(double value)

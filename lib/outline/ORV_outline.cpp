@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <utility>
 
 namespace {
 
@@ -16,27 +17,59 @@ constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
 constexpr pos2i ahead_left[] = {{-1, -1}, {-1, 0}, {0, 0}, {0, -1}};
 constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
 
-class mask_walker {
+// Which pixels are of the region that is walked: of a mask all but 0, of labels those of its start.
+bool is_same(unsigned char pixel, unsigned char) { return pixel != 0; }
+bool is_same(std::uint32_t pixel, std::uint32_t label) { return pixel == label; }
+
+template <class Pixel>
+class region_walker {
 public:
-    mask_walker(std::span<const unsigned char> mask, int width, int height)
-        : _mask(mask), _visited(mask.size(), 0), _width(width), _height(height)
+    // The pixels are those that are left: of a region that was walked they become 0.
+    region_walker(std::span<Pixel> pixels, int width, int height)
+        : _left(pixels), _width(width), _height(height)
     {
     }
 
     // REQUIRES: start is the topmost, then leftmost pixel of its region, not visited yet
     [[nodiscard]] outlined_region region_at(pos2i start)
     {
+        _own = _left[index(start.x(), start.y())];
+        std::string chain = walk(start);    // while its pixels are there
         const int pixels = visit_region(start);
-        return {start, walk(start), pixels};
+        return {start, std::move(chain), pixels};
     }
 
-    [[nodiscard]] bool is_unvisited(int x, int y) const noexcept
+    // From x on, the first column of row y that is neither background nor visited, or the width.
+    [[nodiscard]] int next_unvisited(int x, int y) const noexcept
     {
-        const std::size_t i = index(x, y);
-        return _mask[i] && !_visited[i];
+        const Pixel* const row = &_left[index(0, y)];
+        for (; x + block <= _width; x += block) {
+            Pixel any = 0;
+            for (int i = 0; i < block; ++i)
+                any = static_cast<Pixel>(any | row[x + i]);
+            if (any)
+                break;
+        }
+        while (x < _width && !row[x])
+            ++x;
+        return x;
     }
 
 private:
+    static constexpr int block = 16;    // pixels that are looked at together
+
+    // How many pixels of a block are of the region and not visited. (All of one type, for the vector
+    // registers.)
+    [[nodiscard]] int fresh_pixels(const Pixel* pixels) const noexcept
+    {
+        Pixel count = 0;
+        for (int i = 0; i < block; ++i)
+            count = static_cast<Pixel>(count + static_cast<Pixel>(is_same(pixels[i], _own)));
+        return static_cast<int>(count);
+    }
+
+    [[nodiscard]] bool is_fresh(int x, int y) const noexcept { return is_same(_left[index(x, y)], _own); }
+
     [[nodiscard]] std::size_t index(int x, int y) const noexcept
     {
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x);
@@ -44,7 +77,8 @@ private:
 
     [[nodiscard]] bool contains(pos2i p) const noexcept
     {
-        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height && _mask[index(p.x(), p.y())];
+        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height &&
+               is_same(_left[index(p.x(), p.y())], _own);
     }
 
     // Marks the whole region, run by run; its number of pixels.
@@ -55,7 +89,7 @@ private:
         while (!_seeds.empty()) {
             const pos2i seed = _seeds.back();
             _seeds.pop_back();
-            if (!is_unvisited(seed.x(), seed.y()))
+            if (!is_fresh(seed.x(), seed.y()))
                 continue;
             pixels += visit_run(seed);
         }
@@ -66,11 +100,14 @@ private:
     {
         const int y = seed.y();
         int left = seed.x();
-        while (left > 0 && is_unvisited(left - 1, y))
+        while (left > 0 && is_fresh(left - 1, y))
             --left;
         int right = left;    // one past the run
-        for (; right < _width && is_unvisited(right, y); ++right)
-            _visited[index(right, y)] = 1;
+        while (right + block <= _width && fresh_pixels(&_left[index(right, y)]) == block)
+            right += block;
+        while (right < _width && is_fresh(right, y))
+            ++right;
+        std::fill_n(&_left[index(left, y)], right - left, Pixel{0});
         if (y > 0)
             seed_runs(left, right, y - 1);
         if (y + 1 < _height)
@@ -81,9 +118,18 @@ private:
     // Remembers the first pixel of every unvisited run of row y between left and right.
     void seed_runs(int left, int right, int y)
     {
+        const Pixel* const row = &_left[index(0, y)];
         bool in_run = false;
         for (int x = left; x < right; ++x) {
-            const bool fresh = is_unvisited(x, y);
+            if (x + block <= right) {
+                const int fresh = fresh_pixels(row + x);
+                if (fresh == 0 || (fresh == block && in_run)) {    // nothing begins in it
+                    in_run = fresh == block;
+                    x += block - 1;
+                    continue;
+                }
+            }
+            const bool fresh = is_same(row[x], _own);
             if (fresh && !in_run)
                 _seeds.emplace_back(x, y);
             in_run = fresh;
@@ -116,25 +162,45 @@ private:
         return (step + 3) % 4;
     }
 
-    std::span<const unsigned char> _mask;
-    std::vector<unsigned char> _visited;
+    Pixel _own = 0;    // of the region that is walked
+    std::span<Pixel> _left;
     std::vector<pos2i> _seeds;
     int _width;
     int _height;
 };
 
+// Gives each region to `take`, with its label.
+template <class Pixel, class Take>
+void walk_regions(std::span<Pixel> pixels, int width, int height, Take take)
+{
+    assert(width >= 0 && height >= 0);
+    assert(pixels.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    region_walker<Pixel> walker(pixels, width, height);
+    for (int y = 0; y < height && width > 0; ++y)
+        for (int x = walker.next_unvisited(0, y); x < width; x = walker.next_unvisited(x, y)) {
+            const Pixel label = pixels[static_cast<std::size_t>(y) * width + x];
+            take(walker.region_at({x, y}), label);
+        }
+}
+
 }    // namespace
 
 std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
 {
-    assert(width >= 0 && height >= 0);
-    assert(mask.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     std::vector<outlined_region> regions;
-    mask_walker walker(mask, width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            if (walker.is_unvisited(x, y))
-                regions.push_back(walker.region_at({x, y}));
+    std::vector<unsigned char> left(mask.begin(), mask.end());
+    walk_regions<unsigned char>(left, width, height, [&](outlined_region region, unsigned char) {
+        regions.push_back(std::move(region));
+    });
+    return regions;
+}
+
+std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width, int height)
+{
+    std::vector<labelled_region> regions;
+    walk_regions(labels, width, height, [&](outlined_region region, std::uint32_t label) {
+        regions.push_back({std::move(region), label});
+    });
     return regions;
 }
 

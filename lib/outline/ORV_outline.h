@@ -7,6 +7,7 @@
 #pragma once
 #include "ORV_pos.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,6 +24,16 @@ struct outlined_region {
 // REQUIRES: mask.size() == width * height
 [[nodiscard]] std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width,
                                                            int height);
+
+struct labelled_region : outlined_region {
+    std::uint32_t label = 0;    // never 0
+};
+
+// The same for an image of labels: the regions of pixels that have one label, 0 being background.
+// All labels are 0 afterwards: images of labels are large, and this needs no copy of them.
+// REQUIRES: labels.size() == width * height
+[[nodiscard]] std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width,
+                                                          int height);
 
 // The number of pixels that a closed outline encloses, holes included: positive
 // when it runs counter-clockwise on the screen. Characters other than '0' to '3'

@@ -7,12 +7,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 
 namespace {
 
-constexpr int last_plane = 999;    // what keys have room for
+constexpr int last_place = 999;    // what keys have room for
+constexpr int largest_side = 65535;
 constexpr std::size_t longest_file = 1 << 16;
 
 // Each take_ function leaves `value` alone when there is no such member; false when it is none of its kind.
@@ -38,16 +40,30 @@ bool take_interval(const QJsonObject& from, std::optional<double>& interval)
     return true;
 }
 
-bool take_planes(const QJsonObject& from, std::optional<plane_range>& planes)
+// Two whole numbers from `least` to `most`.
+bool take_pair(const QJsonObject& from, const char* name, int least, int most, std::optional<key_range>& pair)
 {
-    const QJsonValue found = from["focal_planes"];
+    const QJsonValue found = from[QLatin1String(name)];
     if (found.isUndefined())
         return true;
-    const QJsonArray pair = found.toArray();
-    const plane_range range{pair.at(0).toInt(-1), pair.at(1).toInt(-1)};    // -1 for what is no whole number
-    if (pair.size() != 2 || range.first < 0 || range.last < range.first || range.last > last_plane)
+    const QJsonArray numbers = found.toArray();
+    pair = key_range{numbers.at(0).toInt(-1), numbers.at(1).toInt(-1)};    // -1 for what is no whole number
+    return numbers.size() == 2 && std::min(pair->first, pair->last) >= least &&
+           std::max(pair->first, pair->last) <= most;
+}
+
+bool take_range(const QJsonObject& from, const char* name, std::optional<key_range>& range)
+{
+    return take_pair(from, name, 0, last_place, range) && (!range || range->first <= range->last);
+}
+
+bool take_size(const QJsonObject& from, std::optional<pixel_size>& size)
+{
+    std::optional<key_range> pair;
+    if (!take_pair(from, "image_size", 1, largest_side, pair))
         return false;
-    planes = range;
+    if (pair)
+        size = pixel_size{pair->first, pair->last};
     return true;
 }
 
@@ -66,8 +82,12 @@ const char* parse(const std::string& text, recording_info& info)
         return "plane_um is no positive number";
     if (!take_interval(object, info.interval_s))
         return "interval_s is no positive number";
-    if (!take_planes(object, info.focal_planes))
+    if (!take_range(object, "focal_planes", info.focal_planes))
         return "focal_planes are no two planes of 0 to 999 in ascending order";
+    if (!take_range(object, "time_points", info.time_points))
+        return "time_points are no two time points of 0 to 999 in ascending order";
+    if (!take_size(object, info.image_size))
+        return "image_size is no width and height in pixels";
     return nullptr;
 }
 
@@ -128,6 +148,10 @@ std::string recording_text(const recording_info& info)
         object["interval_s"] = *info.interval_s;
     if (info.focal_planes)
         object["focal_planes"] = QJsonArray{info.focal_planes->first, info.focal_planes->last};
+    if (info.time_points)
+        object["time_points"] = QJsonArray{info.time_points->first, info.time_points->last};
+    if (info.image_size)
+        object["image_size"] = QJsonArray{info.image_size->width, info.image_size->height};
     return QJsonDocument(object).toJson().toStdString();
 }
 

@@ -1,24 +1,34 @@
-// recording_file.h - what an ROI file does not tell about its recording: sizes, interval, focal planes.
+// recording_file.h - what an ROI file does not tell about its recording: sizes, interval, extent.
 //
 // NAME.recording.json, beside NAME.roi, is one JSON object with the members "pixel_um", "plane_um",
-// "interval_s" and "focal_planes" ([first, last]), each of which may be left out.
+// "interval_s", "focal_planes" and "time_points" ([first, last]) and "image_size" ([width, height]), each of
+// which may be left out.
 #pragma once
 #include "physical_scale.h"
 
 #include <optional>
 #include <string>
 
-struct plane_range {
+struct key_range {
     int first = 0;
     int last = 0;    // belongs to the range
 
-    bool operator==(const plane_range&) const = default;
+    bool operator==(const key_range&) const = default;
+};
+
+struct pixel_size {
+    int width = 1;
+    int height = 1;
+
+    bool operator==(const pixel_size&) const = default;
 };
 
 struct recording_info {
     physical_scale scale;
-    std::optional<double> interval_s;    // from one time point to the next
-    std::optional<plane_range> focal_planes;
+    std::optional<double> interval_s = {};    // from one time point to the next
+    std::optional<key_range> focal_planes = {};
+    std::optional<key_range> time_points = {};
+    std::optional<pixel_size> image_size = {};    // pixels
 
     bool operator==(const recording_info&) const = default;
 };
@@ -27,7 +37,7 @@ struct recording_info {
 [[nodiscard]] std::string recording_file_of(const std::string& roi_file);
 
 // What the file tells; the defaults when there is none. Also the defaults, after one line on standard error,
-// when it cannot be read, or holds what is no size, no interval or no range of focal planes in 0 to 999.
+// when it cannot be read, or holds what is no size, no interval, or no range of 0 to 999.
 [[nodiscard]] recording_info read_recording_file(const std::string& filename);
 
 // Takes over what the text of such a file tells. False, and nothing changed, when anything in it is wrong.

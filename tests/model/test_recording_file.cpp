@@ -16,8 +16,10 @@ TEST(recording_file, what_is_written_reads_back)
     EXPECT_EQ(path, folder.path("a.b.recording.json"));
     testing::internal::CaptureStderr();
     EXPECT_EQ(read_recording_file(path), recording_info()) << "there is none";
-    const recording_info cases[] = {
-        {}, {{0.2, 1}, 60, {}}, {{0.1625, 2.5}, 0.1, plane_range{3, 999}}, {{}, {}, plane_range{7, 7}}};
+    const recording_info cases[] = {{},
+                                    {{0.2, 1}, 60, {}},
+                                    {{0.1625, 2.5}, 0.1, key_range{3, 999}},
+                                    {{}, {}, key_range{7, 7}, key_range{0, 12}, pixel_size{640, 480}}};
     for (const recording_info& info : cases) {
         ASSERT_TRUE(write_recording_file(path, info));
         EXPECT_EQ(read_recording_file(path), info) << folder.contents("a.b.recording.json");
@@ -44,6 +46,8 @@ TEST(recording_file, what_is_wrong_is_one_line_and_the_defaults)
                                  R"({"focal_planes": [5, 4]})",
                                  R"({"focal_planes": [0.5, 4]})",
                                  R"({"focal_planes": 4})",
+                                 R"({"time_points": [2, 1]})",
+                                 R"({"image_size": [0, 5]})",
                                  "{}" + std::string(1 << 17, ' '),
                                  std::string(5000, '[')};
     for (const std::string& text : cases) {

@@ -51,6 +51,34 @@ TEST(outline, encloses_exactly_the_regions_with_their_holes)
     }
 }
 
+// Label by label the same as a mask of that label, and all of them in the order of their starts.
+TEST(outline, regions_of_labels_are_those_of_the_mask_of_each)
+{
+    std::mt19937 random(8);
+    for (int i = 0; i < 500; ++i) {
+        const int width = static_cast<int>(1 + random() % 40), height = static_cast<int>(1 + random() % 13);
+        std::vector<std::uint32_t> labels(width * height);
+        std::ranges::generate(labels, [&] { return random() % 3 * 70000; });
+        auto consumed = labels;
+        const auto found = outline_labels(consumed, width, height);
+        std::size_t expected = 0;
+        for (const std::uint32_t label : {70000u, 140000u}) {
+            pixels mask(labels.size());
+            std::ranges::transform(labels, mask.begin(), [&](auto l) { return l == label; });
+            for (const outlined_region& region : outline_regions(mask, width, height)) {
+                ++expected;
+                EXPECT_TRUE(std::ranges::any_of(found, [&](const labelled_region& l) {
+                    return l.label == label && l.start == region.start && l.chain == region.chain &&
+                           l.pixels == region.pixels;
+                }));
+            }
+        }
+        EXPECT_EQ(found.size(), expected);
+        EXPECT_TRUE(std::ranges::is_sorted(
+            found, {}, [](const auto& l) { return std::pair(l.start.y(), l.start.x()); }));
+    }
+}
+
 TEST(outline, large_masks_neither_recurse_nor_crawl)
 {
     constexpr int side = 4096;
