@@ -8,6 +8,7 @@
 #include <QCommandLineParser>
 #include <QFile>
 #include <QIcon>
+#include <QScreen>
 
 #include <csignal>
 
@@ -90,6 +91,7 @@ int main(int argc, char* argv[])
     add_pages(window);
     if (!wanted.roi_file.empty())
         (void)window.openRoiFile(wanted.roi_file);    // says so itself when it fails
+    window.resize(window.size().boundedTo(window.screen()->availableSize()));
     window.show();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, &QApplication::quit);
     return QApplication::exec();
