@@ -64,6 +64,11 @@ public:
     [[nodiscard]] std::vector<lineage_stroke> lineage_strokes();
     // The ROIs of the plane as the picture shows them, with their mapped rasters and colours.
     void visit_shown_rois(const std::function<void(const plane_roi&, const QColor&)>& visit);
+    [[nodiscard]] const set<string>& split_parents() const noexcept { return m_split_parents; }
+    // The mode that the next click on an ROI acts in; and out of all of them.
+    enum class armed { none, elite, choose, remove, add, merge, split };
+    [[nodiscard]] armed armed_mode() const noexcept;
+    void disarm();
     // True iff the next press anywhere is the place of a cut.
     [[nodiscard]] bool is_cut_waiting() const noexcept { return m_split_mode && m_split_parents.size() > 1; }
 

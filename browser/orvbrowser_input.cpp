@@ -46,9 +46,30 @@ void ORVBrowser::set_mode(bool& flag, QCursor& before, bool on)
 // After a wait cursor: a mode that is armed shows its hand again.
 void ORVBrowser::show_mode_cursor()
 {
-    const bool is_armed = m_manual_elite || m_lineage_mode || m_add_lineage_mode || m_remove_lineage_mode ||
-                          m_merge_mode || m_split_mode;
-    setCursor(is_armed ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    setCursor(armed_mode() != armed::none ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+// The first that is armed, in the order in which a click asks them.
+ORVBrowser::armed ORVBrowser::armed_mode() const noexcept
+{
+    return m_manual_elite          ? armed::elite
+           : m_lineage_mode        ? armed::choose
+           : m_remove_lineage_mode ? armed::remove
+           : m_add_lineage_mode    ? armed::add
+           : m_merge_mode          ? armed::merge
+           : m_split_mode          ? armed::split
+                                   : armed::none;
+}
+
+void ORVBrowser::disarm()
+{
+    setManualEliteMode(false);
+    setLineageMode(false);
+    setRemoveLineageMode(false);
+    setAddLineageMode(false);
+    setMergeMode(false);
+    setSplitMode(false);
+    show_mode_cursor();
 }
 
 void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, m_cursor_before[elite_mode], on); }

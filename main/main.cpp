@@ -75,6 +75,7 @@ request read_command_line(int argc, char* argv[])
 
 int main(int argc, char* argv[])
 {
+    QCoreApplication::setOrganizationName("orvbrowser");
     QCoreApplication::setApplicationName("orvbrowser");
     QCoreApplication::setApplicationVersion(ORV_VERSION);
     const request wanted = read_command_line(argc, argv);

@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 class HelpWindow;
@@ -65,6 +66,7 @@ private:
     void make_all_links();
     void toggle_elite();
     void show_next_doubtful();
+    void show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)());
     void toggle_auto_split(bool on);
     void read_file();
     void save_file();

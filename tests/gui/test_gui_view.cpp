@@ -1,55 +1,14 @@
 // How the canvas shows the picture: zoom, place, range of grey, size of the window; what is under the
 // pointer.
-#include "../support/editing.h"
-#include "canvas_view.h"
-#include "pages.h"
-#include "window_input.h"
+#include "../support/paged_window.h"
+#include "view_page.h"
 
 #include <QScrollBar>
-#include <QWheelEvent>
+#include <QSettings>
 
 #include <random>
 
 namespace {
-
-// On its first time point, with everything that pages bring.
-class PagedWindow : public ShownWindow {
-public:
-    explicit PagedWindow(const SmallRecording& recording)
-    {
-        add_pages(*this);
-        if (!openRoiFile(recording.file))
-            qFatal("the recording cannot be read");
-        QCoreApplication::processEvents();
-        (void)pictures_since_last_asked();
-    }
-
-    [[nodiscard]] CanvasView& canvas() { return *CanvasView::of(*this); }
-    [[nodiscard]] const view_transform& shown_by() { return canvas().view(); }
-    [[nodiscard]] QImage seen() { return frame_canvas->grab().toImage(); }
-    void press(int key, int modifiers = 0)
-    {
-        QTest::keyClick(this, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-    }
-};
-
-void turn_wheel(WindowProbe& w, QPoint at, int delta, Qt::KeyboardModifiers modifiers)
-{
-    const QPointF place = w.frame_canvas->pos() + at;
-    QWheelEvent e(place, w.mapToGlobal(place), {}, {0, delta}, Qt::NoButton, modifiers, Qt::NoScrollPhase,
-                  false);
-    QCoreApplication::sendEvent(&w, &e);
-}
-
-void drag(WindowProbe& w, Qt::MouseButton button, QPoint from, QPoint to)
-{
-    const QPoint corner = w.frame_canvas->pos();
-    QTest::mousePress(&w, button, {}, corner + from);
-    const QPointF at = corner + to;
-    QMouseEvent move(QEvent::MouseMove, at, w.mapToGlobal(at), Qt::NoButton, button, {});
-    QCoreApplication::sendEvent(&w, &move);
-    QTest::mouseRelease(&w, button, {}, corner + to);
-}
 
 const QColor outline("#a8a8ff");
 
@@ -234,6 +193,61 @@ private slots:
         }
         QVERIFY(w.openRoiFile(recording.file));
         QVERIFY(w.canvas().range().is_plain());
+    }
+
+    void thePageKeepsWhatIsNotOfTheRecording()
+    {
+        const SmallRecording recording;
+        QCoreApplication::setOrganizationName("test");
+        QSettings().clear();
+        {
+            PagedWindow w(recording);
+            auto* const page = w.findChild<ViewPage*>("viewPage");
+            page->zoom_in->click();
+            QVERIFY(w.shown_by().scale() > 1.4);
+            page->zoom_original->click();
+            QVERIFY(w.shown_by().is_plain());
+            page->range_auto->click();    // of one grey
+            const int grey = SmallRecording::grey(0, 20);
+            QCOMPARE(w.canvas().range(), (display_range{grey, grey + 1, 1}));
+            page->low->setValue(120);    // pushes the other end
+            QCOMPARE(w.canvas().range(), (display_range{120, 121, 1}));
+            QCOMPARE(page->high->value(), 121);
+            page->high->setValue(50);
+            QCOMPARE(page->low->value(), 49);
+            page->gamma->setValue(2);
+            QCOMPARE(w.canvas().range().gamma, 2.0);
+            page->outline_width->setValue(3);
+            page->scale_bar->click();
+            page->tails->setCurrentIndex(2);
+            QVERIFY(w.marks().choice() == (mark_choice{true, true, tail_choice::of_near, 5}));
+        }
+        PagedWindow w(recording);
+        auto* const page = w.findChild<ViewPage*>("viewPage");
+        QVERIFY(w.marks().choice() == (mark_choice{true, true, tail_choice::of_near, 5}));
+        QCOMPARE(page->outline_width->value(), 3);
+        QVERIFY(w.canvas().range().is_plain());
+        QSettings().clear();
+        QCoreApplication::setOrganizationName({});
+    }
+
+    void marksAreDrawnOverThePictureAndOnlyWhereTheyBelong()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const QColor cross("#ff5050");
+        const QImage before = w.seen();
+        w.toggle_false_positive("000020010005");
+        w.press(Qt::Key_1);
+        QVERIFY(drawn(w.seen(), w.shown_by().screen_area({10, 5, 4, 4}), cross).find('#') !=
+                std::string::npos);
+        QVERIFY(drawn(w.seen(), w.shown_by().screen_area({20, 5, 30, 10}), cross).find('#') ==
+                std::string::npos);
+        w.findChild<ViewPage*>("viewPage")->marks->click();
+        QVERIFY(drawn(w.seen(), w.frame_canvas->rect(), cross).find('#') == std::string::npos);
+        w.toggle_false_positive("000020010005");
+        w.press(Qt::Key_0);
+        QCOMPARE(w.seen(), before);
     }
 };
 
