@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -15,6 +16,16 @@ constexpr int largest_side = 1 << 14;    // of a picture: an ROI beyond is a sli
 constexpr int margin = 40;               // screen pixels around what is well within view
 
 QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
+
+// Kept from one painting to the next: memory that is new each time costs as much as what is drawn into it.
+void copy_area(const QImage& from, const QRect& area, QImage& to)
+{
+    if (to.size() != from.size())
+        to = QImage(from.size(), from.format());
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        std::copy_n(reinterpret_cast<const QRgb*>(from.constScanLine(y)) + area.left(), area.width(),
+                    reinterpret_cast<QRgb*>(to.scanLine(y)) + area.left());
+}
 
 QScrollBar* thin_bar(Qt::Orientation orientation, const char* name, QWidget* parent)
 {
@@ -127,7 +138,7 @@ void CanvasView::recording_changed()
     _plane_area = {};
     set_range({});
     view_changed();
-    emit recording_opened();
+    emit opened_or_closed();
 }
 
 // An area that grows with what is seen, so that stepping never moves the view of a person.
@@ -160,19 +171,26 @@ bool CanvasView::shows_plain_picture() const
            _canvas->picture().rect().contains(_plane_area & _canvas->rect());
 }
 
-bool CanvasView::paint_picture(QPainter& painter, const QRect& exposed)
+bool CanvasView::paint_picture(QPainter& painter, const QRect& area)
 {
+    const QRect exposed = area & _canvas->rect();
     if (!_window.isOpen() || shows_plain_picture())
         return false;
     const QPixmap* const image = _window.image_on_view();
     const QRgb blank = _canvas->palette().color(QPalette::Window).rgb();
-    QImage part = _image.of(image ? *image : QPixmap(), _view, canvas_size(), _range, blank).copy(exposed);
+    QImage& background = _image.of(image ? *image : QPixmap(), _view, canvas_size(), _range, blank);
+    const bool is_whole = exposed == _canvas->rect();
+    if (is_whole)    // saves a copy of it
+        _image.forget();
+    else
+        copy_area(background, exposed, _composed);
+    QImage& composed = is_whole ? background : _composed;
     if (!_are_outlines_hidden) {
-        outline_painter outlines(part, exposed.topLeft(), _view, _outline_width);
+        outline_painter outlines(composed, exposed, _view, _outline_width);
         _window.visit_shown_rois(
             [&](const plane_roi& r, const QColor& color) { outlines.draw(*r.raster, color); });
     }
-    painter.drawImage(exposed.topLeft(), part);
+    painter.drawImage(exposed, composed, exposed);
     if (_window.shows_lineage())
         paint_lineage(painter);
     return true;

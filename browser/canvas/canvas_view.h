@@ -54,7 +54,7 @@ public:
     [[nodiscard]] QRect screen_area(const QRect& picture) const override;
 
 signals:
-    void recording_opened();
+    void opened_or_closed();
     void range_changed();
 
 protected:
@@ -80,6 +80,7 @@ private:
     int _outline_width = 1;
     bool _are_outlines_hidden = false;
     visible_image _image;
+    QImage _composed;     // with the outlines, where it was painted last
     QRect _plane_area;    // of the picture: what this plane has to show
     QSize _extent;        // all that planes of this recording had to show so far
     std::vector<std::function<void(QPainter&)>> _overlays;

@@ -45,16 +45,26 @@ display_range range_of(const QImage& image)
     return {low, std::max(low + 1, value_after(histogram, pixels * (1 - dark_share) - 1)), 1};
 }
 
-void show_in_range(QImage& image, const display_range& range)
+range_painter::range_painter(const display_range& range) : _is_plain(range.is_plain())
 {
-    if (range.is_plain())
-        return;
     const grey_table table = table_of(range);
-    for (int y = 0; y < image.height(); ++y) {
-        auto* const line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            line[x] = qRgb(table[static_cast<std::size_t>(qRed(line[x]))],
-                           table[static_cast<std::size_t>(qGreen(line[x]))],
-                           table[static_cast<std::size_t>(qBlue(line[x]))]);
+    for (std::size_t value = 0; value < table.size(); ++value) {
+        _red[value] = qRgb(table[value], 0, 0);
+        _green[value] = qRgb(0, table[value], 0);
+        _blue[value] = qRgb(0, 0, table[value]);
+        _grey[value] = qRgb(table[value], table[value], table[value]);
+    }
+}
+
+void range_painter::copy(const QRgb* from, int count, QRgb* to) const noexcept
+{
+    if (_is_plain) {
+        std::copy_n(from, from == to ? 0 : count, to);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const QRgb p = from[i];
+        const bool is_grey = ((p ^ p >> 8) & 0xffff) == 0;    // as nearly every pixel is
+        to[i] = is_grey ? _grey[p & 255] : _red[p >> 16 & 255] | _green[p >> 8 & 255] | _blue[p & 255];
     }
 }

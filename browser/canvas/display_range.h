@@ -20,5 +20,13 @@ using grey_table = std::array<unsigned char, 256>;    // by the grey value of th
 // From percentiles 0.1 and 99.9 of the image's pixels; its gamma is 1. The plain range for no image.
 [[nodiscard]] display_range range_of(const QImage& image);
 
-// Replaces every pixel of a 32-bit image, colour by colour.
-void show_in_range(QImage& image, const display_range& range);
+// Shows 32-bit pixels in a range, colour by colour.
+class range_painter {
+public:
+    explicit range_painter(const display_range& range);
+    void copy(const QRgb* from, int count, QRgb* to) const noexcept;    // `to` may be `from`
+
+private:
+    bool _is_plain;
+    std::array<QRgb, 256> _red{}, _green{}, _blue{}, _grey{};    // by the value before
+};

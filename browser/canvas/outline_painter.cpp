@@ -1,11 +1,9 @@
 #include "outline_painter.h"
 
-#include <QPainter>
-
 #include <algorithm>
 
-outline_painter::outline_painter(QImage& onto, QPoint corner, const view_transform& view, int width)
-    : _onto(onto), _area(corner, onto.size()), _view(view), _width(width)
+outline_painter::outline_painter(QImage& onto, const QRect& area, const view_transform& view, int width)
+    : _onto(onto), _area(area), _view(view), _width(width)
 {
 }
 
@@ -23,15 +21,17 @@ void outline_painter::draw(const q_roiimg& raster, const QColor& color)
 
 void outline_painter::draw_polygon(const QPolygon& polygon, const QColor& color)
 {
-    QPainter painter(&_onto);
-    painter.translate(-_area.topLeft());
-    painter.setPen(QPen(color, _width));
+    if (!_painter.isActive()) {
+        _painter.begin(&_onto);
+        _painter.setClipRect(_area);
+    }
+    _painter.setPen(QPen(color, _width));
     QPolygon shown(polygon.size());
     std::ranges::transform(polygon, shown.begin(), [this](QPoint p) { return _view.screen_pixel(p); });
     if (std::ranges::all_of(shown, [&shown](QPoint p) { return p == shown.first(); }))
-        painter.drawPoint(shown.first());
+        _painter.drawPoint(shown.first());
     else
-        painter.drawPolygon(shown);
+        _painter.drawPolygon(shown);
 }
 
 void outline_painter::draw_mask(const q_roiimg& raster, QRgb color)
@@ -40,6 +40,9 @@ void outline_painter::draw_mask(const q_roiimg& raster, QRgb color)
     const pixel_box box = raster.box();
     const int first = std::max(0, seen.left() - box.left);
     const int last = std::min(box.right, seen.right()) - box.left;
+    _columns.clear();
+    for (int x = 0; x <= raster.width(); ++x)
+        _columns.push_back(_view.screen_pixel({box.left + x, 0}).x());
     for (int y = std::max(box.top, seen.top()); y <= std::min(box.bottom, seen.bottom()); ++y)
         draw_row(raster, y - box.top, first, last, color);
 }
@@ -47,33 +50,36 @@ void outline_painter::draw_mask(const q_roiimg& raster, QRgb color)
 // Of the mask's pixels in one row, from column `first` to `last`, the sides towards what is outside.
 void outline_painter::draw_row(const q_roiimg& raster, int y, int first, int last, QRgb color)
 {
-    const int columns = raster.width();
-    const unsigned char* const row = raster.image() + static_cast<std::ptrdiff_t>(y) * columns;
-    const auto inside = [&](int x, int rows_down) {
-        const bool in_mask = x >= 0 && x < columns && y + rows_down >= 0 && y + rows_down < raster.height();
-        return in_mask && row[x + static_cast<std::ptrdiff_t>(rows_down) * columns] != 0;
-    };
-    const QPoint corner(raster.box().left, raster.box().top);
+    const int width = raster.width();
+    const unsigned char* const row = raster.image() + static_cast<std::ptrdiff_t>(y) * width;
+    const unsigned char* const above = y > 0 ? row - width : nullptr;
+    const unsigned char* const below = y + 1 < raster.height() ? row + width : nullptr;
+    const int image_row = raster.box().top + y;
+    const int top = _view.screen_pixel({0, image_row}).y();
+    const int bottom = _view.screen_pixel({0, image_row + 1}).y() - 1;
     for (int x = first; x <= last; ++x) {
         if (row[x] == 0)
             continue;
-        const QRect pixel = _view.screen_area({corner + QPoint(x, y), QSize(1, 1)});
-        if (!inside(x, -1))
-            fill({pixel.topLeft(), QSize(pixel.width(), _width)}, color);
-        if (!inside(x, 1))
-            fill({QPoint(pixel.left(), pixel.bottom() - _width + 1), pixel.bottomRight()}, color);
-        if (!inside(x - 1, 0))
-            fill({pixel.topLeft(), QSize(_width, pixel.height())}, color);
-        if (!inside(x + 1, 0))
-            fill({QPoint(pixel.right() - _width + 1, pixel.top()), pixel.bottomRight()}, color);
+        const int left = _columns[static_cast<std::size_t>(x)];
+        const int right = _columns[static_cast<std::size_t>(x) + 1] - 1;
+        if (!above || above[x] == 0)
+            fill(left, top, right, top + _width - 1, color);
+        if (!below || below[x] == 0)
+            fill(left, bottom - _width + 1, right, bottom, color);
+        if (x == 0 || row[x - 1] == 0)
+            fill(left, top, left + _width - 1, bottom, color);
+        if (x + 1 == width || row[x + 1] == 0)
+            fill(right - _width + 1, top, right, bottom, color);
     }
 }
 
-void outline_painter::fill(QRect screen, QRgb color)
+void outline_painter::fill(int left, int top, int right, int bottom, QRgb color)
 {
-    const QRect part = (screen & _area).translated(-_area.topLeft());
-    for (int y = part.top(); y <= part.bottom(); ++y) {
+    left = std::max(left, _area.left());
+    right = std::min(right, _area.right());
+    bottom = std::min(bottom, _area.bottom());
+    for (int y = std::max(top, _area.top()); y <= bottom && left <= right; ++y) {
         auto* const line = reinterpret_cast<QRgb*>(_onto.scanLine(y));
-        std::fill(line + part.left(), line + part.right() + 1, color);
+        std::fill(line + left, line + right + 1, color);
     }
 }

@@ -7,11 +7,14 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPainter>
+
+#include <vector>
 
 class outline_painter {
 public:
-    // Draws onto a 32-bit image that shows the canvas from `corner` on. `width` is in screen pixels.
-    outline_painter(QImage& onto, QPoint corner, const view_transform& view, int width);
+    // Draws onto a 32-bit image of the canvas, inside an area of it. `width` is in screen pixels.
+    outline_painter(QImage& onto, const QRect& area, const view_transform& view, int width);
 
     // REQUIRES: the raster is mapped
     void draw(const q_roiimg& raster, const QColor& color);
@@ -20,10 +23,12 @@ private:
     void draw_polygon(const QPolygon& polygon, const QColor& color);
     void draw_mask(const q_roiimg& raster, QRgb color);
     void draw_row(const q_roiimg& raster, int y, int first, int last, QRgb color);
-    void fill(QRect screen, QRgb color);
+    void fill(int left, int top, int right, int bottom, QRgb color);
 
     QImage& _onto;
-    QRect _area;    // of the canvas
+    const QRect _area;
     const view_transform& _view;
-    int _width;
+    const int _width;
+    QPainter _painter;            // of polygons, once there is one
+    std::vector<int> _columns;    // the first screen column of each of a mask, and the one behind
 };

@@ -12,8 +12,11 @@
 class visible_image {
 public:
     // 32-bit, of the canvas's size; where the image does not reach, `blank`. A null image shows nothing else.
-    [[nodiscard]] const QImage& of(const QPixmap& image, const view_transform& view, QSize canvas,
-                                   const display_range& range, QRgb blank);
+    // Who changes it must forget() it.
+    [[nodiscard]] QImage& of(const QPixmap& image, const view_transform& view, QSize canvas,
+                             const display_range& range, QRgb blank);
+
+    void forget() { _made_for = {}; }
 
 private:
     struct request {

@@ -82,6 +82,13 @@ ViewPage::ViewPage(ORVBrowser& window, CanvasView& view, CanvasMarks& canvas_mar
     _marks.choose(chosen_marks());
     _view.set_outline_width(outline_width->value());
     connect_controls();
+    enable_buttons();
+}
+
+void ViewPage::enable_buttons()
+{
+    for (const button_row& row : buttons)
+        (this->*row.button)->setEnabled(_window.isOpen());
 }
 
 void ViewPage::create_buttons()
@@ -137,6 +144,7 @@ void ViewPage::connect_controls()
     });
     connect(range_reset, &QPushButton::clicked, this, [this] { _view.set_range({}); });
     connect(&_view, &CanvasView::range_changed, this, &ViewPage::show_range);
+    connect(&_view, &CanvasView::opened_or_closed, this, &ViewPage::enable_buttons);
     for (QSpinBox* const end : {low, high})
         connect(end, &QSpinBox::valueChanged, this, &ViewPage::take_range);
     connect(gamma, &QDoubleSpinBox::valueChanged, this, &ViewPage::take_range);

@@ -40,6 +40,7 @@ private:
     void create_buttons();
     void create_fields();
     void connect_controls();
+    void enable_buttons();
     void take_range();
     void show_range();
     [[nodiscard]] mark_choice chosen_marks() const;
