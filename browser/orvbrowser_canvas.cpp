@@ -132,15 +132,23 @@ const QPixmap* ORVBrowser::image_on_view() const
     return m_imgdb ? m_imgdb->cached(m_time_point, m_focal_plane) : nullptr;
 }
 
+// A plane that has left the cache since the picture was made does not know any more how it is shown.
 void ORVBrowser::visit_shown_rois(const std::function<void(const plane_roi&, const QColor&)>& visit)
 {
     if (!has_rois())
         return;
     const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+    std::optional<set<string>> reached;
+    const auto look_now = [&](const plane_roi& r) {
+        if (!reached)
+            reached = units_reached_on_view();
+        return look_of(*r.key, *reached);
+    };
     for (plane_roi& r : plane->rois) {
         m_q_roiimgdb->raster_of(r);
-        if (r.painted_as >= 0)    // neither hidden nor still to come
-            visit(r, color[r.painted_as]);
+        const int look = r.painted_as == plane_roi::not_painted ? look_now(r) : r.painted_as;
+        if (look != not_shown)
+            visit(r, color[look]);
     }
     release_dropped_rasters();
 }

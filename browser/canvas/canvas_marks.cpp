@@ -192,7 +192,7 @@ void CanvasMarks::paint_tails(QPainter& painter)
         const QColor color(segment.of == tail_segment::part::before  ? "#60a0ff"
                            : segment.of == tail_segment::part::after ? "#ff9040"
                                                                      : "#ffff60");
-        draw_twice(painter, 1, color, [&] { painter.drawLine(place(segment.from), place(segment.to)); });
+        draw_twice(painter, 2, color, [&] { painter.drawLine(place(segment.from), place(segment.to)); });
     }
 }
 

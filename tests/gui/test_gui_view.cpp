@@ -77,6 +77,8 @@ private slots:
         QVERIFY(drawn(w.seen(), w.frame_canvas->rect(), outline).find('#') == std::string::npos);
         QTest::keyRelease(&w, Qt::Key_H);
         QVERIFY(drawn(w.seen(), square, outline).find('#') == 0);
+        w.m_q_roiimgdb->remove_after(-1);    // as looking at far time points does
+        QVERIFY(drawn(w.seen(), square, outline).find('#') == 0);
         w.press(Qt::Key_0);
         for (int i = 0; i < 2; ++i)
             turn_wheel(w, {0, 0}, -120, Qt::ControlModifier);
