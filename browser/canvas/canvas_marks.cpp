@@ -122,7 +122,7 @@ void CanvasMarks::paint_crosses(QPainter& painter)
         const QRect box = _view.view().screen_area(rect_of(r.box));
         const int arm = std::max(2, std::min(box.width(), box.height()) / 4);
         const QPoint middle = box.center();
-        draw_twice(painter, 1, QColor("#ff5050"), [&] {
+        draw_twice(painter, 2, QColor("#ff5050"), [&] {
             painter.drawLine(middle - QPoint(arm, arm), middle + QPoint(arm, arm));
             painter.drawLine(middle - QPoint(arm, -arm), middle + QPoint(arm, -arm));
         });
