@@ -34,8 +34,8 @@ int main(int argc, char** argv)
         return 2;
     }
     const bench_data data{argv[1]};
-    print_ratios(joined(split_comparisons(), picture_comparisons(data), tracking_comparisons(data),
-                        file_comparisons(data)));
+    print_ratios(joined(split_comparisons(), picture_comparisons(data), view_comparisons(data),
+                        tracking_comparisons(data), file_comparisons(data)));
     std::puts("");
     print_memory(data);
     std::puts("");

@@ -15,6 +15,7 @@ struct bench_data {
 
 [[nodiscard]] std::vector<comparison> file_comparisons(const bench_data& data);        // bench_files.cpp
 [[nodiscard]] std::vector<comparison> picture_comparisons(const bench_data& data);     // bench_picture.cpp
+[[nodiscard]] std::vector<comparison> view_comparisons(const bench_data& data);        // bench_view.cpp
 [[nodiscard]] std::vector<comparison> tracking_comparisons(const bench_data& data);    // bench_tracking.cpp
 [[nodiscard]] std::vector<comparison> split_comparisons();                             // bench_split.cpp
 

@@ -8,7 +8,9 @@
 #include "ImageDB.h"
 #include "curation.h"
 #include "file_dialogs.h"
+#include "further_input.h"
 #include "kept_work.h"
+#include "lineage_stroke.h"
 #include "window_controls.h"
 
 #include <QApplication>
@@ -24,6 +26,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class BusyRun;
 class QPainter;
@@ -52,6 +55,23 @@ public:
 
     // ---- The ROI under a point (orvbrowser_input.cpp)
     virtual string xyROI(int x, int y);    // key of the ROI of this plane at an image pixel, or ""
+
+    // ---- For what shows the picture otherwise, and for further input (orvbrowser_canvas.cpp,
+    // orvbrowser_overlay.cpp)
+    void set_further_input(FurtherInput* input) noexcept { m_further_input = input; }    // not owned
+    [[nodiscard]] const QPixmap* image_on_view() const;    // null where there is none
+    [[nodiscard]] string image_filename();                 // of the position on view
+    [[nodiscard]] bool shows_lineage() const noexcept { return m_show_centroid; }
+    [[nodiscard]] std::vector<lineage_stroke> lineage_strokes();
+    // The ROIs of the plane as the picture shows them, with their mapped rasters and colours.
+    void visit_shown_rois(const std::function<void(const plane_roi&, const QColor&)>& visit);
+    [[nodiscard]] const set<string>& split_parents() const noexcept { return m_split_parents; }
+    // The mode that the next click on an ROI acts in; and out of all of them.
+    enum class armed { none, elite, choose, remove, add, merge, split };
+    [[nodiscard]] armed armed_mode() const noexcept;
+    void disarm();
+    // True iff the next press anywhere is the place of a cut.
+    [[nodiscard]] bool is_cut_waiting() const noexcept { return m_split_mode && m_split_parents.size() > 1; }
 
     // ---- For pages and windows beside this one (orvbrowser.cpp, orvbrowser_canvas.cpp)
     using curation::children;    // units, not objects
@@ -265,7 +285,6 @@ private:
     [[nodiscard]] position_controls time_controls();
     [[nodiscard]] position_controls plane_controls();
     void set_position(const position_controls& controls, int value);
-    [[nodiscard]] string image_filename();
     void reset_recording_state();
     void take_time_bounds();
     void take_focal_planes();
@@ -286,6 +305,8 @@ private:
     void press_other_key(int key);
     void toggle_lineage_mode();
     void light_roi(const string& key);
+    void press_canvas(const QMouseEvent& e);
+    void end_input();
     void click_in_lineage_modes(const string& key);
     void link_by_hand(const string& a, const string& b);
     void mark_roi(const string& key, Qt::MouseButton button);
@@ -312,8 +333,9 @@ private:
     // ---- Lineage
     void report(const char* finding, const std::optional<string>& unit);
     [[nodiscard]] bool is_on_view(const string& unit);
-    void paint_centroid(QPainter& painter, const string& unit, const char* bright, const char* dark);
-    void paint_links(QPainter& painter, const string& unit);
+    void add_centroid(std::vector<lineage_stroke>& strokes, const string& unit, const char* bright,
+                      const char* dark);
+    void add_links(std::vector<lineage_stroke>& strokes, const string& unit);
 
     // ---- Splitting
     [[nodiscard]] bool wait_while_auto_split(LongRun& run);
@@ -336,6 +358,7 @@ private:
     bool m_is_mirroring_plane = false;
     int m_drawn_time_point = -1;    // the position of the picture in m_pix
     int m_drawn_focal_plane = -1;
+    FurtherInput* m_further_input = nullptr;
     int m_busy_runs = 0;      // the runs going on that a person waits for
     int m_event_depth = 0;    // handlers waiting for the events that they let be processed
 };

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr int not_shown = -2;    // where others have the index of their colour
+constexpr int not_shown = -2;                    // where others have the index of their colour
+constexpr QRect whole_canvas(0, 0, 601, 601);    // that the picture is made for, whatever is seen of it
 
 QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
 
@@ -57,7 +58,7 @@ void ORVBrowser::ask_for_missing_image()
 // changed: paints anew only where they have. Lineage lines may cross any place.
 void ORVBrowser::show_changed_rois()
 {
-    const QPixmap* const image = isOpen() ? m_imgdb->cached(m_time_point, m_focal_plane) : nullptr;
+    const QPixmap* const image = isOpen() ? image_on_view() : nullptr;
     const bool can_paint_parts = isVisible() && updatesEnabled() && is_picture_current() &&
                                  !m_show_centroid && image && image->size() == m_pix.size();
     const std::optional<QRect> area = can_paint_parts ? area_of_changed_rois() : std::nullopt;
@@ -109,12 +110,12 @@ QPixmap ORVBrowser::background()
     const QPixmap image = m_imgdb->img(m_time_point, m_focal_plane, filename, m_cache_time);
     QRect covered = image.rect();
     if (image.isNull())
-        covered = frame_canvas->rect();
+        covered = whole_canvas;
     else if (has_rois()) {
         const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
         for (plane_roi& r : plane->rois)
             if (m_q_roiimgdb->raster_of(r)->size() > 0)
-                covered |= rect_of(r.box) & frame_canvas->rect();
+                covered |= rect_of(r.box) & whole_canvas;
     }
     if (covered == image.rect())
         return image;
@@ -124,6 +125,32 @@ QPixmap ORVBrowser::background()
     picture.fill(palette().color(QPalette::Window));
     QPainter(&picture).drawPixmap(0, 0, image);
     return picture;
+}
+
+const QPixmap* ORVBrowser::image_on_view() const
+{
+    return m_imgdb ? m_imgdb->cached(m_time_point, m_focal_plane) : nullptr;
+}
+
+// A plane that has left the cache since the picture was made does not know any more how it is shown.
+void ORVBrowser::visit_shown_rois(const std::function<void(const plane_roi&, const QColor&)>& visit)
+{
+    if (!has_rois())
+        return;
+    const auto plane = m_q_roiimgdb->plane(*m_roidb, m_time_point, m_focal_plane);
+    std::optional<set<string>> reached;
+    const auto look_now = [&](const plane_roi& r) {
+        if (!reached)
+            reached = units_reached_on_view();
+        return look_of(*r.key, *reached);
+    };
+    for (plane_roi& r : plane->rois) {
+        m_q_roiimgdb->raster_of(r);
+        const int look = r.painted_as == plane_roi::not_painted ? look_now(r) : r.painted_as;
+        if (look != not_shown)
+            visit(r, color[look]);
+    }
+    release_dropped_rasters();
 }
 
 void ORVBrowser::drawROI(QPixmap& pix) { paint_rois(pix, pix.rect()); }

@@ -47,9 +47,30 @@ void ORVBrowser::set_mode(bool& flag, QCursor& before, bool on)
 // After a wait cursor: a mode that is armed shows its hand again.
 void ORVBrowser::show_mode_cursor()
 {
-    const bool is_armed = m_manual_elite || m_lineage_mode || m_add_lineage_mode || m_remove_lineage_mode ||
-                          m_merge_mode || m_split_mode;
-    setCursor(is_armed ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    setCursor(armed_mode() != armed::none ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+// The first that is armed, in the order in which a click asks them.
+ORVBrowser::armed ORVBrowser::armed_mode() const noexcept
+{
+    return m_manual_elite          ? armed::elite
+           : m_lineage_mode        ? armed::choose
+           : m_remove_lineage_mode ? armed::remove
+           : m_add_lineage_mode    ? armed::add
+           : m_merge_mode          ? armed::merge
+           : m_split_mode          ? armed::split
+                                   : armed::none;
+}
+
+void ORVBrowser::disarm()
+{
+    setManualEliteMode(false);
+    setLineageMode(false);
+    setRemoveLineageMode(false);
+    setAddLineageMode(false);
+    setMergeMode(false);
+    setSplitMode(false);
+    show_mode_cursor();
 }
 
 void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, m_cursor_before[elite_mode], on); }
@@ -110,10 +131,20 @@ bool ORVBrowser::press_mode_key(int key)
 void ORVBrowser::keyPressEvent(QKeyEvent* e)
 {
     const QPointer<ORVBrowser> self(this);
-    if (!press_mode_key(e->key()))
+    if (m_further_input)
+        m_further_input->input_begins();
+    const bool is_taken = m_further_input && m_further_input->take_key(*e);
+    if (!is_taken && !press_mode_key(e->key()))
         press_other_key(e->key());
     if (self)    // what the key started may let handlers run, which may delete the window
-        processEvents();
+        end_input();
+}
+
+void ORVBrowser::end_input()
+{
+    if (m_further_input)
+        m_further_input->input_served();
+    processEvents();
 }
 
 void ORVBrowser::press_other_key(int key)
@@ -167,7 +198,7 @@ void ORVBrowser::toggle_lineage_mode()
 
 void ORVBrowser::wheelEvent(QWheelEvent* e)
 {
-    if (!m_imgdb)
+    if (!m_imgdb || (m_further_input && m_further_input->take_wheel(*e)))
         return;
     if (e->angleDelta().y() > 0)
         focusUp();
@@ -178,12 +209,15 @@ void ORVBrowser::wheelEvent(QWheelEvent* e)
 
 void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
 {
-    if (!has_rois())
+    if (!has_rois() || (m_further_input && m_further_input->take_move(*e)))
         return;
-    const QPoint at = e->position().toPoint() - frame_canvas->pos();
-    if (!frame_canvas->rect().contains(at))
+    const QPoint on_canvas = e->position().toPoint() - frame_canvas->pos();
+    if (!frame_canvas->rect().contains(on_canvas))
         return;
+    const QPoint at = frame_canvas->picture_pixel(on_canvas);
     light_roi(xyROI(at.x(), at.y()));
+    if (m_further_input)
+        m_further_input->pointer_moved();
     processEvents();
 }
 
@@ -205,15 +239,27 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
 {
     if (!m_roidb)
         return;
-    const QPoint at = e->position().toPoint() - frame_canvas->pos();
-    const bool on_canvas = frame_canvas->rect().contains(at);
+    const QPointer<ORVBrowser> self(this);    // what a press starts may let handlers run, which may delete it
+    if (m_further_input)
+        m_further_input->input_begins();
+    if (!m_further_input || !m_further_input->take_press(*e))
+        press_canvas(*e);
+    if (self)
+        end_input();
+}
+
+void ORVBrowser::press_canvas(const QMouseEvent& e)
+{
+    const QPoint place = e.position().toPoint() - frame_canvas->pos();
+    const bool on_canvas = frame_canvas->rect().contains(place);
+    const QPoint at = frame_canvas->picture_pixel(place);
     const std::string key = on_canvas ? xyROI(at.x(), at.y()) : string();
-    const bool left = e->button() == Qt::LeftButton;
+    const bool left = e.button() == Qt::LeftButton;
     const bool in_lineage_modes =
         m_manual_elite || m_lineage_mode || m_remove_lineage_mode || m_add_lineage_mode;
     // Only the place of a cut may be anywhere.
     if (key.empty() && (!m_split_mode || in_lineage_modes || m_merge_mode)) {
-        finish();
+        show_changes();
         return;
     }
     const QPointer<ORVBrowser> self(this);    // a split lets handlers run, which may delete the window
@@ -221,14 +267,14 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
         if (left)
             click_in_lineage_modes(key);
     } else if (!m_merge_mode && !m_split_mode) {
-        mark_roi(key, e->button());
+        mark_roi(key, e.button());
     } else if (!m_merge_mode) {
         click_in_split_mode(key, left, at);
     } else if (left) {
         click_in_merge_mode(key);
     }
     if (self)
-        finish();
+        show_changes();
 }
 
 // The one-shot modes that act on the unit under the pointer; the first that is armed takes the click.

@@ -8,6 +8,7 @@
 #include <QCommandLineParser>
 #include <QFile>
 #include <QIcon>
+#include <QScreen>
 
 #include <csignal>
 
@@ -79,6 +80,7 @@ request read_command_line(int argc, char* argv[])
 
 int main(int argc, char* argv[])
 {
+    QCoreApplication::setOrganizationName("orvbrowser");
     QCoreApplication::setApplicationName("orvbrowser");
     QCoreApplication::setApplicationVersion(ORV_VERSION);
     const request wanted = read_command_line(argc, argv);
@@ -96,6 +98,7 @@ int main(int argc, char* argv[])
     const bool is_open = !wanted.roi_file.empty() && window.openRoiFile(wanted.roi_file);    // says why not
     if (is_open && wanted.take_up)
         (void)window.take_up_work();
+    window.resize(window.size().boundedTo(window.screen()->availableSize()));
     window.show();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, &QApplication::quit);
     return QApplication::exec();

@@ -1,5 +1,8 @@
-// picture_frame.h - a frame that shows a picture, unscaled, from its top-left corner.
+// picture_frame.h - a frame that shows a picture, unscaled, from its top-left corner, unless a layer shows it
+// otherwise.
 #pragma once
+#include "canvas_layer.h"
+
 #include <QFrame>
 #include <QPixmap>
 
@@ -17,9 +20,16 @@ public:
 
     [[nodiscard]] const QPixmap& picture() const noexcept { return _picture; }
 
+    // Not owned; null for none.
+    void set_layer(CanvasLayer* layer) noexcept { _layer = layer; }
+
+    // The picture pixel that a point of the frame, or beside it, shows.
+    [[nodiscard]] QPoint picture_pixel(QPoint at) const { return _layer ? _layer->picture_pixel(at) : at; }
+
 protected:
     void paintEvent(QPaintEvent* e) override;
 
 private:
     QPixmap _picture;
+    CanvasLayer* _layer = nullptr;
 };

@@ -57,6 +57,50 @@ const help_row keys[] = {
      QT_TRANSLATE_NOOP("HelpWindow",
                        "to the buttons, sliders and fields; after use the keys are the canvas's again")},
     {"Enter, Esc", QT_TRANSLATE_NOOP("HelpWindow", "in a field: done with typing")},
+    {"Esc", QT_TRANSLATE_NOOP("HelpWindow", "put away the mode that is armed, or the field to go somewhere")},
+};
+
+const help_row view_keys[] = {
+    {"+ &nbsp; -, Ctrl+wheel",
+     QT_TRANSLATE_NOOP("HelpWindow", "larger, smaller: about the middle, about the pointer")},
+    {"0 &nbsp; 1", QT_TRANSLATE_NOOP("HelpWindow", "one screen pixel for each pixel; the whole picture")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "middle button, Space + left button"),
+     QT_TRANSLATE_NOOP("HelpWindow", "drag the picture; Shift+wheel and the scroll bars move it too")},
+    {"H", QT_TRANSLATE_NOOP("HelpWindow", "while held, the image without outlines")},
+    {"Home", QT_TRANSLATE_NOOP("HelpWindow", "the plane with the most ROIs of this time point")},
+    {"PageUp &nbsp; PageDown",
+     QT_TRANSLATE_NOOP("HelpWindow", "the next plane with ROIs: with a lower number, with a higher one")},
+    {"Ctrl+Left &nbsp; Ctrl+Right", QT_TRANSLATE_NOOP("HelpWindow", "the first and the last time point")},
+    {"G",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "go to a ROI key, the number of a unit, or \"time point, plane\" as two numbers")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "Backspace, back and forward buttons"),
+     QT_TRANSLATE_NOOP("HelpWindow", "through the places one has been to")},
+};
+
+const help_row quick_keys[] = {
+    {QT_TRANSLATE_NOOP("HelpWindow", "Ctrl + left click"),
+     QT_TRANSLATE_NOOP("HelpWindow", "choose a nucleus, without L before it")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "Shift + right click"),
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "mark the whole unit as false positive, or unmark it; with Ctrl too, and all its "
+                       "descendants. A ROI in no unit: what Z would reach")},
+    {"U", QT_TRANSLATE_NOOP("HelpWindow",
+                            "remove the one link between the chosen nucleus and that of the next click")},
+    {"[ &nbsp; ]",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "the parent, the larger child of the chosen nucleus becomes the chosen one")},
+};
+
+const help_row canvas_marks[] = {
+    {QT_TRANSLATE_NOOP("HelpWindow", "red cross"), QT_TRANSLATE_NOOP("HelpWindow", "a false positive")},
+    {"1 &nbsp; 2", QT_TRANSLATE_NOOP("HelpWindow", "the parents picked for a split")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "a number"),
+     QT_TRANSLATE_NOOP("HelpWindow", "the chosen nucleus; G takes the number")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "white ring"),
+     QT_TRANSLATE_NOOP("HelpWindow", "the unit that was gone to; yellow: its parents (p) and children (c)")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "blue, orange, yellow lines"),
+     QT_TRANSLATE_NOOP("HelpWindow", "tails: where nuclei came from, where they go; fresh daughters")},
 };
 
 const help_row mouse[] = {
@@ -159,6 +203,9 @@ void HelpWindow::update_text()
     QString html = table(QT_TRANSLATE_NOOP("HelpWindow", "Words"), words) +
                    table(QT_TRANSLATE_NOOP("HelpWindow", "Keys"), keys) +
                    table(QT_TRANSLATE_NOOP("HelpWindow", "Mouse"), mouse) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "View and places"), view_keys) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Corrections in fewer inputs"), quick_keys) +
+                   table(QT_TRANSLATE_NOOP("HelpWindow", "Marks on the canvas"), canvas_marks) +
                    table(QT_TRANSLATE_NOOP("HelpWindow", "Modes"), modes) +
                    table(QT_TRANSLATE_NOOP("HelpWindow", "Buttons"), buttons);
     html += "<h3>" + tr("Colours; on the right, under the pointer") + "</h3><table cellspacing=4>";

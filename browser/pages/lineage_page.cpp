@@ -5,6 +5,7 @@
 #include "file_dialogs.h"
 #include "help_window.h"
 #include "making_dialog.h"
+#include "places.h"
 #include "tree_window.h"
 
 #include <QLineEdit>
@@ -185,6 +186,7 @@ void LineagePage::create_controls()
     progress->setObjectName("progress");
     progress->setGeometry(188, 62, 332, 22);
     progress->setFormat(tr("time point %v of %m"));
+    progress->hide();
     numbers = new QLabel(this);
     numbers->setObjectName("numbers");
     numbers->setGeometry(8, 87, 584, 30);
@@ -203,8 +205,11 @@ void LineagePage::connect_controls()
     connect(scale, &QPushButton::clicked, this, [this] { edit_scale(_window); });
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
     connect(doubtful, &QPushButton::clicked, this, &LineagePage::show_next_doubtful);
-    connect(dead_end, &QPushButton::clicked, window, &ORVBrowser::pushButton_dead_end_clicked);
-    connect(unlinked, &QPushButton::clicked, window, &ORVBrowser::pushButton_unlinked_unit_clicked);
+    connect(dead_end, &QPushButton::clicked, this,
+            [this] { show_reported(_window.first_dead_end(), &ORVBrowser::pushButton_dead_end_clicked); });
+    connect(unlinked, &QPushButton::clicked, this, [this] {
+        show_reported(_window.first_unlinked(), &ORVBrowser::pushButton_unlinked_unit_clicked);
+    });
     connect(split, &QPushButton::clicked, window, &ORVBrowser::pushButton_split_clicked);
     connect(auto_split, &QPushButton::toggled, this, &LineagePage::toggle_auto_split);
     connect(read_lineage_file, &QPushButton::clicked, this, &LineagePage::read_file);
@@ -291,10 +296,11 @@ bool LineagePage::run_over_time(int first, const std::function<void(int)>& step)
     const QPointer<LineagePage> self(this);
     const auto hide_progress = qScopeGuard([self] {
         if (self)
-            self->progress->reset();
+            self->progress->hide();
     });
     _stop_asked = false;
     progress->setRange(_window.min_time_point(), std::max(last, _window.min_time_point() + 1));
+    progress->show();
     for (int t = first; t <= last && !_stop_asked; ++t) {
         progress->setValue(t);
         step(t);
@@ -411,9 +417,20 @@ void LineagePage::show_next_doubtful()
     _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
     std::cout << "Doubt unit: " << _last_doubtful << std::endl;
     const QPointer<LineagePage> self(this);
-    _window.view(_last_doubtful);
+    lead_to_unit(_window, _last_doubtful);
     if (self)
         _window.highlight(_last_doubtful);
+}
+
+// The report shows the plane of the unit's head; then the unit is shown.
+void LineagePage::show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)())
+{
+    const QPointer<Places> places(Places::of(_window));
+    if (places)
+        places->settle();
+    (_window.*report)();
+    if (places && unit)
+        places->show_unit(*unit);
 }
 
 // The passes begin once the switch itself is done: what goes on meanwhile may delete it.

@@ -15,6 +15,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 class HelpWindow;
@@ -68,6 +69,7 @@ private:
     void make_all_links();
     void toggle_elite();
     void show_next_doubtful();
+    void show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)());
     void toggle_auto_split(bool on);
     void split_all();
     void read_file();

@@ -96,9 +96,9 @@ void edit_scale(ORVBrowser& window)
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     const bool is_accepted = dialog->exec() == QDialog::Accepted && dialog && self;
     if (is_accepted && window.has_rois()) {
-        recording_info changed{{pixel->value(), plane->value()}, std::nullopt, info.focal_planes};
-        if (interval->value() > 0)
-            changed.interval_s = interval->value();
+        recording_info changed = info;
+        changed.scale = {pixel->value(), plane->value()};
+        changed.interval_s = interval->value() > 0 ? std::optional(interval->value()) : std::nullopt;
         const plane_range wanted{first->value(), std::max(first->value(), last->value())};
         if (wanted != planes)
             changed.focal_planes = wanted;

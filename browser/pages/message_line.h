@@ -1,4 +1,7 @@
-// message_line.h - the line at the foot of the main window that says what has happened.
+// message_line.h - the line at the foot of the main window that says what is going on.
+//
+// What it says, the first that there is: an error, which stays in red until the next key or click; which mode
+// is armed and what it waits for; the result of the last action; what lies under the pointer.
 #pragma once
 #include "error_line.h"
 
@@ -16,11 +19,23 @@ public:
     // The one of this window; null where no pages were added.
     [[nodiscard]] static MessageLine* of(const ORVBrowser& window);
 
-    void say(const QString& text);
+    void say(const QString& text);          // the result of an action
     void say_error(const QString& text);    // in red
+    void say_mode(const QString& text);
+    void say_pointer(const QString& text);
+
+    void forget_error();
+    void forget_result();
+
+protected:
+    void resizeEvent(QResizeEvent* e) override;
 
 private:
-    void show_text(const QString& text, const char* color);
+    void show_first();
 
+    QString _error;
+    QString _mode;
+    QString _result;
+    QString _pointer;
     const error_listener _errors;
 };

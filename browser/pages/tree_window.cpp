@@ -4,6 +4,7 @@
 #include "file_dialogs.h"
 #include "file_io.h"
 #include "keyboard_rules.h"
+#include "places.h"
 
 #include <QBuffer>
 #include <QMouseEvent>
@@ -167,7 +168,7 @@ void TreeWindow::go_to(std::string unit)
     _marked_unit = unit;
     update();
     const QPointer<TreeWindow> self(this);
-    _window.view(unit);
+    lead_to_unit(_window, unit);
     if (self && _window.isOpen())
         _window.highlight(unit);
 }

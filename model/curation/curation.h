@@ -123,6 +123,7 @@ public:
     bool clean_up();
     void add_selected(const set<string>& keys);
     void add_false_positives(const set<string>& keys);
+    void set_false_positives(const set<string>& keys, bool on);    // in one step
 
     // ---- Taking ROIs out and bringing them back (curation.cpp)
     void drop_false_positives();
@@ -134,6 +135,8 @@ public:
     virtual void forwardTracking(int t);
     virtual void backwardTracking(int start_time_point);
     virtual void zTracking(int t);
+    // The ROI and those that z tracking would reach from it, were none a false positive.
+    [[nodiscard]] set<string> reached_across_planes(const string& key);
     virtual void checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
                                          double mor_z);
 
@@ -159,6 +162,7 @@ public:
     virtual set<string> children(string key);
     virtual set<string> upstream_units(string key, int end_t);
     virtual set<string> subset_of_unit_from(string key);
+    [[nodiscard]] set<string> descendants(const string& unit);    // without itself
     virtual set<string> subset_of_elite_unit_from(string key);
     virtual bool reach(string a, string b);    // one of the two units is an ancestor of the other
     virtual pos3d g(string key);               // centroid: pixels, pixels, focal planes

@@ -101,6 +101,20 @@ std::set<std::string> curation::subset_of_unit_from(string key)
     return upstream_units(key, m_min_time_point);
 }
 
+std::set<std::string> curation::descendants(const string& unit)
+{
+    set<string> found;
+    std::vector<string> to_visit{unit};
+    while (!to_visit.empty()) {
+        const std::string from = to_visit.back();
+        to_visit.pop_back();
+        for (const std::string& child : children(from))
+            if (found.insert(child).second)
+                to_visit.push_back(child);
+    }
+    return found;
+}
+
 std::set<std::string> curation::subset_of_elite_unit_from(string key)
 {
     set<string> elite = subset_of_unit_from(key);

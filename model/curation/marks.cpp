@@ -116,3 +116,10 @@ void curation::add_false_positives(const set<string>& keys)
     for (const string& key : keys)
         set_mark(change_kind::false_positive, key, true);
 }
+
+void curation::set_false_positives(const set<string>& keys, bool on)
+{
+    const EditScope step(*this, on ? "False positives" : "No false positives");
+    for (const string& key : keys)
+        set_mark(change_kind::false_positive, key, on);
+}

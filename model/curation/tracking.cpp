@@ -15,6 +15,8 @@ namespace {
 // Making a raster takes about as long as this many comparisons of two ROIs.
 constexpr int steps_of_a_raster = 64;
 
+constexpr double z_tracking_share = 0.5;    // of the larger of two areas, that they share more than
+
 // One ROI from which the flood looks at one plane.
 struct flood_level {
     q_roiimg* from;
@@ -151,10 +153,32 @@ void curation::zTracking(int t)
     const EditScope step(*this, "Z tracking");
     LongRun run(*this);
     for_each_marked(t, m_selected_roi_set, [&](roi& r) {
-        checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, 0.5);
+        checkAdjacentFocalPlane(r, t, r.z() - 1, &m_selected_roi_set, 0.0, z_tracking_share);
         if (!run.alive())
             return;
         if (roi as_it_is_now(r, {}); m_roidb->find(as_it_is_now))
-            checkAdjacentFocalPlane(as_it_is_now, t, as_it_is_now.z() + 1, &m_selected_roi_set, 0.0, 0.5);
+            checkAdjacentFocalPlane(as_it_is_now, t, as_it_is_now.z() + 1, &m_selected_roi_set, 0.0,
+                                    z_tracking_share);
     });
+}
+
+std::set<std::string> curation::reached_across_planes(const string& key)
+{
+    if (!has_rois() || !m_roidb->db.contains(key))
+        return {};
+    set<string> found{key};
+    std::vector<string> to_visit{key};
+    while (!to_visit.empty()) {
+        q_roiimg* const from = m_q_roiimgdb->qrimg(m_roidb->find_plus(to_visit.back()));
+        to_visit.pop_back();
+        for (const int z : {from->z() - 1, from->z() + 1}) {
+            const auto plane = m_q_roiimgdb->plane(*m_roidb, from->t(), z);
+            for (plane_roi& r : plane->rois)
+                if (shared_ratio(from, m_q_roiimgdb->raster_of(r)) > z_tracking_share &&
+                    found.insert(*r.key).second)
+                    to_visit.push_back(*r.key);
+        }
+    }
+    release_dropped_rasters();
+    return found;
 }

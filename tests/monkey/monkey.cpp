@@ -7,6 +7,7 @@
 #include "../support/editing.h"
 #include "../support/failing_reads.h"
 #include "../support/scripted_dialogs.h"
+#include "canvas_view.h"
 #include "demo_files.h"
 #include "demo_random.h"
 #include "history_page.h"
@@ -178,6 +179,8 @@ public:
             return "a run leaves nothing behind";
         if (!isOpen())
             return nullptr;
+        if (!shows_what_is_under_the_pointer())
+            return "each screen pixel belongs to the picture pixel that it shows";
         return isVisible() && !shows_state() ? "the canvas shows the state" : broken_state_rule(*this);
     }
 
@@ -198,6 +201,15 @@ private:
                        w == page->overlap
                    ? isOpen()
                    : w->isEnabled();
+    }
+
+    [[nodiscard]] bool shows_what_is_under_the_pointer() const
+    {
+        const view_transform& view = CanvasView::of(*this)->view();
+        const QPoint s = frame_canvas->rect().center();
+        const QPoint p = view.picture_pixel(s);
+        return view.scale() >= view.smallest_scale && view.scale() <= view.largest_scale &&
+               view.screen_area({p, QSize(1, 1)}).contains(s);
     }
 
     // A picture made afresh is the one that is shown.
@@ -321,12 +333,12 @@ private:
     }
 
     // As QTest::mouseClick, but for a widget that goes with the press.
-    static void click_at(QWidget* widget, Qt::MouseButton button, QPoint at)
+    static void click_at(QWidget* widget, Qt::MouseButton button, QPoint at, Qt::KeyboardModifiers held = {})
     {
         const QPointer<QWidget> pressed = widget;
-        QTest::mousePress(widget, button, {}, at);
+        QTest::mousePress(widget, button, held, at);
         if (pressed)
-            QTest::mouseRelease(pressed, button, {}, at);
+            QTest::mouseRelease(pressed, button, held, at);
     }
 
     // ---- Choosing
@@ -341,13 +353,14 @@ private:
     }
 
     QPoint any_point(const QWidget* in) { return {below(in->width()), below(in->height())}; }
-    Qt::MouseButton any_button() { return Qt::MouseButton(chance(0.7) ? 1 : 1 << below(3)); }
+    Qt::MouseButton any_button() { return Qt::MouseButton(chance(0.7) ? 1 : 1 << below(5)); }
     QString any_answer() { return chance(0.3) ? "&Yes" : QString::fromStdString(_files.any()); }
 
     // The window, or a control of any window; its page comes to the front.
     QWidget* any_widget(double window_share)
     {
-        static const QRegularExpression kinds("Button|Slider|LineEdit|TabBar|SpinBox|TreeWindow|TextBrowser");
+        static const QRegularExpression kinds(
+            "Button|Slider|ScrollBar|CheckBox|LineEdit|TabBar|SpinBox|TreeWindow|TextBrowser");
         if (chance(window_share))
             return &window();
         QList<QWidget*> controls = window().findChildren<QWidget*>();
@@ -371,7 +384,7 @@ private:
 
     void press_any_key()
     {
-        static const std::string letters = "ACDEFLMRSTWXZQ7 ";
+        static const std::string letters = "ACDEFLMRSTWXZQ7 GHU[]+-01";
         const int other = chance(0.8) ? Qt::Key_Home + below(8) : Qt::Key_Escape + below(11);
         press(chance(0.5) ? any_of(letters) : other, chance(0.8) ? 0 : below(16) * Qt::ShiftModifier,
               chance(0.3) ? QApplication::focusWidget() : nullptr);
@@ -432,7 +445,9 @@ private:
         while (--tries > 0 && window().xyROI(at.x(), at.y()).empty());
         if (tries == 0 && window().isOpen() && !window().m_roidb->db.empty())
             window().view(any_of(window().m_roidb->db).first);
-        click_at(&window(), button, window().frame_canvas->pos() + at);
+        const auto held = Qt::KeyboardModifiers(chance(0.8) ? 0 : below(4) * Qt::ShiftModifier);
+        click_at(&window(), button,
+                 window().frame_canvas->pos() + CanvasView::of(window())->view().screen_pixel(at), held);
     }
 
     void turn_wheel()
@@ -440,7 +455,8 @@ private:
         QWidget* const to = any_widget(0.6);
         const QPointF at = any_point(to);
         const QPoint turn(0, 120 * (below(21) - 10));
-        QWheelEvent e(at, to->mapToGlobal(at), {}, turn, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        const auto held = Qt::KeyboardModifiers(chance(0.5) ? 0 : below(8) * Qt::ShiftModifier);
+        QWheelEvent e(at, to->mapToGlobal(at), {}, turn, Qt::NoButton, held, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(to, &e);
     }
 

@@ -1,0 +1,68 @@
+// canvas_marks.h - what is drawn over the picture: marks that would be lost on it, rings around what a person
+// was led to, tails, the scale bar, and why there is nothing to see.
+#pragma once
+#include "canvas_view.h"
+#include "tails.h"
+
+#include <QObject>
+
+#include <set>
+#include <string>
+
+enum class tail_choice { none, of_chosen, of_near };
+
+struct mark_choice {
+    bool has_marks = true;    // crosses, numbers, the label and rings
+    bool has_scale_bar = false;
+    tail_choice tails = tail_choice::none;
+    int tail_steps = 5;    // time points
+
+    bool operator==(const mark_choice&) const = default;
+};
+
+class CanvasMarks : public QObject, private curation_observer {
+    Q_OBJECT
+
+public:
+    CanvasMarks(ORVBrowser& window, CanvasView& view);
+
+    [[nodiscard]] static CanvasMarks* of(const ORVBrowser& window);    // null where no pages were added
+
+    void choose(const mark_choice& choice);
+    [[nodiscard]] const mark_choice& choice() const noexcept { return _choice; }
+
+    // A thick ring around a unit, or a ROI in none, and thin ones with a letter around its parents (p) and
+    // children (c); until the next ones.
+    void ring(const std::string& unit);
+    void clear_rings();
+    [[nodiscard]] const std::string& ringed() const noexcept { return _ringed; }
+
+    // The smallest box of picture pixels around a unit, or a ROI in none: on focal plane z, or, where it has
+    // nothing there, on all.
+    [[nodiscard]] QRect box_of(const std::string& unit, int z);
+
+    // What a plane with nothing to show tells instead, or "".
+    [[nodiscard]] QString notice();
+
+private:
+    void state_changed() override { _view.update_canvas(); }
+    void recording_changed() override { clear_rings(); }
+
+    void paint(QPainter& painter);
+    void paint_crosses(QPainter& painter);
+    void paint_numbers(QPainter& painter);
+    void paint_rings(QPainter& painter);
+    void paint_ring(QPainter& painter, const std::string& unit, const QString& letter);
+    void paint_tails(QPainter& painter);
+    void paint_scale_bar(QPainter& painter);
+    void paint_notice(QPainter& painter);
+    void paint_label(QPainter& painter, const std::string& unit, const QString& text);
+    [[nodiscard]] QString planes_with_rois();
+
+    ORVBrowser& _window;
+    CanvasView& _view;
+    const Observing _observing{_window, *this};
+    tails _tails{_window};
+    mark_choice _choice;
+    std::string _ringed;
+};

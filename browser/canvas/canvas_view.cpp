@@ -1,0 +1,263 @@
+#include "canvas_view.h"
+
+#include "outline_painter.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int bar_width = 9;             // the margin beside the canvas
+constexpr int largest_side = 1 << 14;    // of a picture: an ROI beyond is a slip in the file
+constexpr int margin = 40;               // screen pixels around what is well within view
+
+QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
+
+// Kept from one painting to the next: memory that is new each time costs as much as what is drawn into it.
+void copy_area(const QImage& from, const QRect& area, QImage& to)
+{
+    if (to.size() != from.size())
+        to = QImage(from.size(), from.format());
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        std::copy_n(reinterpret_cast<const QRgb*>(from.constScanLine(y)) + area.left(), area.width(),
+                    reinterpret_cast<QRgb*>(to.scanLine(y)) + area.left());
+}
+
+QScrollBar* thin_bar(Qt::Orientation orientation, const char* name, QWidget* parent)
+{
+    auto* const bar = new QScrollBar(orientation, parent);
+    bar->setObjectName(name);
+    bar->setFocusPolicy(Qt::NoFocus);
+    bar->setContextMenuPolicy(Qt::NoContextMenu);
+    bar->setStyleSheet("QScrollBar { background: palette(mid); border: 0; }"
+                       "QScrollBar::handle { background: palette(dark); border-radius: 3px; margin: 1px;"
+                       " min-width: 24px; min-height: 24px; }"
+                       "QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }");
+    bar->hide();
+    return bar;
+}
+
+}    // namespace
+
+CanvasView::CanvasView(ORVBrowser& window)
+    : QObject(&window), _window(window), _canvas(window.frame_canvas),
+      _across(thin_bar(Qt::Horizontal, "scroll_across", &window)),
+      _down(thin_bar(Qt::Vertical, "scroll_down", &window))
+{
+    setObjectName("canvas_view");
+    _canvas->set_layer(this);
+    _canvas->installEventFilter(this);
+    for (QScrollBar* const bar : {_across, _down})
+        connect(bar, &QScrollBar::valueChanged, this, &CanvasView::follow_scroll_bars);
+}
+
+CanvasView::~CanvasView()
+{
+    if (_canvas)
+        _canvas->set_layer(nullptr);
+}
+
+CanvasView* CanvasView::of(const ORVBrowser& window)
+{
+    return window.findChild<CanvasView*>("canvas_view", Qt::FindDirectChildrenOnly);
+}
+
+void CanvasView::zoom_by(int steps, QPoint about)
+{
+    _view.zoom_by(steps, about);
+    view_changed();
+}
+
+void CanvasView::zoom_by(int steps) { zoom_by(steps, _canvas->rect().center()); }
+
+void CanvasView::show_original()
+{
+    _view = {};
+    view_changed();
+}
+
+void CanvasView::fit()
+{
+    _view.fit(_extent, canvas_size());
+    view_changed();
+}
+
+void CanvasView::pan_by(QPoint way)
+{
+    _view.pan_by(way);
+    view_changed();
+}
+
+void CanvasView::reveal(const QRect& picture)
+{
+    const QRect wanted = _view.screen_area(picture).adjusted(-margin, -margin, margin, margin) &
+                         _view.screen_area({QPoint(0, 0), _extent});
+    if (picture.isEmpty() || _canvas->rect().contains(wanted))
+        return;
+    _view.center_on(QRectF(picture).center(), canvas_size());
+    view_changed();
+}
+
+void CanvasView::set_range(const display_range& range)
+{
+    if (range == _range)
+        return;
+    _range = range;
+    update_canvas();
+    emit range_changed();
+}
+
+void CanvasView::set_outline_width(int width)
+{
+    _outline_width = width;
+    update_canvas();
+}
+
+void CanvasView::hide_outlines(bool on)
+{
+    if (_are_outlines_hidden == on)
+        return;
+    _are_outlines_hidden = on;
+    update_canvas();
+}
+
+void CanvasView::update_canvas()
+{
+    if (_canvas)
+        _canvas->update();
+}
+
+void CanvasView::recording_changed()
+{
+    _view = {};
+    _extent = {};
+    _plane_area = {};
+    set_range({});
+    view_changed();
+    emit opened_or_closed();
+}
+
+// An area that grows with what is seen, so that stepping never moves the view of a person.
+void CanvasView::picture_changed()
+{
+    _plane_area = _canvas->picture().rect();
+    if (const QPixmap* const image = _window.image_on_view())
+        _plane_area |= image->rect();
+    const QRect possible(0, 0, largest_side, largest_side);
+    _window.visit_shown_rois(
+        [&](const plane_roi& r, const QColor&) { _plane_area |= rect_of(r.box) & possible; });
+    const QSize extent = _extent.expandedTo(_plane_area.size());
+    if (extent == _extent)
+        return;
+    _extent = extent;
+    view_changed();
+}
+
+void CanvasView::view_changed()
+{
+    _view.keep_in_view(_extent, canvas_size());
+    place_scroll_bars();
+    update_canvas();
+}
+
+// Its own picture ends where the canvas does in a window of the usual size.
+bool CanvasView::shows_plain_picture() const
+{
+    return _view.is_plain() && _range.is_plain() && _outline_width == 1 && !_are_outlines_hidden &&
+           _canvas->picture().rect().contains(_plane_area & _canvas->rect());
+}
+
+bool CanvasView::paint_picture(QPainter& painter, const QRect& area)
+{
+    const QRect exposed = area & _canvas->rect();
+    if (!_window.isOpen() || shows_plain_picture())
+        return false;
+    const QPixmap* const image = _window.image_on_view();
+    const QRgb blank = _canvas->palette().color(QPalette::Window).rgb();
+    QImage& background = _image.of(image ? *image : QPixmap(), _view, canvas_size(), _range, blank);
+    const bool is_whole = exposed == _canvas->rect();
+    if (is_whole)    // saves a copy of it
+        _image.forget();
+    else
+        copy_area(background, exposed, _composed);
+    QImage& composed = is_whole ? background : _composed;
+    if (!_are_outlines_hidden) {
+        outline_painter outlines(composed, exposed, _view, _outline_width);
+        _window.visit_shown_rois(
+            [&](const plane_roi& r, const QColor& color) { outlines.draw(*r.raster, color); });
+    }
+    painter.drawImage(exposed, composed, exposed);
+    if (_window.shows_lineage())
+        paint_lineage(painter);
+    return true;
+}
+
+void CanvasView::paint_lineage(QPainter& painter)
+{
+    constexpr int radius = lineage_stroke::radius;
+    const auto place = [this](pos3d p) {
+        return _view.screen_point(QPointF(p.x() + 0.5, p.y() + 0.5)).toPoint();
+    };
+    for (const lineage_stroke& stroke : _window.lineage_strokes()) {
+        painter.setPen(QPen(stroke.color, 1));
+        if (stroke.is_circle)
+            painter.drawEllipse(place(stroke.from), radius, radius);
+        else
+            painter.drawLine(place(stroke.from), place(stroke.to));
+    }
+}
+
+void CanvasView::paint_overlay(QPainter& painter)
+{
+    if (!_window.isOpen())
+        return;
+    for (const auto& paint : _overlays) {
+        painter.save();
+        paint(painter);
+        painter.restore();
+    }
+}
+
+// Wide outlines reach beyond what they surround.
+QRect CanvasView::screen_area(const QRect& picture) const
+{
+    return _view.screen_area(picture).adjusted(-3, -3, 3, 3);
+}
+
+bool CanvasView::eventFilter(QObject* watched, QEvent* e)
+{
+    if (e->type() == QEvent::Resize)
+        view_changed();
+    return QObject::eventFilter(watched, e);
+}
+
+void CanvasView::place_scroll_bar(QScrollBar& bar, double picture, double canvas, double corner)
+{
+    const QSignalBlocker quiet(bar);
+    const int hidden = static_cast<int>(std::ceil(picture - canvas));
+    bar.setRange(0, std::max(0, hidden));
+    bar.setPageStep(static_cast<int>(canvas));
+    bar.setSingleStep(margin);
+    bar.setValue(static_cast<int>(std::lround(-corner)));
+    bar.setVisible(hidden > 0 && _window.isOpen());
+}
+
+void CanvasView::place_scroll_bars()
+{
+    const QRect canvas = _canvas->geometry();
+    _across->setGeometry(canvas.left(), canvas.bottom() + 1, canvas.width(), bar_width);
+    _down->setGeometry(canvas.right() + 1, canvas.top(), bar_width, canvas.height());
+    const QSizeF picture = QSizeF(_extent) * _view.scale();
+    place_scroll_bar(*_across, picture.width(), canvas.width(), _view.corner().x());
+    place_scroll_bar(*_down, picture.height(), canvas.height(), _view.corner().y());
+}
+
+void CanvasView::follow_scroll_bars()
+{
+    const QPointF to(-_across->value(), -_down->value());
+    pan_by((to - _view.corner()).toPoint());
+}

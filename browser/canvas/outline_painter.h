@@ -1,0 +1,34 @@
+// outline_painter.h - outlines of ROIs as the canvas shows them at any zoom: as wide on the screen at each.
+//
+// Up to 1:1 the polygon of an ROI is drawn; above, the outermost screen pixels of its mask's pixels.
+#pragma once
+#include "q_roiimg.h"
+#include "view_transform.h"
+
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+
+#include <vector>
+
+class outline_painter {
+public:
+    // Draws onto a 32-bit image of the canvas, inside an area of it. `width` is in screen pixels.
+    outline_painter(QImage& onto, const QRect& area, const view_transform& view, int width);
+
+    // REQUIRES: the raster is mapped
+    void draw(const q_roiimg& raster, const QColor& color);
+
+private:
+    void draw_polygon(const QPolygon& polygon, const QColor& color);
+    void draw_mask(const q_roiimg& raster, QRgb color);
+    void draw_row(const q_roiimg& raster, int y, int first, int last, QRgb color);
+    void fill(int left, int top, int right, int bottom, QRgb color);
+
+    QImage& _onto;
+    const QRect _area;
+    const view_transform& _view;
+    const int _width;
+    QPainter _painter;            // of polygons, once there is one
+    std::vector<int> _columns;    // the first screen column of each of a mask, and the one behind
+};

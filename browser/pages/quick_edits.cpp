@@ -1,0 +1,103 @@
+#include "quick_edits.h"
+
+#include "keygen.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+QString tr(const char* text) { return QCoreApplication::translate("QuickEdits", text); }
+
+}    // namespace
+
+QuickEdits::QuickEdits(ORVBrowser& window, Places& places, MessageLine& line)
+    : _window(window), _places(places), _line(line)
+{
+}
+
+bool QuickEdits::has_chosen() const { return is_roi_key(_window.chosen()); }
+
+void QuickEdits::say_none_is_chosen() { _line.say(tr("No nucleus is chosen: press L and click one.")); }
+
+std::set<std::string> QuickEdits::rois_of(const std::string& key, bool with_descendants)
+{
+    const std::string unit = _window.head(key);
+    if (!is_roi_key(unit))
+        return _window.reached_across_planes(key);
+    std::set<std::string> rois = _window.member(unit);
+    if (with_descendants)
+        for (const std::string& descendant : _window.descendants(unit))
+            rois.merge(_window.member(descendant));
+    return rois;
+}
+
+void QuickEdits::toggle_unit(const std::string& key, bool with_descendants)
+{
+    const std::set<std::string> rois = rois_of(key, with_descendants);
+    const bool on = !_window.false_positives().contains(key);
+    _window.set_false_positives(rois, on);
+    _window.show_changes();
+    _line.say((on ? tr("Marked %1 ROIs as false positives") : tr("%1 ROIs are no false positives any more"))
+                  .arg(rois.size()));
+}
+
+void QuickEdits::choose(const std::string& key)
+{
+    const std::string unit = _window.head(key);
+    if (!is_roi_key(unit)) {
+        _line.say(tr("This ROI is in no unit: make units first (page Lineage)."));
+        return;
+    }
+    _window.choose(unit);
+    _window.show_changes();
+    _line.say(tr("Chosen: %1").arg(_window.ID(unit)));
+}
+
+void QuickEdits::unlink(const std::string& key)
+{
+    const std::string chosen = _window.chosen();
+    const std::string unit = _window.head(key);
+    const bool is_parent = _window.parents(chosen).contains(unit);
+    if (!is_parent && !_window.parents(unit).contains(chosen)) {
+        _line.say(tr("There is no link between this nucleus and the chosen one."));
+        return;
+    }
+    if (is_parent)
+        _window.release_child(unit, chosen);
+    else
+        _window.release_child(chosen, unit);
+    _window.show_changes();
+}
+
+long QuickEdits::pixels_of(const std::string& unit)
+{
+    long pixels = 0;
+    for (const std::string& key : _window.member(unit)) {
+        q_roiimg raster(_window.rois().find_plus(key));
+        raster.map();
+        pixels += raster.size();
+    }
+    return pixels;
+}
+
+void QuickEdits::step_along_track(bool to_child)
+{
+    if (!has_chosen()) {
+        say_none_is_chosen();
+        return;
+    }
+    const std::string chosen = _window.chosen();
+    const std::set<std::string> next = to_child ? _window.children(chosen) : _window.parents(chosen);
+    if (next.empty()) {
+        _line.say(to_child ? tr("The chosen nucleus has no child.")
+                           : tr("The chosen nucleus has no parent."));
+        return;
+    }
+    const std::string unit = *std::ranges::max_element(
+        next, {}, [this](const std::string& relative) { return pixels_of(relative); });
+    _window.choose(unit);
+    _places.show_unit(unit);
+    _window.show_changes();
+}

@@ -1,0 +1,35 @@
+// quick_edits.h - corrections in fewer inputs than the window's own modes need.
+#pragma once
+#include "message_line.h"
+#include "places.h"
+
+#include <string>
+
+class QuickEdits {
+public:
+    QuickEdits(ORVBrowser& window, Places& places, MessageLine& line);
+
+    // Marks the whole unit of a ROI as false positive, or takes the marks back; with all its descendants when
+    // asked for. Of a ROI in no unit: what z tracking reaches from it.
+    void toggle_unit(const std::string& key, bool with_descendants);
+
+    // Chooses the unit of a ROI.
+    void choose(const std::string& key);
+
+    // Removes the one link between the chosen nucleus and the unit of a ROI.
+    void unlink(const std::string& key);
+
+    // The parent, or the larger child, of the chosen nucleus becomes the chosen one, and is shown.
+    void step_along_track(bool to_child);
+
+    [[nodiscard]] bool has_chosen() const;
+    void say_none_is_chosen();
+
+private:
+    [[nodiscard]] std::set<std::string> rois_of(const std::string& key, bool with_descendants);
+    [[nodiscard]] long pixels_of(const std::string& unit);
+
+    ORVBrowser& _window;
+    Places& _places;
+    MessageLine& _line;
+};

@@ -1,0 +1,17 @@
+// status_text.h - what the message line says of modes, edits and what lies under the pointer.
+#pragma once
+#include "orvbrowser.h"
+
+#include <QString>
+
+// What the armed mode waits for; "" when none is armed.
+[[nodiscard]] QString text_of_mode(ORVBrowser& window);
+
+// What a step has done, from its title; units by their numbers.
+[[nodiscard]] QString text_of_step(ORVBrowser& window, const std::string& title);
+
+// Why a click in this mode has changed nothing; "" when that needs no word.
+[[nodiscard]] QString text_of_refusal(ORVBrowser& window, ORVBrowser::armed mode, const std::string& clicked);
+
+// Place, grey value, ROI, unit and its relatives at a picture pixel.
+[[nodiscard]] QString text_of_pixel(ORVBrowser& window, QPoint at);

@@ -1,0 +1,72 @@
+// window_input.h - keys, wheel and pointer beyond the window's own tables.
+//
+// New keys act without modifiers, but for those that a keyboard needs to produce a sign, once for each press,
+// but for steps, and never in a field.
+#pragma once
+#include "canvas_view.h"
+#include "further_input.h"
+#include "go_to_field.h"
+#include "message_line.h"
+#include "places.h"
+#include "quick_edits.h"
+
+#include <QObject>
+#include <QPoint>
+
+class WindowInput : public QObject, public FurtherInput, private curation_observer {
+    Q_OBJECT
+
+public:
+    WindowInput(ORVBrowser& window, CanvasView& view, CanvasMarks& marks, Places& places, MessageLine& line);
+
+    bool take_key(QKeyEvent& e) override;
+    bool take_wheel(QWheelEvent& e) override;
+    bool take_press(QMouseEvent& e) override;
+    bool take_move(QMouseEvent& e) override;
+    void input_begins() override;
+    void input_served() override;
+    void pointer_moved() override;
+
+protected:
+    bool eventFilter(QObject* watched,
+                     QEvent* e) override;    // what is released, and where the pointer leaves
+
+private:
+    void step_ended(edit_step& step) override;
+    void recording_changed() override;
+
+    [[nodiscard]] bool press_sign(int key);
+    [[nodiscard]] bool press_stepping_key(int key);
+    [[nodiscard]] bool press_once(int key);
+    [[nodiscard]] bool hold_key(int key);
+    void explain_key(int key);    // of the window's own table, when it will do nothing
+    void cancel();
+    void arm_unlinking(bool on);
+    void let_go(int key);
+    void let_go_of_all();
+    void end_panning();
+    [[nodiscard]] bool take_grip(const QMouseEvent& e, QPoint at);
+    [[nodiscard]] bool take_click(const QMouseEvent& e, const std::string& key);
+    void say_mode();
+    [[nodiscard]] QPoint canvas_point(QPointF at) const;
+
+    ORVBrowser& _window;
+    CanvasView& _view;
+    CanvasMarks& _marks;
+    Places& _places;
+    MessageLine& _line;
+    QuickEdits _edits;
+    GoToField* _go_to;    // the window's
+    const Observing _observing{_window, *this};
+    bool _is_space_held = false;
+    bool _is_panning = false;
+    bool _is_unlinking = false;
+    QPoint _pan_from;
+    QPoint _pointer_at;     // on the canvas
+    std::string _under;     // the ROI there when something was said last
+    int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
+    ORVBrowser::armed _was_armed = ORVBrowser::armed::none;    // when the input began
+    std::string _was_chosen;
+    std::string _clicked;      // the unit that a click was on, while it is served
+    bool _has_said = false;    // what came of the input
+};

@@ -1,0 +1,267 @@
+// Going somewhere and back, what is pointed out there, corrections in few inputs, and what the message line
+// says.
+#include "../support/captured_lines.h"
+#include "../support/paged_window.h"
+
+#include <QPushButton>
+#include <QScrollBar>
+
+namespace {
+
+// Units of the squares at (10, 5), one for each time point; at time point 1 its daughters, the larger on
+// planes 20 to 22.
+struct Family {
+    explicit Family(WindowProbe& w)
+    {
+        mother = put_unit(w, {"000020010005"});
+        large = put_unit(w, {"001020010005", put_roi(w, {10, 5, 21, 1}), put_roi(w, {10, 5, 22, 1})});
+        small = put_unit(w, {put_roi(w, {40, 20, 20, 1})});
+        w.link(mother, large);
+        w.link(mother, small);
+        w.show_changes();
+    }
+
+    std::string mother, large, small;
+};
+
+QLineEdit* field_of_go_to(PagedWindow& w) { return w.findChild<QLineEdit*>("go_to"); }
+
+}    // namespace
+
+class TestGuiPlaces : public QObject {
+    Q_OBJECT
+private slots:
+    void keysLeadToPlanesWithRois()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        put_roi(w, {1, 1, 3, 0});
+        put_roi(w, {1, 1, 30, 0});
+        const struct {
+            int key, modifiers;
+            place there;
+        } steps[] = {
+            {Qt::Key_PageDown, 0, {0, 30}},
+            {Qt::Key_PageDown, 0, {0, 30}},
+            {Qt::Key_PageUp, 0, {0, 20}},
+            {Qt::Key_PageUp, 0, {0, 3}},
+            {Qt::Key_PageUp, 0, {0, 3}},
+            {Qt::Key_Home, 0, {0, 20}},
+            {Qt::Key_Right, Qt::ControlModifier, {4, 20}},
+            {Qt::Key_Left, Qt::ControlModifier, {0, 20}},
+            {Qt::Key_Home, Qt::ShiftModifier, {0, 20}},
+            {Qt::Key_PageDown, Qt::ControlModifier, {0, 20}},
+            {Qt::Key_Backspace, 0, {4, 20}},
+            {Qt::Key_Backspace, 0, {0, 20}},
+            {Qt::Key_Backspace, 0, {0, 3}},
+        };
+        for (const auto& step : steps) {
+            w.press(step.key, step.modifiers);
+            QCOMPARE(w.here(), step.there);
+        }
+        QTest::mouseClick(&w, Qt::ForwardButton, {}, {300, 300});
+        QCOMPARE(w.here(), (place{0, 20}));
+        QTest::mouseClick(&w, Qt::BackButton, {}, {300, 300});
+        QCOMPARE(w.here(), (place{0, 3}));
+        w.m_auto = true;
+        w.pushButton_auto->setChecked(true);
+        w.press(Qt::Key_Right, Qt::ControlModifier);
+        QCOMPARE(w.here(), (place{0, 3}));
+    }
+
+    void goesToWhatIsTyped()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const auto go = [&w](const QString& text, int key = Qt::Key_Return) {
+            w.press(Qt::Key_G);
+            QVERIFY(field_of_go_to(w)->isVisible());
+            QTest::keyClicks(field_of_go_to(w), text);
+            QTest::keyClick(field_of_go_to(w), Qt::Key(key));
+            QVERIFY(!field_of_go_to(w)->isVisible());
+        };
+        go("3 12");
+        QCOMPARE(w.here(), (place{3, 12}));
+        go(QString::number(w.ID(family.large)));
+        QCOMPARE(w.here(), (place{1, 21}));
+        QCOMPARE(w.marks().ringed(), family.large);
+        go("004020030025");    // in no unit
+        QCOMPARE(w.here(), (place{4, 20}));
+        go("1 1", Qt::Key_Escape);
+        QCOMPARE(w.here(), (place{4, 20}));
+        for (const char* nowhere : {"77", "nonsense", "999999999999", "4 20 7"}) {
+            go(nowhere);
+            QCOMPARE(w.here(), (place{4, 20}));
+            QVERIFY(w.said().contains(nowhere));
+        }
+        go("99 99");
+        QCOMPARE(w.here(), (place{4, 55}));
+    }
+
+    void walksShowTheUnitInTheMiddleAndRingIt()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const std::string far = put_unit(w, {put_roi(w, {900, 800, 40, 2})});
+        const CapturedLines out(std::cout);
+        w.findChild<QPushButton*>("unlinked")->click();
+        QCOMPARE(w.here(), (place{2, 40}));
+        QVERIFY(w.frame_canvas->rect().contains(w.shown_by().screen_area({900, 800, 4, 4})));
+        QCOMPARE(w.marks().ringed(), far);
+        w.press(Qt::Key_Up);
+        QCOMPARE(w.marks().ringed(), far);
+        w.press(Qt::Key_Backspace);
+        QCOMPARE(w.here(), (place{0, 20}));
+        QCOMPARE(w.marks().ringed(), std::string());
+        w.press(Qt::Key_0);
+        const QImage before = w.seen();
+        w.findChild<QPushButton*>("dead_end")->click();
+        QCOMPARE(w.here(), (place{1, 21}));    // of the large daughter
+        QCOMPARE(w.shown_by(), view_transform());
+        QVERIFY(w.seen() != before);
+    }
+
+    void chosenNucleusIsSteppedAlongItsTrack()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        w.press(Qt::Key_BracketRight);
+        QVERIFY(w.said().startsWith("No nucleus is chosen"));
+        w.click_with(Qt::ControlModifier, {11, 6});
+        QCOMPARE(w.chosen(), family.mother);
+        QVERIFY(w.m_selected_roi_set.empty());
+        w.press(Qt::Key_BracketRight);
+        QCOMPARE(w.chosen(), family.large);
+        QCOMPARE(w.here(), (place{1, 21}));
+        w.press(Qt::Key_BracketRight);
+        QCOMPARE(w.chosen(), family.large);
+        w.press(Qt::Key_BracketLeft, Qt::AltModifier);
+        QCOMPARE(w.chosen(), family.large);
+        w.press(Qt::Key_BracketLeft);
+        QCOMPARE(w.chosen(), family.mother);
+        w.click_with(Qt::ControlModifier, {30, 25});    // in no unit
+        QCOMPARE(w.chosen(), family.mother);
+    }
+
+    void wholeUnitsAreMarkedWithOneClick()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        w.click_with(Qt::ShiftModifier, {11, 6}, Qt::RightButton);
+        QCOMPARE(w.m_removed_roi_set, keys{family.mother});
+        w.click_with(Qt::ShiftModifier, {11, 6}, Qt::RightButton);
+        QVERIFY(w.m_removed_roi_set.empty());
+        w.click_with(Qt::ShiftModifier | Qt::ControlModifier, {11, 6}, Qt::RightButton);
+        QCOMPARE(w.m_removed_roi_set.size(), std::size_t(5));
+        w.press(Qt::Key_E);    // in a mode the modifiers mean nothing
+        w.click_with(Qt::ShiftModifier, {11, 6}, Qt::RightButton);
+        QCOMPARE(w.m_removed_roi_set.size(), std::size_t(5));
+        w.press(Qt::Key_Escape);
+        w.setCurrentTimePoint(3);
+        const std::string lone = "003020010005";
+        const keys column{lone, put_roi(w, {10, 5, 21, 3}), put_roi(w, {10, 6, 22, 3})};
+        put_roi(w, {13, 8, 23, 3});    // shares too little
+        w.m_removed_roi_set.clear();
+        for (const bool on : {true, false}) {
+            w.click_with(Qt::ShiftModifier, {11, 6}, Qt::RightButton);
+            QCOMPARE(w.m_removed_roi_set, on ? column : keys());
+        }
+    }
+
+    void oneLinkIsRemovedAlone()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        w.press(Qt::Key_U);
+        QVERIFY(w.said().startsWith("No nucleus is chosen"));
+        w.click_with(Qt::ControlModifier, {11, 6});
+        w.setCurrentTimePoint(1);
+        w.press(Qt::Key_U);
+        QVERIFY(w.said().startsWith("Remove a link"));
+        w.press(Qt::Key_Escape);
+        QVERIFY(!w.said().startsWith("Remove a link"));
+        w.press(Qt::Key_U);
+        click(w, 41, 21);
+        QVERIFY(!w.isLink(family.mother, family.small));
+        QVERIFY(w.isLink(family.mother, family.large));
+        w.press(Qt::Key_U);
+        click(w, 41, 21);
+        QVERIFY(w.said().startsWith("There is no link"));
+        QVERIFY(w.m_selected_roi_set.empty());
+        click(w, 41, 21);
+        QCOMPARE(w.m_selected_roi_set, keys{family.small});
+    }
+
+    // The first words of what is said after each input.
+    void theMessageLineSaysWhatIsGoingOn()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const CapturedLines out(std::cout), err(std::cerr);
+        const auto name = [&w](const std::string& unit) { return QString::number(w.ID(unit)); };
+        w.press(Qt::Key_A);
+        QVERIFY(w.said().startsWith("No nucleus is chosen"));
+        w.click_with(Qt::ControlModifier, {11, 6});
+        QCOMPARE(w.said(), "Chosen: " + name(family.mother));
+        w.press(Qt::Key_M);
+        QVERIFY(w.said().startsWith("Merge:"));
+        click(w, 11, 6);
+        QVERIFY2(w.said().contains("with itself"), qPrintable(w.said()));
+        w.press(Qt::Key_M);
+        click(w, 30, 25);
+        QVERIFY(w.said().contains("in no unit"));
+        w.setCurrentTimePoint(1);
+        w.press(Qt::Key_A);
+        QVERIFY(w.said().startsWith("Link:"));
+        click(w, 41, 21);
+        QVERIFY(w.said().startsWith("Not linked"));
+        w.release_child(family.mother, family.small);
+        w.press(Qt::Key_A);
+        click(w, 41, 21);
+        QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.small));
+        move_pointer(w, 42, 21);    // the same ROI
+        QVERIFY(w.said().startsWith("Linked"));
+        move_pointer(w, 11, 6);
+        QCOMPARE(w.said(), QString("x 11, y 6; grey %1; ROI %2; unit %3; parents %4; children none")
+                               .arg(SmallRecording::grey(1, 20))
+                               .arg(family.large.c_str(), name(family.large), name(family.mother)));
+        w.press(Qt::Key_S);
+        click(w, 11, 6);
+        QVERIFY(w.said().startsWith("Split: click the second parent."));
+        w.press(Qt::Key_Escape);
+        QVERIFY(w.armed_mode() == ORVBrowser::armed::none && w.m_split_parents.empty());
+        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        w.setCurrentFocalPlane(40);
+        QVERIFY(w.said().startsWith("Cannot find "));
+        w.press(Qt::Key_0);
+        QVERIFY(!w.said().startsWith("Cannot find "));
+    }
+
+    void emptyPlanesSayWhereTheRoisAre()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        QCOMPARE(w.marks().notice(), QString());
+        const CapturedLines err(std::cerr);
+        w.setCurrentFocalPlane(22);    // an image without ROIs
+        QCOMPARE(w.marks().notice(), QString());
+        w.setCurrentFocalPlane(40);
+        QCOMPARE(w.marks().notice(), "Nothing on focal plane 40. ROIs lie on planes 20 to 20: press Home.");
+        put_roi(w, {1, 1, 41, 0});
+        w.setCurrentFocalPlane(41);
+        QCOMPARE(w.marks().notice(), QString());
+        qputenv("ORVBROWSER_IMAGE_ROOT", recording.folder.path("nowhere").c_str());
+        QVERIFY(w.openRoiFile(recording.file));
+        QVERIFY(w.marks().notice().contains("nowhere/tiny"));
+        QVERIFY(w.marks().notice().contains("--image-root"));
+    }
+};
+
+QTEST_MAIN(TestGuiPlaces)
+#include "test_gui_places.moc"
