@@ -352,7 +352,7 @@ private:
     std::array<QCursor, modes> m_cursor_before;    // the cursor shown before each mode
     const Observing m_observing{*this, *this};
     kept_work m_work{*this};
-    std::optional<plane_range>
+    std::optional<key_range>
         m_planes_before;    // the bounds that were in force before a recording set its own
     bool m_is_mirroring_time = false;
     bool m_is_mirroring_plane = false;

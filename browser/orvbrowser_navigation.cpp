@@ -290,9 +290,9 @@ void ORVBrowser::take_time_bounds()
 // A recording may tell its focal planes; the bounds of before are in force again when it is closed.
 void ORVBrowser::take_focal_planes()
 {
-    std::optional<plane_range> planes = has_rois() ? m_info.focal_planes : std::nullopt;
+    std::optional<key_range> planes = has_rois() ? m_info.focal_planes : std::nullopt;
     if (!m_planes_before && planes)
-        m_planes_before = plane_range{m_min_focal_plane, m_max_focal_plane};
+        m_planes_before = key_range{m_min_focal_plane, m_max_focal_plane};
     if (!planes)
         planes = std::exchange(m_planes_before, std::nullopt);
     if (!planes)

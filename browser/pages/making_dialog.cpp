@@ -87,7 +87,7 @@ void edit_scale(ORVBrowser& window)
         add_size(*form, "plane_um", tr("Focal-plane step (micrometres)"), info.scale.plane_um, 0.0001);
     auto* const interval =
         add_size(*form, "interval_s", tr("Interval (seconds; 0: not known)"), info.interval_s.value_or(0), 0);
-    const plane_range planes = info.focal_planes.value_or(plane_range{0, 55});
+    const key_range planes = info.focal_planes.value_or(key_range{0, 55});
     auto* const first = add_plane(*form, "first_plane", tr("First focal plane"), planes.first);
     auto* const last = add_plane(*form, "last_plane", tr("Last focal plane"), planes.last);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -99,7 +99,7 @@ void edit_scale(ORVBrowser& window)
         recording_info changed = info;
         changed.scale = {pixel->value(), plane->value()};
         changed.interval_s = interval->value() > 0 ? std::optional(interval->value()) : std::nullopt;
-        const plane_range wanted{first->value(), std::max(first->value(), last->value())};
+        const key_range wanted{first->value(), std::max(first->value(), last->value())};
         if (wanted != planes)
             changed.focal_planes = wanted;
         window.change_info(changed);
