@@ -6,9 +6,9 @@
 #include "staged_output.h"
 #include "text_exports.h"
 
-#include <algorithm>
+#include <QRegularExpression>
+
 #include <filesystem>
-#include <regex>
 
 namespace {
 
@@ -20,7 +20,7 @@ const std::string report_ending = ".losses.txt";
 struct target_place {
     fs::path parent;
     std::string name;
-    std::regex own_names;    // of what an export of this format holds
+    QRegularExpression own_names;    // of what an export of this format holds
 };
 
 outcome refuse(const fs::path& where, const char* why)
@@ -41,7 +41,10 @@ bool is_empty_folder(const fs::path& path)
     return fs::is_directory(path, error) && fs::is_empty(path, error);
 }
 
-const std::regex ctc_folder(R"((\d+)_(RES|GT|ST))");
+bool matches(const std::string& name, const QRegularExpression& pattern)
+{
+    return pattern.match(QString::fromStdString(name)).hasMatch();
+}
 
 // In a data set, the first number that nothing has yet.
 std::string free_result(const fs::path& data_set)
@@ -64,27 +67,27 @@ target_place place_of(export_format format, const fs::path& target)
     const std::string name = folder.filename().string();
     switch (format) {
     case export_format::ctc: {
-        const std::regex own(R"((mask|man_track)\d+\.tif|(res|man)_track\.txt|TRA)");
-        if (std::regex_match(name, ctc_folder))
+        const QRegularExpression own(R"(^((mask|man_track)\d+\.tif|(res|man)_track\.txt|TRA)$)");
+        if (matches(name, QRegularExpression(R"(^\d+_(RES|GT|ST)$)")))
             return {folder.parent_path(), name, own};
         return {folder, free_result(folder), own};
     }
     case export_format::geff:
-        return {folder.parent_path(), name, std::regex(R"(\.zgroup|\.zattrs|nodes|edges)")};
+        return {folder.parent_path(), name, QRegularExpression(R"(^(\.zgroup|\.zattrs|nodes|edges)$)")};
     case export_format::csv:
-        return {folder.parent_path(), name, std::regex(R"(units\.csv|links\.csv|columns\.txt)")};
+        return {folder.parent_path(), name, QRegularExpression(R"(^(units\.csv|links\.csv|columns\.txt)$)")};
     case export_format::trackmate:
         break;
     }
-    return {folder.parent_path(), name, std::regex()};
+    return {folder.parent_path(), name, {}};
 }
 
-bool holds_only(const fs::path& folder, const std::regex& names)
+bool holds_only(const fs::path& folder, const QRegularExpression& names)
 {
     std::error_code error;
     for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (!std::regex_match(entry->path().filename().string(), names))
+        if (!matches(entry->path().filename().string(), names))
             return false;
         if (entry->path().filename() != "TRA")
             entry.disable_recursion_pending();
