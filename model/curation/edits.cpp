@@ -224,6 +224,8 @@ void curation::hand_over(open_step& ended)
         ended.step.exchange(change_kind::chosen, ended.chosen_before, chosen());
     ended.step.shrink();
     const std::shared_ptr<observer_list> observers = m_observers;
-    for (std::size_t i = 0; i < observers->size(); ++i)
-        (*observers)[i]->step_ended(ended.step);
+    for (std::size_t i = observers->size();
+         i-- > 0;)    // whoever came first keeps it, and so hears of it last
+        if (i < observers->size())
+            (*observers)[i]->step_ended(ended.step);
 }

@@ -251,6 +251,7 @@ private slots:
         s.w.undo();
         s.w.undo();
         QCOMPARE(s.w.m_linkage_multimap.size(), links.size() - 1);
+        s.w.setCurrentTimePoint(0);
         s.w.m_elite_head_roi_set = {"000020100050", "002020122050"};
         s.page->elite->click();    // of the time point on view one of two is: both become
         QCOMPARE(s.w.m_elite_head_roi_set.size(), 3U);

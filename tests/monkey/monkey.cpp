@@ -65,8 +65,9 @@ public:
     }
 
     // Two recordings, and a file in which all ROIs of the first are points.
-    void restore() const
+    void restore()
     {
+        _fault.reset();
         for (const char* name : {"demo", "other", "demo.roi", "other.roi", "variant.roi", "home"})
             fs::remove_all(path(name));
         for (std::uint64_t seed = 1; const char* name : {"demo", "other"})
@@ -91,8 +92,9 @@ public:
     }
 
     // Garbles, cuts off, exchanges, removes or hides behind a folder one file.
-    void swap_one() const
+    void swap_one()
     {
+        _fault.reset();    // of this program's own reading
         const fs::path name = any(), other = any();
         if (!name.has_filename())
             return;
