@@ -24,7 +24,7 @@ std::optional<starting_points> find_start(const journal_stretch& stretch, const 
     for (std::size_t i = 0; i < stretch.events.size(); ++i) {
         const journal_event& event = stretch.events[i];
         const auto file = static_cast<std::size_t>(event.file);
-        if (event.what != kind::saving || event.hash != files.hashes[file])
+        if (event.what != kind::saving || event.hash.empty() || event.hash != files.hashes[file])
             continue;
         start.first[file] = i + 1;
         start.saved_in[file] = &event;
@@ -116,7 +116,8 @@ bool make(const journal_event& event, file_set files, restored_state& state)
 bool tells_saved(const journal_event& event, const companions& files)
 {
     return event.what == kind::saved ||
-           (event.what == kind::saving && event.hash == files.hashes[static_cast<int>(event.file)]);
+           (event.what == kind::saving && !event.hash.empty() &&
+            event.hash == files.hashes[static_cast<int>(event.file)]);
 }
 
 }    // namespace
