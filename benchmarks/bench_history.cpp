@@ -1,4 +1,5 @@
 // What undo and the journal cost, without a window.
+#include "bench_window.h"
 #include "topics.h"
 
 #include "curation.h"
@@ -60,6 +61,7 @@ double run_with_history(const std::string& file)
 
 void print_edits(curation& model, kept_work& work)
 {
+    const SilentStream quiet(std::cout);
     const std::set<std::string> units = model.units(model.max_time_point());
     const std::vector<std::string> some(units.begin(), std::next(units.begin(), 500));
     const double marks =
