@@ -27,7 +27,11 @@ bool ORVBrowser::take_up_work(std::size_t offer)
     if (!m_work.take_up(offer))
         return false;
     const edit_history& history = m_work.history();
+    if (m_roidb)
+        take_time_bounds();
+    take_focal_planes();
     show_step(history.can_undo() ? &history.next_to_undo() : nullptr);
+    show_changes();    // also when nothing is left to be undone
     return true;
 }
 

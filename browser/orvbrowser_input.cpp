@@ -289,8 +289,10 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
         setLineageMode(false);
     } else if (m_remove_lineage_mode) {
         const EditScope edit(*this, "Unlink", unit);
+        const bool had_parents = !parents(unit).empty();
         release_parents(unit);
-        note_edited(unit);
+        if (had_parents)
+            note_edited(unit);
         setRemoveLineageMode(false);
     } else {
         if (!m_lineage_mode_roi_set.empty())

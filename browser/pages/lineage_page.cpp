@@ -345,17 +345,16 @@ bool LineagePage::ask_about_links(making& how)
     making_counts counts;
     counts.now = _window.links().size();
     const QPointer<LineagePage> self(this);
-    bool is_counted = true;
+    bool is_counted = false;
     for (const auto& [spares, count] : {std::pair(spared::nothing, &counts.all_anew),
                                         {spared::what_is, &counts.only_free},
                                         {spared::touched, &counts.untouched}}) {
         link_making links(_window, {how.rule, how.share, spares});
-        is_counted = is_counted && self &&
-                     run_over_time(_window.min_time_point() + 1,
+        is_counted = run_over_time(_window.min_time_point() + 1,
                                    [&, to = count](int t) { *to += links.count(t).value_or(0); });
+        if (!is_counted || !self)    // the window may be gone
+            return false;
     }
-    if (!self || !is_counted)
-        return false;
     const std::optional<spared> answer = ask_what_to_spare(this, tr("Make links? -- ORVBrowser"), tr("links"),
                                                            tr("Only units without a parent"), counts);
     how.spares = answer.value_or(spared::what_is);

@@ -1,5 +1,7 @@
 #include "quick_edits.h"
 
+#include "edit_scope.h"
+
 #include "keygen.h"
 
 #include <QCoreApplication>
@@ -64,10 +66,15 @@ void QuickEdits::unlink(const std::string& key)
         _line.say(tr("There is no link between this nucleus and the chosen one."));
         return;
     }
-    if (is_parent)
-        _window.release_child(unit, chosen);
-    else
-        _window.release_child(chosen, unit);
+    {
+        const EditScope edit(_window, "Unlink", chosen, unit);
+        if (is_parent)
+            _window.release_child(unit, chosen);
+        else
+            _window.release_child(chosen, unit);
+        _window.note_edited(chosen);
+        _window.note_edited(unit);
+    }
     _window.show_changes();
 }
 

@@ -58,10 +58,11 @@ void curation::rename_unit(const string& from, const string& to)
         return;
     if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
         m_lineage_mode_roi_set.insert(to);
-    const unit_notes notes = m_unit_notes;
-    for (const string& note : notes) {
-        if (note.find(from) == string::npos)
-            continue;
+    std::vector<string> about;
+    for (const string& note : m_unit_notes)
+        if (note.find(from) != string::npos)
+            about.push_back(note);
+    for (const string& note : about) {
         remove_note(note);
         if (const string changed = about_another(note, from, to); !changed.empty())
             add_note(changed);

@@ -115,9 +115,8 @@ bool make(const journal_event& event, file_set files, restored_state& state)
 // Whether the entries of its file are saved from this event on.
 bool tells_saved(const journal_event& event, const companions& files)
 {
-    return event.what == kind::saved ||
-           (event.what == kind::saving && !event.hash.empty() &&
-            event.hash == files.hashes[static_cast<int>(event.file)]);
+    return event.what == kind::saved || (event.what == kind::saving && !event.hash.empty() &&
+                                         event.hash == files.hashes[static_cast<int>(event.file)]);
 }
 
 }    // namespace
