@@ -67,14 +67,15 @@ void journal_writer::run()
         else
             _wake.wait_until(lock, next_sync, has_work);
         is_last = _is_ending;
-        const bool is_time = std::chrono::steady_clock::now() >= next_sync || is_last || _wants_sync;
+        const bool is_waited_for = _wants_sync;    // from now on: who comes while the lock is open is next
+        const bool is_time = std::chrono::steady_clock::now() >= next_sync || is_last || is_waited_for;
         if (!_pending.empty() && (_write_error == 0 || is_time))
             write_pending(lock);
         if (!_is_synced && is_time)
             sync_file(lock);
         if (is_time)
             next_sync = std::chrono::steady_clock::now() + sync_every;
-        if (_wants_sync && (_pending.empty() || _write_error != 0)) {
+        if (is_waited_for && (_pending.empty() || _write_error != 0)) {
             _wants_sync = false;
             _done.notify_all();
         }
