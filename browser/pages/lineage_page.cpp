@@ -327,8 +327,12 @@ bool LineagePage::ask_about_units(making& how)
         counts.now += _window.units(t).size();
         for (const auto& [spares, count] : {std::pair(spared::nothing, &counts.all_anew),
                                             {spared::what_is, &counts.only_free},
-                                            {spared::touched, &counts.untouched}})
-            *count += _window.units_after_making(t, {how.rule, how.share, spares}).value_or(0);
+                                            {spared::touched, &counts.untouched}}) {
+            const auto after = _window.units_after_making(t, {how.rule, how.share, spares});
+            if (!self)    // a handler deleted the window
+                return;
+            *count += after.value_or(0);
+        }
     });
     if (!self || !is_counted)
         return false;
