@@ -178,8 +178,6 @@ public:
     virtual void search_doubt_units();
     // All of its ROIs are false positives: it counts nowhere as doubtful, dead end or unlinked.
     [[nodiscard]] bool is_false(const string& unit) const;
-    // One ROI without a link: set aside, it counts as no dead end and not as unlinked.
-    [[nodiscard]] bool is_lone(const string& unit) const;
     [[nodiscard]] std::optional<string> first_dead_end();
     [[nodiscard]] std::optional<string> first_unlinked();
 

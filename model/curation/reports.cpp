@@ -1,6 +1,5 @@
 // Where the lineage needs a look: doubtful units, dead ends, unlinked units.
 #include "curation.h"
-#include "keygen.h"
 
 #include <algorithm>
 
@@ -32,14 +31,6 @@ bool curation::is_false(const string& unit) const
     return first != last && std::all_of(first, last, [this](const auto& entry) {
                return m_removed_roi_set.contains(entry.second);
            });
-}
-
-bool curation::is_lone(const string& unit) const
-{
-    if (m_head_members.count(unit) != 1 || m_linkage_multimap.contains(unit) || !is_roi_key(unit))
-        return false;
-    const auto [first, last] = links_into(decode(unit).t() + 1);
-    return std::none_of(first, last, [&unit](const auto& link) { return link.second == unit; });
 }
 
 std::optional<std::string> curation::first_dead_end()
