@@ -338,7 +338,8 @@ private:
     [[nodiscard]] edit_step* noted();    // what the open step takes down; null between steps
     void end_step();
     void hand_over(open_step& ended);
-    void end_step_so_far();    // what is still edited by its scopes becomes a step of its own
+    void keep_step_so_far();    // by whoever wants to
+    void end_step_so_far();     // what is still edited by its scopes becomes a step of its own
     [[nodiscard]] set<string>& marks_of(change_kind kind);
     [[nodiscard]] std::optional<change_kind> kind_of(const set<string>& keys) const;
     [[nodiscard]] curation_tables tables();

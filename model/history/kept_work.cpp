@@ -16,6 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr auto part_every = std::chrono::milliseconds(20);    // of a long step, for a crash in the middle
+
 constexpr const char* suffixes[] = {".roi", ".lineage", ".info", ".fp", ".recording.json"};    // by kept_in
 
 // Without a final ".roi". A symbolic link is not followed: what belongs to the recording lies beside it.
@@ -70,17 +72,39 @@ void kept_work::recording_changes()
     for (int file = 0; file < kept_in_count; ++file)
         _names[file] = _known[file] = "";
     _journal_name.clear();
+    _noted_bytes = 0;
     _is_taken_up = _was_edited = _is_without_journal = false;
+}
+
+void kept_work::step_goes_on(const edit_step& step)
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now < _next_part || step.changes().size() == _noted_bytes)
+        return;
+    _next_part = now + part_every;
+    note(journal_text::part(step, _noted_bytes));
+    _noted_bytes = step.changes().size();
+    set_edited();
 }
 
 void kept_work::step_ended(edit_step& step)
 {
-    if (amounts_to_nothing(step, _model.tables()))
+    const std::size_t noted = std::exchange(_noted_bytes, 0);
+    if (amounts_to_nothing(step, _model.tables())) {
+        if (noted > 0)
+            note(journal_text::nothing());
         return;
-    _was_edited = true;
-    note(journal_text::step(step));
+    }
+    note(journal_text::step(step, noted));
     _history.add(std::move(step));
-    decline();    // this is a branch of its own
+    set_edited();
+}
+
+// From here on this is a branch of its own.
+void kept_work::set_edited()
+{
+    _was_edited = true;
+    decline();
 }
 
 // ---- Undo and redo
