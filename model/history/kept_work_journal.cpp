@@ -90,8 +90,12 @@ bool kept_work::take_up(std::size_t number)
                                : "Cannot take up the journal while an operation is going on");
         return false;
     }
-    if (number >= _offers.size())
+    if (_offers.empty())
         return true;
+    if (number >= _offers.size()) {
+        error_line("The journal offers no such work");
+        return false;
+    }
     if (!lock())
         return false;
     const offer wanted = _offers[number];
@@ -103,6 +107,7 @@ bool kept_work::take_up(std::size_t number)
         state = restore(_journal->stretches()[wanted.stretch], files_now());
     if (!state) {
         error_line(_journal_name, ": its steps do not fit ", _names[0]);
+        _model.tell(&curation_observer::offers_changed);
         return false;
     }
     for (int file = 0; file < kept_in_count; ++file)

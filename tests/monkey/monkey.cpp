@@ -79,10 +79,22 @@ private:
                 unsaved)    // another recording was open, or its file is another now
             return nullptr;
         if (!afresh.work.take_up())
-            return nullptr;    // a companion was changed behind its back
+            return "what is offered can be taken up";
         if (state_of(afresh) != now)
             return "the journal brings back the state";
-        return nullptr;
+        const std::size_t position = afresh.work.history().position();
+        while (afresh.work.undo())
+            ;
+        const auto start = state_of(afresh);
+        while (afresh.work.redo())
+            ;
+        while (afresh.work.history().position() > position)
+            (void)afresh.work.undo();
+        if (state_of(afresh) != now)
+            return "undo and redo of steps from the journal lead to the same state";
+        while (afresh.work.undo())
+            ;
+        return state_of(afresh) == start ? nullptr : "undoing steps from the journal leads to one start";
     }
 
     void act_once()
