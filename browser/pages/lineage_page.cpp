@@ -3,8 +3,8 @@
 #include "busy_run.h"
 #include "file_dialogs.h"
 #include "help_window.h"
-#include "making_dialog.h"
 #include "places.h"
+#include "scale_dialog.h"
 #include "tree_window.h"
 
 #include <QLineEdit>

@@ -278,11 +278,14 @@ private:
     [[nodiscard]] std::optional<key_groups> groups_by_overlap(int t, const making& how);
     void dissolve(const string& unit);
     [[nodiscard]] set<std::pair<string, string>> links_by_overlap(int t);    // child, parent
-    [[nodiscard]] bool is_spared(const std::pair<const string, string>& link, spared spares);
+    [[nodiscard]] bool is_kept(const std::pair<const string, string>& link, spared spares);
+    [[nodiscard]] bool may_be_entered(const std::pair<const string, string>& link, spared spares);
     void enter_links(int t, const set<std::pair<string, string>>& links, spared spares);
     void leave_unit(const string& key);
     void forget_missing_members();
+    [[nodiscard]] set<string> one_that_stays_of_each_changed_unit();
     void rename_unit(const string& from, const string& to);
+    [[nodiscard]] bool is_called(const string& unit) const;
     [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
     [[nodiscard]] set<string> parents_into(int t) const;
     [[nodiscard]] unit_links links_of(const string& unit, int t);
@@ -372,6 +375,7 @@ private:
     using link_set = std::set<std::pair<std::string, std::string>>;    // child, parent
     [[nodiscard]] std::optional<link_set> find(int t);
     [[nodiscard]] std::optional<link_set> find_by_nearest(int t);
+    [[nodiscard]] kept_links kept(int t, const std::vector<std::string>& heads) const;
     void collect(int t, std::vector<std::string>& heads, std::vector<unit_rasters>& rasters);
 
     curation& _model;

@@ -175,12 +175,37 @@ std::optional<std::size_t> link_making::count(int t)
     std::size_t kept = 0;
     std::set<std::string> linked;
     for (auto [entry, last] = _model.links_into(t); entry != last; ++entry)
-        if (_model.is_spared(*entry, _how.spares)) {
+        if (_model.is_kept(*entry, _how.spares)) {
             ++kept;
             linked.insert(entry->first);
         }
-    return kept + static_cast<std::size_t>(std::ranges::count_if(
-                      *links, [&](const auto& link) { return !linked.contains(link.first); }));
+    return kept + static_cast<std::size_t>(std::ranges::count_if(*links, [&](const auto& link) {
+               return !linked.contains(link.first) && _model.may_be_entered(link, _how.spares);
+           }));
+}
+
+// The links into time point t that stay, by the numbers of their units.
+kept_links link_making::kept(int t, const std::vector<std::string>& heads) const
+{
+    const auto number_in = [](const std::vector<std::string>& units, const std::string& unit) {
+        const auto found = std::ranges::lower_bound(units, unit);
+        return found != units.end() && *found == unit
+                   ? std::optional(static_cast<std::size_t>(found - units.begin()))
+                   : std::nullopt;
+    };
+    kept_links stay;
+    for (auto [entry, last] = _model.links_into(t); entry != last; ++entry) {
+        const auto child = number_in(heads, entry->first);
+        const auto parent = number_in(_before, entry->second);
+        if (child && parent && _model.is_kept(*entry, _how.spares))
+            stay.links.push_back({*child, *parent});
+    }
+    if (_how.spares == spared::touched) {
+        const auto is_touched = [this](const std::string& unit) { return _model.is_touched(unit); };
+        std::ranges::transform(_before, std::back_inserter(stay.fixed_parents), is_touched);
+        std::ranges::transform(heads, std::back_inserter(stay.fixed_children), is_touched);
+    }
+    return stay;
 }
 
 // Nothing when the recording was closed meanwhile.
@@ -214,7 +239,8 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
         _has_begun = true;
     }
     collect(t, heads, rasters);
-    const auto found = _linker.link(rasters, [this] { return _run.poll_events(); });
+    const auto found = _linker.link(
+        rasters, [this] { return _run.poll_events(); }, kept(t, heads));
     if (!_run.alive())
         return std::nullopt;
     link_set links;
@@ -224,10 +250,17 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
     return links;
 }
 
-bool curation::is_spared(const std::pair<const string, string>& link, spared spares)
+// Whether making leaves a link (child, parent) that there is.
+bool curation::is_kept(const std::pair<const string, string>& link, spared spares)
 {
     return spares == spared::what_is ||
            (spares == spared::touched && is_touched(link.first) && is_touched(link.second));
+}
+
+// Between two units that a person has made or changed stays what is there, also when that is no link.
+bool curation::may_be_entered(const std::pair<const string, string>& link, spared spares)
+{
+    return spares != spared::touched || !is_touched(link.first) || !is_touched(link.second);
 }
 
 // A child that keeps a link to a parent is not linked to others; nor is one whose unit has gone meanwhile.
@@ -235,10 +268,7 @@ void curation::enter_links(int t, const set<std::pair<string, string>>& links, s
 {
     for (auto [entry, last] = links_into(t); entry != last;) {
         const auto next = std::next(entry);
-        const bool is_kept =
-            spares == spared::what_is ||
-            (spares == spared::touched && is_touched(entry->first) && is_touched(entry->second));
-        if (!is_kept)
+        if (!is_kept(*entry, spares))
             remove_link(entry);
         entry = next;
     }
@@ -247,6 +277,7 @@ void curation::enter_links(int t, const set<std::pair<string, string>>& links, s
     for (auto entry = first; entry != last; ++entry)
         linked.insert(entry->first);
     for (const auto& [child, parent] : links)
-        if (!linked.contains(child) && m_head_members.contains(child) && m_head_members.contains(parent))
+        if (!linked.contains(child) && m_head_members.contains(child) && m_head_members.contains(parent) &&
+            may_be_entered({child, parent}, spares))
             enter_link(child, parent);
 }

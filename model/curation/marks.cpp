@@ -64,9 +64,18 @@ void curation::rename_unit(const string& from, const string& to)
             about.push_back(note);
     for (const string& note : about) {
         remove_note(note);
-        if (const string changed = about_another(note, from, to); !changed.empty())
+        const string changed = about_another(note, from, to);
+        if (!changed.empty() && !(changed.starts_with("CALLED ") && is_called(to)))
             add_note(changed);
     }
+}
+
+// A nucleus has one name: where two become one, the first of them keeps its own.
+bool curation::is_called(const string& unit) const
+{
+    const string begin = "CALLED " + unit + ' ';
+    const auto found = m_unit_notes.lower_bound(begin);
+    return found != m_unit_notes.end() && found->starts_with(begin);
 }
 
 void curation::note_edited(const string& unit)
