@@ -158,6 +158,8 @@ lineage curation::current_lineage() const
         if (is_unit(head))
             units.elite.insert(units.elite.end(), head);
     put_notes(m_unit_notes, units);
+    const auto is_gone = [this](const string& key) { return !key.empty() && !m_roidb->db.contains(key); };
+    std::erase_if(units.dismissed, [&](const dismissal& d) { return is_gone(d.head) || is_gone(d.other); });
     return units;
 }
 

@@ -241,6 +241,12 @@ indexed_box box_of(const body& unit, std::size_t index)
     return box;
 }
 
+unit_rasters in_order_of_planes(unit_rasters rois)
+{
+    std::ranges::stable_sort(rois, {}, [](const roi_mask* r) { return r->z(); });
+    return rois;
+}
+
 long long pixels_of(const body& unit)
 {
     long long pixels = 0;
@@ -289,8 +295,7 @@ std::vector<body> unit_linker::bodies(const std::vector<unit_rasters>& units) co
     all.reserve(units.size());
     for (const unit_rasters& rois : units) {
         body& unit = all.emplace_back();
-        unit.rois = rois;
-        std::ranges::stable_sort(unit.rois, {}, [](const roi_mask* r) { return r->z(); });
+        unit.rois = in_order_of_planes(rois);
         pos3d sum;
         for (const roi_mask* const r : rois)
             if (r->size() > 0)
@@ -317,6 +322,12 @@ std::vector<unit_link> unit_linker::link(const std::vector<unit_rasters>& units,
     if (!go_on(std::move(now), all, carry_on))
         return {};
     return std::move(*links);
+}
+
+void unit_linker::give_again(const std::vector<unit_rasters>& units)
+{
+    for (std::size_t i = 0; i < _before.size(); ++i)
+        _before[i].rois = in_order_of_planes(units[i]);
 }
 
 // Makes `now` the units given before.

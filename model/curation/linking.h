@@ -62,10 +62,13 @@ public:
 
     // The links of these units to those given before that come to those kept, in ascending order. None, and
     // the linker is still where it was, once carry_on answers no; it is asked at every few comparisons.
-    // REQUIRES: the rasters of the units given before are still there.
+    // REQUIRES: the rasters of the units given before are still there, or were given again.
     [[nodiscard]] std::vector<unit_link> link(const std::vector<unit_rasters>& units,
                                               const std::function<bool()>& carry_on = {},
                                               const kept_links& kept = {});
+
+    // The rasters of the units given last, which may have been freed since.
+    void give_again(const std::vector<unit_rasters>& units);
 
     // What is compared of a unit.
     struct body {

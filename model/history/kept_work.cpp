@@ -32,7 +32,17 @@ std::string stem_of(const std::string& roi_file)
 
 kept_work::kept_work(curation& model) : _model(model), _observing(model, *this) {}
 
-kept_work::~kept_work() = default;
+kept_work::~kept_work() { close_journal(); }
+
+// What could not be written until now is tried once more.
+void kept_work::close_journal()
+{
+    if (_writer && !_writer->sync())
+        tell_failure();
+    _writer.reset();
+    _lock.reset();
+    _journal.reset();
+}
 
 bool kept_work::open(const std::string& roi_file)
 {
@@ -57,16 +67,15 @@ void kept_work::opened(const std::string& roi_file)
     _model.take_info(read_recording_file(recording));
     _beside = stem + ".journal";
     read_journal();
-    find_offers();
+    if (!is_taken_elsewhere())
+        find_offers();
     _model.tell(&curation_observer::offers_changed);
 }
 
 // The steps of a recording end with it.
 void kept_work::recording_changes()
 {
-    _writer.reset();
-    _lock.reset();
-    _journal.reset();
+    close_journal();
     _offers.clear();
     _history = edit_history();
     for (int file = 0; file < kept_in_count; ++file)
@@ -124,6 +133,8 @@ const edit_step* kept_work::step_back_or_forth(bool forth)
     (void)(forth ? redo_step(step, _model.tables()) : undo_step(step, _model.tables()));
     forth ? _history.redone() : _history.undone();
     note(forth ? journal_text::redo() : journal_text::undo());
+    if (step.concerns(kept_in::rois))
+        _model.take_time_bounds_of_rois();
     _model.forget_what_is_gone();
     const std::shared_ptr<observer_list> observers = _model.m_observers;
     for (std::size_t i = 0; i < observers->size(); ++i)

@@ -66,7 +66,7 @@ public:
     // ---- What an earlier run of the program has left
     struct offer {
         std::size_t stretch;    // of the journal
-        std::size_t edits;      // that were not saved
+        std::size_t edits;      // that were not saved; 0: all were, and there is their undo
         std::string time;       // UTC of the last of them
     };
     [[nodiscard]] const std::vector<offer>& offers() const noexcept { return _offers; }    // the newest first
@@ -86,9 +86,12 @@ private:
     void read_journal();
     [[nodiscard]] std::string choose_journal() const;
     void find_offers();
+    void close_journal();
+    [[nodiscard]] bool is_taken_elsewhere() const;
     [[nodiscard]] bool can_go_on_in_journal() const;
     bool go_without_journal(const std::string& why);    // false
     bool begin_journal();
+    [[nodiscard]] std::string lock_name() const;
     bool lock();
     void note(const std::string& text);
     void tell_failure();

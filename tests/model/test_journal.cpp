@@ -1,6 +1,7 @@
 // What a journal brings back that is torn, foreign, or was being written when the program died.
 #include "../support/kept_history.h"
 #include "edit_scope.h"
+#include "lineage_file.h"
 #include "long_run.h"
 
 #include <chrono>
@@ -216,6 +217,98 @@ TEST_F(History, a_long_step_is_kept_while_it_goes_on)
         EXPECT_TRUE(std::ranges::includes(elite, c.elite()) && !c.elite().empty());
         EXPECT_TRUE(name == std::string("torn") || c.elite() == elite);
     }
+}
+
+// Whichever files were saved before the program ended, and whatever was done to them since.
+TEST_F(History, what_the_files_lack_is_taken_up)
+{
+    using files = const std::function<void(CurationProbe&)>;
+    const auto drop_one = [](CurationProbe& c) {
+        c.make_units(0, {}), c.make_units(1, {});
+        c.toggle_false_positive(c.m_head_members.begin()->second), c.drop_false_positives();
+    };
+    const auto save_lineage = [this](CurationProbe& c) {
+        ASSERT_TRUE(write_lineage(folder.path("demo.lineage"), c.dataset(), c.current_lineage()));
+    };
+    const auto save_all = [](CurationProbe& c) { ASSERT_TRUE(c.work.save_all()); };
+    const auto save_rois = [this](CurationProbe& c) { ASSERT_TRUE(c.rois().write(file)); };
+    const struct {
+        const char* what;
+        files work, after;    // after it: while the program does not run
+        std::size_t unsaved;
+    } cases[] = {
+        {"a lineage of ROIs that are dropped later",
+         [&](auto& c) { c.make_units(0, {}), save_lineage(c), drop_one(c), save_rois(c); },
+         {},
+         3},
+        {"a lineage whose ROIs are not saved", [&](auto& c) { drop_one(c), save_lineage(c); }, {}, 2},
+        {"all is saved, tracking too",
+         [&](auto& c) { drop_one(c), c.forwardTracking(0), save_all(c); },
+         {},
+         0},
+        {"an older ROI file put back", [&](auto& c) { drop_one(c), save_all(c), c.toggle_elite("x"); },
+         [&](CurationProbe&) { fs::copy_file(file + ".orig", file, fs::copy_options::overwrite_existing); },
+         2},
+        {"a save before the first edit", [&](auto& c) { save_rois(c), drop_one(c); }, {}, 4},
+        {"a nucleus is chosen on the way",
+         [&](auto& c) { drop_one(c), save_all(c), c.choose(c.links().empty() ? "x" : ""); },
+         {},
+         0},
+    };
+    const std::string fresh = folder.contents("demo.roi");
+    for (const auto& [what, work, after, unsaved] : cases) {
+        for (const auto& entry : fs::directory_iterator(folder.path("")))
+            if (entry.path().filename().native().starts_with("demo."))
+                fs::remove(entry);
+        (void)folder.with("demo.roi", "demo " + fresh.substr(fresh.find('\n')));    // as "write" would not
+        std::optional<state> left;
+        {
+            CurationProbe c;
+            ASSERT_TRUE(c.work.open(file));
+            work(c);
+            left = state_of(c);
+        }
+        CurationProbe c;
+        if (after)
+            after(c);
+        ASSERT_TRUE(c.work.open(file)) << what;
+        ASSERT_EQ(c.work.offers().size(), 1U) << what;
+        EXPECT_EQ(c.work.offers().front().edits, unsaved) << what;
+        ASSERT_TRUE(c.work.take_up()) << what << quiet.err.str();
+        EXPECT_EQ(state_of(c), *left) << what;
+    }
+}
+
+// Whatever links lead to the recording: it has one journal and one lock, and what is saved is known to be.
+TEST_F(History, links_to_the_folder_make_no_second_recording)
+{
+    fs::create_directory_symlink(folder.path(""), folder.path("link"));
+    CurationProbe c, other;
+    ASSERT_TRUE(c.work.open(folder.path("link/demo.roi")));
+    c.make_units(0, {});
+    ASSERT_TRUE(c.work.save_all());
+    EXPECT_EQ(c.work.unsaved_edits(), 0U);
+    c.make_units(1, {});
+    ASSERT_TRUE(c.work.save_all());
+    EXPECT_EQ(quiet.err.str().find("put aside"), std::string::npos) << quiet.err.str();
+    ASSERT_TRUE(other.work.open(file));
+    EXPECT_TRUE(other.work.offers().empty()) << "the first goes on with it";
+    other.make_units(2, {});
+    EXPECT_NE(quiet.err.str().find("another window works on it"), std::string::npos);
+}
+
+// A journal that cannot be read stays as it is.
+TEST_F(History, a_journal_that_cannot_be_read_is_left_alone)
+{
+    fs::create_directory(folder.path("demo.journal"));
+    CurationProbe c;
+    ASSERT_TRUE(c.work.open(file));
+    c.make_units(0, {});
+    EXPECT_TRUE(c.work.save_all() && fs::is_directory(folder.path("demo.journal")));
+    const std::string lines = quiet.err.str();
+    EXPECT_TRUE(lines.find("demo.journal cannot be read") != std::string::npos &&
+                std::ranges::count(lines, '\n') == 1)
+        << lines;
 }
 
 // What a full disk did not take is written once there is room.
