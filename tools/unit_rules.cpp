@@ -42,11 +42,12 @@ std::optional<lineage> make_lineage(const std::string& roi_file, const making& c
     curation model;
     model.open_rois(std::move(rois));
     model.take_info(read_recording_file(recording_file_of(roi_file)));
-    for (int t = model.min_time_point(); t <= model.max_time_point(); ++t)
-        model.make_units(t, choice);
     link_making links(model, choice);
-    for (int t = model.min_time_point() + 1; t <= model.max_time_point(); ++t)
-        links.step(t);
+    for (int t = model.min_time_point(); t <= model.max_time_point(); ++t) {    // the rasters are at hand
+        model.make_units(t, choice);
+        if (t > model.min_time_point())
+            links.step(t);
+    }
     return model.current_lineage();
 }
 

@@ -3,6 +3,7 @@
 #include "error_line.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -176,23 +177,26 @@ void roi_mask::trace_outline()
 
 void roi_mask::count_size()
 {
-    long long sum_x = 0;
+    static_assert(max_side <= std::numeric_limits<unsigned short>::max());    // what a row or column may hold
+    std::array<unsigned short, max_side> in_column;
+    std::fill_n(in_column.begin(), _width, static_cast<unsigned short>(0));
     long long sum_y = 0;
     _size = 0;
     unsigned char* row = _image.get();
     for (int y = 0; row && y < _height; ++y, row += _width) {
-        int in_row = 0;
-        int row_x = 0;
+        unsigned short in_row = 0;
         for (int x = 0; x < _width; ++x) {
-            const int in = row[x] != 0;
-            row[x] = static_cast<unsigned char>(in);
-            in_row += in;
-            row_x += in * x;
+            const unsigned char in = row[x] != 0;
+            row[x] = in;
+            in_row = static_cast<unsigned short>(in_row + in);
+            in_column[x] = static_cast<unsigned short>(in_column[x] + in);
         }
         _size += in_row;
-        sum_x += row_x;
         sum_y += static_cast<long long>(in_row) * y;
     }
+    long long sum_x = 0;
+    for (int x = 0; x < _width; ++x)
+        sum_x += static_cast<long long>(in_column[x]) * x;
     _cx = _top_left.x() + static_cast<double>(sum_x) / _size;
     _cy = static_cast<double>(sum_y) / _size + _top_left.y();
 }

@@ -36,6 +36,7 @@ public:
 
     // Builds the mask, unless it exists, and counts it.
     void map();
+    [[nodiscard]] bool is_too_large() const noexcept { return _too_large; }    // which map() says
 
     // Turns every non-zero pixel into 1, counts them into size() and sets the centroid, which is not
     // finite when there are none.

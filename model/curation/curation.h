@@ -384,10 +384,11 @@ private:
     [[nodiscard]] std::optional<link_set> find_by_nearest(int t);
     [[nodiscard]] kept_links kept(int t, const std::vector<std::string>& heads) const;
     [[nodiscard]] std::vector<std::string> units_at(int t) const;
-    [[nodiscard]] std::vector<unit_rasters> rasters_of(const std::vector<std::string>& units) const;
+    [[nodiscard]] std::vector<unit_rasters> rasters_of(const std::vector<std::string>& units, int t) const;
 
     curation& _model;
     unsigned long _recording;
+    unsigned long _releases = 0;    // of rasters, when those of the time point before were collected
     making _how;
     unit_linker _linker;
     std::vector<std::string> _before;    // the heads of the time point before

@@ -22,9 +22,10 @@ bool curation::is_spared(const string& key, spared spares)
     return spares == spared::what_is || is_touched(unit);
 }
 
+// REQUIRES: an ROI of the recording
 bool curation::may_be_grouped(const string& key, spared spares)
 {
-    return m_roidb->db.contains(key) && !m_removed_roi_set.contains(key) && !is_spared(key, spares);
+    return !m_removed_roi_set.contains(key) && !is_spared(key, spares);
 }
 
 // ---- Units
@@ -46,14 +47,17 @@ void curation::make_units(int t, const making& how)
         if (state->model)    // a handler may delete it
             state->model->m_auto_make_units = false;
     });
-    const std::optional<key_groups> groups = groups_at(t, how);
+    const std::pair before(m_roidb->revision(), m_edits);
+    std::optional<key_groups> groups = groups_at(t, how);
     if (!groups)
         return;
+    const bool was_edited = before != std::pair(m_roidb->revision(), m_edits);
     dissolve(units_to_make_anew(t, how.spares), t);
-    for (auto [named, members] : *groups) {
-        std::erase_if(members, [&](const string& key) {    // a handler may have taken it
-            return m_members_head.contains(key) || !m_roidb->db.contains(key);
-        });
+    for (auto& [named, members] : *groups) {
+        if (was_edited)
+            std::erase_if(members, [&](const string& key) {    // a handler may have taken it
+                return m_members_head.contains(key) || !m_roidb->db.contains(key);
+            });
         if (!members.empty())
             register_unit(members.contains(named) ? named : *members.begin(), members);
     }
@@ -84,14 +88,17 @@ std::optional<curation::key_groups> curation::groups_by_nearest(int t, const mak
 {
     LongRun run(*this);
     std::vector<string> keys;
-    std::vector<const roi_mask*> rasters;
+    std::vector<const roi*> rois;
     const auto [first, last] = at_time_point(m_roidb->db, t);
-    for (auto entry = first; entry != last; ++entry) {
-        if (!may_be_grouped(entry->first, how.spares))
-            continue;
-        keys.push_back(entry->first);
-        rasters.push_back(m_q_roiimgdb->qrimg(entry->second));
-    }
+    for (auto entry = first; entry != last; ++entry)
+        if (may_be_grouped(entry->first, how.spares)) {
+            keys.push_back(entry->first);
+            rois.push_back(&entry->second);
+        }
+    m_q_roiimgdb->make(rois);
+    std::vector<const roi_mask*> rasters;
+    for (const roi* const r : rois)
+        rasters.push_back(m_q_roiimgdb->qrimg(*r));
     const auto found = group_nearest(rasters, {.share = how.share}, [&run] { return run.poll_events(); });
     if (!run.alive())
         return std::nullopt;
@@ -234,17 +241,30 @@ std::vector<std::string> link_making::units_at(int t) const
     return {units.begin(), units.end()};
 }
 
-std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>& units) const
+// REQUIRES: units of time point t
+std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>& units, int t) const
 {
-    std::vector<unit_rasters> rasters;
-    rasters.reserve(units.size());
+    std::vector<const std::pair<const std::string, roi>*> rois;    // found faster here than among all
+    const auto [first_roi, last_roi] = at_time_point(_model.m_roidb->db, t);
+    for (auto entry = first_roi; entry != last_roi; ++entry)
+        rois.push_back(&*entry);
+    const auto key_of = [](const auto* entry) -> const std::string& { return entry->first; };
+    std::vector<const roi*> members;
+    std::vector<std::size_t> ends;    // of the members of each unit
     for (const std::string& unit : units) {
-        unit_rasters& of_unit = rasters.emplace_back();
         const auto [first, last] = _model.m_head_members.equal_range(unit);
-        for (auto entry = first; entry != last; ++entry)
-            if (const auto r = _model.m_roidb->db.find(entry->second); r != _model.m_roidb->db.end())
-                of_unit.push_back(_model.m_q_roiimgdb->qrimg(r->second));
+        for (auto entry = first; entry != last; ++entry) {
+            const auto found = std::ranges::lower_bound(rois, entry->second, {}, key_of);
+            if (found != rois.end() && (*found)->first == entry->second)
+                members.push_back(&(*found)->second);
+        }
+        ends.push_back(members.size());
     }
+    _model.m_q_roiimgdb->make(members);
+    std::vector<unit_rasters> rasters(units.size());
+    for (std::size_t unit = 0, i = 0; unit < units.size(); ++unit)
+        for (; i < ends[unit]; ++i)
+            rasters[unit].push_back(_model.m_q_roiimgdb->qrimg(*members[i]));
     return rasters;
 }
 
@@ -253,14 +273,15 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
     LongRun run(_model);    // keeps the rasters of both time points
     if (!_has_begun) {
         _before = units_at(t - 1);
-        (void)_linker.link(rasters_of(_before));
+        (void)_linker.link(rasters_of(_before, t - 1));
         _has_begun = true;
-    } else {
-        _linker.give_again(rasters_of(_before));
+    } else if (_releases != _model.m_q_roiimgdb->releases()) {
+        _linker.give_again(rasters_of(_before, t - 1));
     }
+    _releases = _model.m_q_roiimgdb->releases();
     std::vector<std::string> heads = units_at(t);
     const auto found = _linker.link(
-        rasters_of(heads), [&run] { return run.poll_events(); }, kept(t, heads));
+        rasters_of(heads, t), [&run] { return run.poll_events(); }, kept(t, heads));
     if (!run.alive())
         return std::nullopt;
     link_set links;

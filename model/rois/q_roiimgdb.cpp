@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <limits>
+#include <thread>
 
 namespace {
 
-constexpr int kept_time_points = 3;    // on either side of the one in use
+constexpr int kept_time_points = 3;                // on either side of the one in use
+constexpr std::size_t least_for_a_thread = 100;    // rasters: starting one costs about as much
 
 }    // namespace
 
@@ -20,13 +22,47 @@ q_roiimg* q_roiimgdb::qrimg(const roi& r)
         return found->second;
     auto raster = std::make_unique<q_roiimg>(r);
     raster->map();
-    if (_kept_around != r.t() || _kept != db.size()) {
-        drop_far_from(r.t());
-        _kept_around = r.t();
+    return enter(std::move(key), std::move(raster));
+}
+
+q_roiimg* q_roiimgdb::enter(std::string key, std::unique_ptr<q_roiimg> raster)
+{
+    if (_kept_around != raster->t() || _kept != db.size()) {
+        drop_far_from(raster->t());
+        _kept_around = raster->t();
     }
     q_roiimg* const made = db.emplace(std::move(key), raster.release()).first->second;
     _kept = db.size();
     return made;
+}
+
+void q_roiimgdb::make(const std::vector<const roi*>& rois)
+{
+    std::vector<const roi*> missing;
+    for (const roi* const r : rois)
+        if (!db.contains(keygen(*r)))
+            missing.push_back(r);
+    std::vector<std::unique_ptr<q_roiimg>> made(missing.size());
+    const auto make_some = [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            made[i] = std::make_unique<q_roiimg>(*missing[i]);
+            if (!made[i]->is_too_large())    // that is said, by this thread
+                made[i]->map();
+        }
+    };
+    const std::size_t threads = std::min<std::size_t>(std::max(std::thread::hardware_concurrency(), 1U),
+                                                      missing.size() / least_for_a_thread + 1);
+    {
+        std::vector<std::jthread> others;
+        for (std::size_t i = 1; i < threads; ++i)
+            others.emplace_back(make_some, missing.size() * i / threads, missing.size() * (i + 1) / threads);
+        make_some(0, missing.size() / threads);
+    }
+    for (std::unique_ptr<q_roiimg>& raster : made) {
+        raster->map();
+        std::string key = keygen(*raster);
+        (void)enter(std::move(key), std::move(raster));
+    }
 }
 
 std::shared_ptr<plane_rois> q_roiimgdb::plane(const roidb_plus& roidb, int t, int z)
@@ -49,6 +85,7 @@ void q_roiimgdb::release_dropped() noexcept
     if (_dropped.empty())
         return;
     _dropped.clear();
+    ++_releases;
     _planes.clear();    // they may point to rasters that are gone
 }
 

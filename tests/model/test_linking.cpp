@@ -130,7 +130,7 @@ TEST_F(linking, tells_two_nuclei_in_one_unit_from_a_mother)
 TEST_F(linking, leaves_what_is_kept_and_links_what_is_free)
 {
     const std::vector<cube> before{{0, 0, 0, 9}, {40, 0, 0, 9}},
-        now{{1, 0, 0, 9}, {6, 0, 0, 9}, {41, 0, 0, 9}};
+        now{{1, 0, 0, 9}, {9, 0, 0, 9}, {41, 0, 0, 9}};
     const std::vector<cube> mother{{0, 0, 0, 12}}, daughters{{-6, 2, 2, 8}, {-2, 10, 2, 8}, {8, 2, 2, 8}};
     const struct {
         const char* why;
