@@ -11,10 +11,11 @@ namespace {
 
 using label_set = std::set<std::uint32_t>;
 
-void collect(const label_page& page, label_set& labels)
+template <class Label>
+void collect(const std::vector<Label>& pixels, label_set& labels)
 {
-    std::uint32_t last = 0;    // labels come in runs
-    for (const std::uint32_t label : page.pixels)
+    Label last = 0;    // labels come in runs
+    for (const Label label : pixels)
         if (label != last && (last = label) != 0)
             labels.insert(label);
 }
@@ -69,7 +70,7 @@ outcome check_ctc(const std::string& folder, const std::string& prefix, const st
             return outcome::stopped;
         label_set found;
         const bool is_read = masks.read(t, [&](int, const label_page& page) {
-            collect(page, found);
+            std::visit([&](const auto& labels) { collect(labels.pixels, found); }, page);
             return true;
         });
         if (!is_read)

@@ -93,7 +93,7 @@ private:
 
     outcome read_labels(image_stack& labels)
     {
-        label_units maker(_made.rois);
+        label_units maker(_made.rois, _made.units);
         const int steps = static_cast<int>(labels.times().size());
         for (int i = 0; i < steps; ++i) {
             if (!_callbacks.step(i, steps))
@@ -105,8 +105,8 @@ private:
             });
             if (!is_read)
                 return outcome::refused;
-            _units[t] = maker.finish_time_point(_made.units);
         }
+        _units = maker.finish();
         if (maker.split_labels() > 0)
             note(std::to_string(maker.split_labels()) +
                  " labels are of several pieces in a plane: an ROI each");

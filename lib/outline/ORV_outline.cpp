@@ -9,6 +9,7 @@ namespace {
 
 // The steps '0' to '3' turn left one after the other: up, left, down, right.
 constexpr int down_step = 2;
+constexpr std::size_t usual_steps = 128;    // around a nucleus
 constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
 
 // Seen from a vertex in the direction of each step: the pixel ahead to the left
@@ -20,6 +21,7 @@ constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
 // Which pixels are of the region that is walked: of a mask all but 0, of labels those of its start.
 bool is_same(unsigned char pixel, unsigned char) { return pixel != 0; }
 bool is_same(std::uint32_t pixel, std::uint32_t label) { return pixel == label; }
+bool is_same(std::uint16_t pixel, std::uint16_t label) { return pixel == label; }
 
 template <class Pixel>
 class region_walker {
@@ -43,9 +45,9 @@ public:
     [[nodiscard]] int next_unvisited(int x, int y) const noexcept
     {
         const Pixel* const row = &_left[index(0, y)];
-        for (; x + block <= _width; x += block) {
+        for (; x + empty_block <= _width; x += empty_block) {
             Pixel any = 0;
-            for (int i = 0; i < block; ++i)
+            for (int i = 0; i < empty_block; ++i)
                 any = static_cast<Pixel>(any | row[x + i]);
             if (any)
                 break;
@@ -56,7 +58,8 @@ public:
     }
 
 private:
-    static constexpr int block = 16;    // pixels that are looked at together
+    static constexpr int block = 16;          // pixels that are looked at together
+    static constexpr int empty_block = 64;    // the same where most are background
 
     // How many pixels of a block are of the region and not visited. (All of one type, for the vector
     // registers.)
@@ -141,6 +144,7 @@ private:
     [[nodiscard]] std::string walk(pos2i start) const
     {
         std::string chain;
+        chain.reserve(usual_steps);
         pos2i vertex = start;
         int step = down_step;
         do {
@@ -183,6 +187,16 @@ void walk_regions(std::span<Pixel> pixels, int width, int height, Take take)
         }
 }
 
+template <class Label>
+std::vector<labelled_region> regions_of(std::span<Label> labels, int width, int height)
+{
+    std::vector<labelled_region> regions;
+    walk_regions(labels, width, height, [&](outlined_region region, Label label) {
+        regions.push_back({std::move(region), label});
+    });
+    return regions;
+}
+
 }    // namespace
 
 std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
@@ -197,11 +211,12 @@ std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask
 
 std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width, int height)
 {
-    std::vector<labelled_region> regions;
-    walk_regions(labels, width, height, [&](outlined_region region, std::uint32_t label) {
-        regions.push_back({std::move(region), label});
-    });
-    return regions;
+    return regions_of(labels, width, height);
+}
+
+std::vector<labelled_region> outline_labels(std::span<std::uint16_t> labels, int width, int height)
+{
+    return regions_of(labels, width, height);
 }
 
 long long enclosed_pixels(const std::string& chain) noexcept
