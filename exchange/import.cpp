@@ -76,7 +76,7 @@ public:
             link(*tracks, labels);
         describe(labels);
         count();
-        return write_imported(_request, _made, labels, _callbacks);
+        return write_imported(_request, _made, labels, part_of(_callbacks, share_of_labels(), 1));
     }
 
 private:
@@ -91,12 +91,16 @@ private:
         return tracks ? find_frames(table->parent_path().string(), mask_prefix(*table)) : std::nullopt;
     }
 
+    // Images are read twice and packed.
+    [[nodiscard]] double share_of_labels() const { return _request.images.empty() ? 1 : 0.1; }
+
     outcome read_labels(image_stack& labels)
     {
         label_units maker(_made.rois, _made.units);
         const int steps = static_cast<int>(labels.times().size());
+        const run_callbacks reading = part_of(_callbacks, 0, share_of_labels());
         for (int i = 0; i < steps; ++i) {
-            if (!_callbacks.step(i, steps))
+            if (!reading.step(i, steps))
                 return outcome::stopped;
             const int t = labels.times()[i];
             const bool is_read = labels.read(i, [&](int z, label_page& page) {
