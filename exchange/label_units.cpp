@@ -52,19 +52,16 @@ void label_units::outline_plane(labelled_plane& plane, found_rois& found)
 {
     auto regions = std::visit(
         [](auto& labels) { return outline_labels(labels.pixels, labels.width, labels.height); }, plane.page);
-    const auto first = static_cast<std::ptrdiff_t>(found.rois.size());
+    const auto first = static_cast<std::ptrdiff_t>(found.size());
     std::set<std::uint32_t> seen;
-    std::set<std::uint32_t> split;
     for (labelled_region& region : regions) {
-        found.hole_pixels += static_cast<std::size_t>(enclosed_pixels(region.chain) - region.pixels);
-        if (!seen.insert(region.label).second)
-            split.insert(region.label);
+        const long long holes = enclosed_pixels(region.chain) - region.pixels;
+        const bool is_piece = !seen.insert(region.label).second;
         roi r(region.start.x(), region.start.y(), plane.z, plane.t, std::move(region.chain));
         std::string key = roidb::keygen(r);
-        found.rois.push_back({region.label, std::move(key), std::move(r)});
+        found.push_back({region.label, std::move(key), std::move(r), is_piece, holes});
     }
-    std::ranges::sort(found.rois.begin() + first, found.rois.end(), {}, &found_roi::key);
-    found.split_labels += split.size();
+    std::ranges::sort(found.begin() + first, found.end(), {}, &found_roi::key);
 }
 
 // In the order of keys the first ROI of a unit is its head.
@@ -72,12 +69,14 @@ void label_units::collect()
 {
     if (!_found.valid())
         return;
-    found_rois found = _found.get();
-    for (found_roi& one : found.rois) {
+    for (found_rois found = _found.get(); found_roi & one : found) {
         const std::string& head = _units[one.r.t()].try_emplace(one.label, one.key).first->second;
+        if (one.is_piece)
+            _losses.push_back({"piece", one.key, "label " + std::to_string(one.label)});
+        if (one.hole_pixels > 0)
+            _losses.push_back({"hole", one.key, std::to_string(one.hole_pixels) + " pixels"});
+        _hole_pixels += one.hole_pixels;
         _lineage.head_members.emplace(head, std::move(one.key));
         _rois.entry(std::move(one.r));
     }
-    _split_labels += found.split_labels;
-    _hole_pixels += found.hole_pixels;
 }

@@ -2,6 +2,7 @@
 #pragma once
 #include "ORV_roidb.h"
 #include "lineage_file.h"
+#include "loss_report.h"
 #include "tiff_reader.h"
 
 #include <cstdint>
@@ -28,12 +29,12 @@ public:
     // Ends the work: all ROIs and units are there. By time point, those without a label left out.
     [[nodiscard]] std::map<int, labelled_units> finish();
 
-    // Labels with two or more pieces in one plane, counted once a plane.
-    // REQUIRES for both: finish()
-    [[nodiscard]] std::size_t split_labels() const noexcept { return _split_labels; }
+    // ROIs beyond the first of a label in a plane ("piece"), and ROIs with holes, which they cover although
+    // the pixels have no label or another one ("hole"), by their keys. REQUIRES: finish()
+    [[nodiscard]] const std::vector<loss>& losses() const noexcept { return _losses; }
 
-    // Pixels of holes, which an ROI covers although they have no label or another one.
-    [[nodiscard]] std::size_t hole_pixels() const noexcept { return _hole_pixels; }
+    // REQUIRES: finish()
+    [[nodiscard]] long long hole_pixels() const noexcept { return _hole_pixels; }
 
 private:
     struct labelled_plane {
@@ -45,12 +46,10 @@ private:
         std::uint32_t label = 0;
         std::string key = {};
         roi r = {};
+        bool is_piece = false;    // of a label that has another one in its plane
+        long long hole_pixels = 0;
     };
-    struct found_rois {
-        std::vector<found_roi> rois = {};    // ascending by key
-        std::size_t split_labels = 0;
-        std::size_t hole_pixels = 0;
-    };
+    using found_rois = std::vector<found_roi>;    // ascending by key
 
     // Several planes in one go: handing over takes time, too.
     struct batch {
@@ -69,7 +68,7 @@ private:
     std::map<int, labelled_units> _units;
     batch _taken;
     batch _at_work;
-    std::size_t _split_labels = 0;
-    std::size_t _hole_pixels = 0;
+    std::vector<loss> _losses;
+    long long _hole_pixels = 0;
     std::future<found_rois> _found;    // last: it ends before what it reads
 };
