@@ -134,8 +134,7 @@ void ExchangeDialog::set_working(bool on)
     _is_stop_asked = false;
     start->setEnabled(!on);
     stop->setEnabled(on);
-    progress->setRange(0, 1);
-    progress->setValue(0);
+    progress->reset();
 }
 
 outcome ExchangeDialog::work(const std::function<outcome(const run_callbacks&)>& job)

@@ -3,6 +3,8 @@
 #include "file_dialogs.h"
 #include "import_options.h"
 
+#include <QDir>
+
 #include <algorithm>
 #include <filesystem>
 #include <string_view>
@@ -44,7 +46,7 @@ ImportDialog::ImportDialog(ORVBrowser& window)
     source = add_path("source", tr("Label images"), wanted::file_or_folder, QFileDialog::AcceptOpen);
     images = add_path("images", tr("Grey images, if any"), wanted::file_or_folder, QFileDialog::AcceptOpen);
     folder = add_path("folder", tr("Write into folder"), wanted::folder, QFileDialog::AcceptOpen);
-    folder->setText(default_file({}, ""));
+    folder->setText(QDir::cleanPath(default_file({}, "")));
     name = add_line("name", tr("Name of the recording"), "");
     for (const import_option& option : import_options()) {
         const option_row& row = row_of(option);
