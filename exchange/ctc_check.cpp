@@ -14,10 +14,17 @@ using label_set = std::set<std::uint32_t>;
 template <class Label>
 void collect(const std::vector<Label>& pixels, label_set& labels)
 {
-    Label last = 0;    // labels come in runs
-    for (const Label label : pixels)
-        if (label != last && (last = label) != 0)
-            labels.insert(label);
+    constexpr std::size_t block = 64;    // most are background and passed over together
+    Label last = 0;                      // labels come in runs
+    for (std::size_t first = 0; first < pixels.size(); first += block) {
+        const std::size_t end = std::min(first + block, pixels.size());
+        Label any = 0;
+        for (std::size_t i = first; i < end; ++i)
+            any = static_cast<Label>(any | pixels[i]);
+        for (std::size_t i = any ? first : end; i < end; ++i)
+            if (pixels[i] != last && (last = pixels[i]) != 0)
+                labels.insert(last);
+    }
 }
 
 label_set expected_at(int t, const std::vector<track>& tracks)

@@ -1,6 +1,7 @@
 #include "ORV_outline.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
 #include <utility>
@@ -12,11 +13,29 @@ constexpr int down_step = 2;
 constexpr std::size_t usual_steps = 128;    // around a nucleus
 constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
 
-// Seen from a vertex in the direction of each step: the pixel ahead to the left
-// and the one ahead to the right. A vertex has the coordinates of the pixel that
-// it is the top-left corner of.
-constexpr pos2i ahead_left[] = {{-1, -1}, {-1, 0}, {0, 0}, {0, -1}};
-constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
+// The four pixels around a vertex as bits. A vertex has the coordinates of the pixel that it is the top-left
+// corner of.
+enum around : unsigned { upper_left = 1, upper_right = 2, lower_left = 4, lower_right = 8 };
+
+// Seen from a vertex in the direction of each step: the pixel ahead to the left and the one ahead to the
+// right.
+constexpr around ahead_left[] = {upper_left, lower_left, lower_right, upper_right};
+constexpr around ahead_right[] = {upper_right, upper_left, lower_left, lower_right};
+
+// The next step after each step, by the pixels around the vertex that are of the region. The left turn comes
+// first: where two pixels touch only at this corner, the walk stays with the one it came along.
+using step_table = std::array<std::array<int, 16>, 4>;
+constexpr step_table make_step_table()
+{
+    step_table next{};
+    for (int step = 0; step < 4; ++step)
+        for (unsigned inside = 0; inside < 16; ++inside)
+            next[step][inside] = !(inside & ahead_left[step])    ? (step + 1) % 4
+                                 : !(inside & ahead_right[step]) ? step
+                                                                 : (step + 3) % 4;
+    return next;
+}
+constexpr step_table next_step = make_step_table();
 
 // Which pixels are of the region that is walked: of a mask all but 0, of labels those of its start.
 bool is_same(unsigned char pixel, unsigned char) { return pixel != 0; }
@@ -78,10 +97,21 @@ private:
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x);
     }
 
-    [[nodiscard]] bool contains(pos2i p) const noexcept
+    [[nodiscard]] bool contains(int x, int y) const noexcept
     {
-        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height &&
-               is_same(_left[index(p.x(), p.y())], _own);
+        return x >= 0 && y >= 0 && x < _width && y < _height && is_fresh(x, y);
+    }
+
+    // The pixels around a vertex that are of the region, as bits.
+    [[nodiscard]] unsigned inside_around(int x, int y) const noexcept
+    {
+        if (x <= 0 || y <= 0 || x >= _width || y >= _height)
+            return upper_left * contains(x - 1, y - 1) + upper_right * contains(x, y - 1) +
+                   lower_left * contains(x - 1, y) + lower_right * contains(x, y);
+        const Pixel* const upper = &_left[index(x - 1, y - 1)];
+        const Pixel* const lower = upper + _width;
+        return upper_left * is_same(upper[0], _own) + upper_right * is_same(upper[1], _own) +
+               lower_left * is_same(lower[0], _own) + lower_right * is_same(lower[1], _own);
     }
 
     // Marks the whole region, run by run; its number of pixels.
@@ -145,25 +175,16 @@ private:
     {
         std::string chain;
         chain.reserve(usual_steps);
-        pos2i vertex = start;
+        int x = start.x();
+        int y = start.y();
         int step = down_step;
         do {
             chain += static_cast<char>('0' + step);
-            vertex = vertex + steps[step];
-            step = next_step(vertex, step);
-        } while (!(vertex == start));
+            x += steps[step].x();
+            y += steps[step].y();
+            step = next_step[step][inside_around(x, y)];
+        } while (x != start.x() || y != start.y());
         return chain;
-    }
-
-    // The left turn comes first: where two pixels touch only at this corner, the
-    // walk stays with the one it came along.
-    [[nodiscard]] int next_step(pos2i vertex, int step) const noexcept
-    {
-        if (!contains(vertex + ahead_left[step]))
-            return (step + 1) % 4;
-        if (!contains(vertex + ahead_right[step]))
-            return step;
-        return (step + 3) % 4;
     }
 
     Pixel _own = 0;    // of the region that is walked
