@@ -43,6 +43,8 @@ void ORVBrowser::go_to_step(std::size_t done)
         last = m_work.undo();
     while (m_work.history().position() < done && can_redo())
         last = m_work.redo();
+    if (last && m_roidb)    // any of them may have changed the bounds
+        take_time_bounds();
     show_step(last);
 }
 

@@ -289,9 +289,11 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
         setLineageMode(false);
     } else if (m_remove_lineage_mode) {
         const EditScope edit(*this, "Unlink", unit);
-        const bool had_parents = !parents(unit).empty();
+        const set<string> before = parents(unit);
         release_parents(unit);
-        if (had_parents)
+        for (const string& parent : before)
+            note_edited(parent);
+        if (!before.empty())
             note_edited(unit);
         setRemoveLineageMode(false);
     } else {

@@ -199,7 +199,7 @@ void CanvasMarks::paint_tails(QPainter& painter)
 void CanvasMarks::paint_scale_bar(QPainter& painter)
 {
     const QRect canvas = _window.frame_canvas->rect();
-    const scale_bar bar = bar_for(_view.view().scale(), canvas.width() / 4);
+    const scale_bar bar = bar_for(_view.view().scale(), _window.info().scale.pixel_um, canvas.width() / 4);
     const QString text = tr("%1 µm").arg(bar.length_um);
     const QRect back(canvas.right() - bar.pixels - 24, canvas.bottom() - 34, bar.pixels + 16, 26);
     painter.fillRect(back, dark);

@@ -2,11 +2,9 @@
 
 #include <cmath>
 
-double pixel_um() { return 0.105; }
-
-scale_bar bar_for(double scale, int longest)
+scale_bar bar_for(double scale, double pixel_um, int longest)
 {
-    const double screen_per_um = scale / pixel_um();
+    const double screen_per_um = scale / pixel_um;
     const double most = longest / screen_per_um;
     const double power = std::pow(10, std::floor(std::log10(most)));
     const double length = most >= 5 * power ? 5 * power : most >= 2 * power ? 2 * power : power;

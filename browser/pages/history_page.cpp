@@ -8,14 +8,20 @@
 
 namespace {
 
-// "37 edits of 21 Nov 14:32", in the person's time zone.
-QString edits_of(const kept_work::offer& offer)
+// "21 Nov 14:32", in the person's time zone.
+QString local_time(const kept_work::offer& offer)
 {
     const QDateTime time =
         QDateTime::fromString(QString::fromStdString(offer.time), Qt::ISODate).toLocalTime();
-    return HistoryPage::tr("%n edit(s) of %1", nullptr, static_cast<int>(offer.edits))
-        .replace("edit(s)", offer.edits == 1 ? "edit" : "edits")
-        .arg(QLocale::c().toString(time, "d MMM HH:mm"));
+    return QLocale::c().toString(time, "d MMM HH:mm");
+}
+
+QString entry_of(const kept_work::offer& offer)
+{
+    const QString count = offer.edits == 0   ? HistoryPage::tr("Saved work")
+                          : offer.edits == 1 ? HistoryPage::tr("1 edit")
+                                             : HistoryPage::tr("%1 edits").arg(offer.edits);
+    return HistoryPage::tr("%1 of %2").arg(count, local_time(offer));
 }
 
 }    // namespace
@@ -136,9 +142,12 @@ void HistoryPage::offers_changed()
 {
     update_soon();
     if (_window.work().offers().empty())
-        return;
-    const QString edits = edits_of(_window.work().offers().front());
-    say(tr("%1 were not saved: Take up, on the page History").arg(edits));
+        return say({});
+    const kept_work::offer& newest = _window.work().offers().front();
+    const QString work = newest.edits == 0   ? tr("Saved work of %1 can be taken up with its undo")
+                         : newest.edits == 1 ? tr("1 edit of %1 was not saved")
+                                             : tr("%2 edits of %1 were not saved").arg(newest.edits);
+    say(tr("%1: Take up, on the page History").arg(work.arg(local_time(newest))));
 }
 
 void HistoryPage::work_saved()
@@ -159,7 +168,7 @@ void HistoryPage::choose_offer()
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (std::size_t i = 0; i < offers.size(); ++i)
-        menu->addAction(edits_of(offers[i]), this, [this, i] { take_up_offer(i); });
+        menu->addAction(entry_of(offers[i]), this, [this, i] { take_up_offer(i); });
     menu->popup(take_up->mapToGlobal(QPoint(0, take_up->height())));
 }
 

@@ -1,9 +1,9 @@
-// making_dialog.h - what is asked before units or links are made again, and the sizes of the recording.
+// making_dialog.h - what is asked before units or links are made again.
 #pragma once
 #include "making.h"
-#include "orvbrowser.h"
 
-#include <QStringList>
+#include <QString>
+#include <QWidget>
 
 #include <optional>
 
@@ -19,6 +19,3 @@ struct making_counts {
 [[nodiscard]] std::optional<spared> ask_what_to_spare(QWidget* parent, const QString& caption,
                                                       const QString& what, const QString& only,
                                                       const making_counts& counts);
-
-// Lets a person change the sizes and focal planes of the recording; a step when anything was changed.
-void edit_scale(ORVBrowser& window);

@@ -32,8 +32,10 @@ std::string follow_links(const std::string& filename)
     std::string path = filename;    // of a file that is not there yet
     for (int i = 0; i < most_links; ++i) {
         const ssize_t n = ::readlink(path.c_str(), text, sizeof text);
-        if (n < 0)
-            return path;
+        if (n < 0)    // its folder may be reached through links all the same
+            return ::realpath(folder_of(path).c_str(), text)
+                       ? std::string(text) + '/' + path.substr(path.rfind('/') + 1)
+                       : path;
         const std::string to(text, static_cast<std::size_t>(n));
         path = to.starts_with('/') ? to : folder_of(path) + to;
     }

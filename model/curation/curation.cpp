@@ -158,6 +158,8 @@ lineage curation::current_lineage() const
         if (is_unit(head))
             units.elite.insert(units.elite.end(), head);
     put_notes(m_unit_notes, units);
+    const auto is_gone = [this](const string& key) { return !key.empty() && !m_roidb->db.contains(key); };
+    std::erase_if(units.dismissed, [&](const dismissal& d) { return is_gone(d.head) || is_gone(d.other); });
     return units;
 }
 
@@ -220,9 +222,30 @@ void curation::drop_false_positives()
     if (!m_roidb)
         return;
     const EditScope step(*this, "Drop FP");
+    const set<string> survivors = one_that_stays_of_each_changed_unit();
     for (const string& key : m_removed_roi_set)
         remove_roi(key);
     forget_missing_members();
+    for (const string& key : survivors)
+        note_edited(head(key));
+}
+
+// Of the units that lose ROIs as false positives, and have others.
+std::set<std::string> curation::one_that_stays_of_each_changed_unit()
+{
+    set<string> changed;
+    for (const string& key : m_removed_roi_set)
+        if (const string unit = head(key); m_roidb->db.contains(key) && m_head_members.contains(unit))
+            changed.insert(unit);
+    set<string> survivors;
+    for (const string& unit : changed) {
+        const auto [first, last] = m_head_members.equal_range(unit);
+        const auto stays = std::find_if(
+            first, last, [this](const auto& entry) { return !m_removed_roi_set.contains(entry.second); });
+        if (stays != last)
+            survivors.insert(stays->second);
+    }
+    return survivors;
 }
 
 // What the file brings may lie outside the bounds of before, or end earlier.

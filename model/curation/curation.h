@@ -245,6 +245,7 @@ private:
 
     // ---- Undo (undone.cpp)
     void take_over(restored_state state);
+    void take_time_bounds_of_rois();
     void forget_what_is_gone();    // what was picked of units that an undone step has taken away
 
     // ---- Tracking
@@ -269,20 +270,29 @@ private:
     void forget_lineage();
     void forget_unit(const string& unit);
     void register_unit(const string& unit, const set<string>& members);
-    using key_groups = std::vector<set<string>>;
+    struct key_group {
+        string named;    // the ROI that names the unit
+        set<string> members;
+    };
+    using key_groups = std::vector<key_group>;
     [[nodiscard]] bool is_spared(const string& key, spared spares);
     [[nodiscard]] bool may_be_grouped(const string& key, spared spares);
     [[nodiscard]] set<string> units_to_make_anew(int t, spared spares);
     [[nodiscard]] std::optional<key_groups> groups_at(int t, const making& how);
     [[nodiscard]] std::optional<key_groups> groups_by_nearest(int t, const making& how);
     [[nodiscard]] std::optional<key_groups> groups_by_overlap(int t, const making& how);
-    void dissolve(const string& unit);
+    [[nodiscard]] std::vector<roi> free_rois_in_order_of_planes(int t, spared spares);
+    void dissolve(const set<string>& units, int t);
     [[nodiscard]] set<std::pair<string, string>> links_by_overlap(int t);    // child, parent
-    [[nodiscard]] bool is_spared(const std::pair<const string, string>& link, spared spares);
+    [[nodiscard]] bool is_kept(const std::pair<const string, string>& link, spared spares);
+    [[nodiscard]] bool may_be_entered(const std::pair<const string, string>& link, spared spares);
     void enter_links(int t, const set<std::pair<string, string>>& links, spared spares);
     void leave_unit(const string& key);
     void forget_missing_members();
+    [[nodiscard]] set<string> one_that_stays_of_each_changed_unit();
     void rename_unit(const string& from, const string& to);
+    [[nodiscard]] std::vector<string> notes_about(const string& unit) const;
+    [[nodiscard]] bool is_called(const string& unit) const;
     [[nodiscard]] std::pair<link_cursor, link_cursor> links_into(int t) const;
     [[nodiscard]] set<string> parents_into(int t) const;
     [[nodiscard]] unit_links links_of(const string& unit, int t);
@@ -338,7 +348,8 @@ private:
     [[nodiscard]] edit_step* noted();    // what the open step takes down; null between steps
     void end_step();
     void hand_over(open_step& ended);
-    void end_step_so_far();    // what is still edited by its scopes becomes a step of its own
+    void keep_step_so_far();    // by whoever wants to
+    void end_step_so_far();     // what is still edited by its scopes becomes a step of its own
     [[nodiscard]] set<string>& marks_of(change_kind kind);
     [[nodiscard]] std::optional<change_kind> kind_of(const set<string>& keys) const;
     [[nodiscard]] curation_tables tables();
@@ -371,11 +382,13 @@ private:
     using link_set = std::set<std::pair<std::string, std::string>>;    // child, parent
     [[nodiscard]] std::optional<link_set> find(int t);
     [[nodiscard]] std::optional<link_set> find_by_nearest(int t);
-    void collect(int t, std::vector<std::string>& heads, std::vector<unit_rasters>& rasters);
+    [[nodiscard]] kept_links kept(int t, const std::vector<std::string>& heads) const;
+    [[nodiscard]] std::vector<std::string> units_at(int t) const;
+    [[nodiscard]] std::vector<unit_rasters> rasters_of(const std::vector<std::string>& units) const;
 
     curation& _model;
+    unsigned long _recording;
     making _how;
-    LongRun _run;    // keeps the rasters of the time point before
     unit_linker _linker;
     std::vector<std::string> _before;    // the heads of the time point before
     bool _has_begun = false;

@@ -14,6 +14,9 @@ public:
     // ROIs, units, links or marks have changed: called after each single change, so it must be quick.
     virtual void state_changed() {}
 
+    // The open step has come to a state that could be kept, and goes on. Called often, so it must be quick.
+    virtual void step_goes_on(const edit_step&) {}
+
     // A step has changed something and is complete. Who keeps it takes it.
     virtual void step_ended(edit_step&) {}
 

@@ -74,7 +74,8 @@ edit_step::edit_step(std::string title, std::string changes)
     for (std::size_t line = 0; line < _changes.size(); line = _changes.find('\n', line) + 1) {
         const std::string_view kind(&_changes[line + 1], _changes.find(' ', line) - line - 1);
         const auto row = std::ranges::find(kinds, kind, &kind_row::name);
-        _files |= row == std::end(kinds) ? 0 : 1U << static_cast<int>(row->file);
+        if (row != std::end(kinds))
+            concern(static_cast<change_kind>(row - std::begin(kinds)));
         _added += _changes[line] == '+';
         _removed += _changes[line] == '-';
     }
@@ -84,9 +85,16 @@ void edit_step::begin(char sign, change_kind kind)
 {
     _changes += sign;
     _changes += name_of(kind);
-    _files |= 1U << static_cast<int>(file_of(kind));
+    concern(kind);
     _added += sign == '+';
     _removed += sign == '-';
+}
+
+// The chosen nucleus is a place, nothing that could be saved.
+void edit_step::concern(change_kind kind)
+{
+    if (kind != change_kind::chosen)
+        _files |= 1U << static_cast<int>(file_of(kind));
 }
 
 void edit_step::word(std::string_view text)

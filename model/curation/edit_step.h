@@ -88,6 +88,7 @@ public:
 
 private:
     void begin(char sign, change_kind kind);
+    void concern(change_kind kind);
     void word(std::string_view text);
     void number(int value);
     void end() { _changes += '\n'; }

@@ -205,6 +205,16 @@ void curation::end_step()
     hand_over(*ended);
 }
 
+void curation::keep_step_so_far()
+{
+    if (!m_open_step || m_open_step->step.is_empty())
+        return;
+    const std::shared_ptr<open_step> open = m_open_step;
+    const std::shared_ptr<observer_list> observers = m_observers;
+    for (std::size_t i = 0; i < observers->size(); ++i)
+        (*observers)[i]->step_goes_on(open->step);
+}
+
 void curation::end_step_so_far()
 {
     if (!m_open_step)

@@ -43,8 +43,8 @@ double median(std::vector<double> values)
 class step {
 public:
     step(const std::vector<body>& before, const std::vector<body>& now, const linking_rule& rule,
-         const std::function<bool()>& carry_on)
-        : _before(before), _now(now), _rule(rule), _carry_on(carry_on)
+         const kept_links& kept, const std::function<bool()>& carry_on)
+        : _before(before), _now(now), _rule(rule), _kept(kept), _carry_on(carry_on)
     {
     }
 
@@ -60,9 +60,12 @@ public:
         }
         if (!add_divisions())
             return std::nullopt;
+        std::vector<bool> is_kept(_now.size());
+        for (const unit_link& l : _kept.links)
+            is_kept[l.child] = true;
         std::vector<unit_link> links;
         for (std::size_t c = 0; c < _now.size(); ++c)
-            if (_parent[c] != none)
+            if (_parent[c] != none && !is_kept[c])
                 links.push_back({c, _parent[c]});
         return links;
     }
@@ -95,7 +98,7 @@ private:
                               [&](std::size_t p, std::size_t c) {
                                   const double apart = (_before[p].centre + _shift - _now[c].centre).size();
                                   const double distance = apart / (_before[p].radius + _now[c].radius);
-                                  if (distance <= reach)
+                                  if (distance <= reach && _kept.may_be_linked(p, c))
                                       pairs.push_back({distance, p, c});
                               });
         if (!done)
@@ -111,7 +114,11 @@ private:
             return false;
         _parent.assign(_now.size(), none);
         _child.assign(_before.size(), none);
-        _links = 0;
+        for (const unit_link& l : _kept.links) {
+            _parent[l.child] = l.parent;
+            _child[l.parent] = l.child;
+        }
+        _links = _kept.links.size();
         for (const near_pair& pair : *pairs)
             if (_child[pair.parent] == none && _parent[pair.child] == none) {
                 _child[pair.parent] = pair.child;
@@ -174,16 +181,29 @@ private:
             const auto last = std::find_if(
                 first, pairs->end(), [&](const near_pair& pair) { return pair.parent != first->parent; });
             consider_divisions({first, last}, found);
+            if (_carry_on && !_carry_on())
+                return false;
             first = last;
         }
         std::ranges::sort(found);
-        std::vector<bool> has_divided(_before.size());
+        std::vector<bool> has_divided = divided_already();
         for (const division& d : found)
             if (!has_divided[d.mother] && are_still_free(d)) {
                 has_divided[d.mother] = true;
                 _parent[d.one] = _parent[d.other] = d.mother;
             }
         return true;
+    }
+
+    [[nodiscard]] std::vector<bool> divided_already() const
+    {
+        std::vector<bool> has_divided(_before.size());
+        std::vector<bool> has_child(_before.size());
+        for (const unit_link& l : _kept.links) {
+            has_divided[l.parent] = has_child[l.parent];
+            has_child[l.parent] = true;
+        }
+        return has_divided;
     }
 
     // No mother before them has taken one of the daughters.
@@ -196,6 +216,7 @@ private:
     const std::vector<body>& _before;
     const std::vector<body>& _now;
     const linking_rule& _rule;
+    const kept_links& _kept;
     const std::function<bool()>& _carry_on;
     pos3d _shift;                        // of the whole sample
     std::vector<std::size_t> _parent;    // of each unit now
@@ -218,6 +239,12 @@ indexed_box box_of(const body& unit, std::size_t index)
         box.back = std::max<double>(box.back, r->z());
     }
     return box;
+}
+
+unit_rasters in_order_of_planes(unit_rasters rois)
+{
+    std::ranges::stable_sort(rois, {}, [](const roi_mask* r) { return r->z(); });
+    return rois;
 }
 
 long long pixels_of(const body& unit)
@@ -268,8 +295,7 @@ std::vector<body> unit_linker::bodies(const std::vector<unit_rasters>& units) co
     all.reserve(units.size());
     for (const unit_rasters& rois : units) {
         body& unit = all.emplace_back();
-        unit.rois = rois;
-        std::ranges::stable_sort(unit.rois, {}, [](const roi_mask* r) { return r->z(); });
+        unit.rois = in_order_of_planes(rois);
         pos3d sum;
         for (const roi_mask* const r : rois)
             if (r->size() > 0)
@@ -285,18 +311,23 @@ std::vector<body> unit_linker::bodies(const std::vector<unit_rasters>& units) co
 }
 
 std::vector<unit_link> unit_linker::link(const std::vector<unit_rasters>& units,
-                                         const std::function<bool()>& carry_on)
+                                         const std::function<bool()>& carry_on, const kept_links& kept)
 {
     std::vector<body> now = bodies(units);
-    auto links = step(_before, now, _rule, carry_on).run();
-    if (!links || !go_on(std::move(now), *links, carry_on))
+    auto links = step(_before, now, _rule, kept, carry_on).run();
+    if (!links)
+        return {};
+    std::vector<unit_link> all = *links;
+    all.insert(all.end(), kept.links.begin(), kept.links.end());
+    if (!go_on(std::move(now), all, carry_on))
         return {};
     return std::move(*links);
 }
 
-void unit_linker::follow(const std::vector<unit_rasters>& units, std::span<const unit_link> links)
+void unit_linker::give_again(const std::vector<unit_rasters>& units)
 {
-    static_cast<void>(go_on(bodies(units), links, {}));    // nothing ends it
+    for (std::size_t i = 0; i < _before.size(); ++i)
+        _before[i].rois = in_order_of_planes(units[i]);
 }
 
 // Makes `now` the units given before.

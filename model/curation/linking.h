@@ -39,24 +39,36 @@ struct unit_link {
     bool operator==(const unit_link&) const = default;
 };
 
+// What linking leaves as it is: these links, and that there are no others between two units that are both
+// fixed. A child of a kept link gets no other parent; a parent of one may yet divide.
+struct kept_links {
+    std::vector<unit_link> links = {};
+    std::vector<bool> fixed_parents = {};    // of the units before; empty: none
+    std::vector<bool> fixed_children = {};
+
+    [[nodiscard]] bool may_be_linked(std::size_t parent, std::size_t child) const
+    {
+        return fixed_parents.empty() || !fixed_parents[parent] || !fixed_children[child];
+    }
+};
+
 // The mapped rasters of a unit. Units come in the order of their heads: of two as near, the first is taken.
 using unit_rasters = std::vector<const roi_mask*>;
 
-// Is given the units of one time point after the other; the first may be any. A recording can be taken up in
-// its middle: follow() some time points with the links that they have, then link().
+// Is given the units of one time point after the other; the first may be any.
 class unit_linker {
 public:
     explicit unit_linker(physical_scale scale = {}, linking_rule rule = {}) : _scale(scale), _rule(rule) {}
 
-    // The links of these units to those given before, in ascending order. None, and the linker is still where
-    // it was, once carry_on answers no; it is asked at every few comparisons.
-    // REQUIRES: the rasters of the units given before are still there.
+    // The links of these units to those given before that come to those kept, in ascending order. None, and
+    // the linker is still where it was, once carry_on answers no; it is asked at every few comparisons.
+    // REQUIRES: the rasters of the units given before are still there, or were given again.
     [[nodiscard]] std::vector<unit_link> link(const std::vector<unit_rasters>& units,
-                                              const std::function<bool()>& carry_on = {});
+                                              const std::function<bool()>& carry_on = {},
+                                              const kept_links& kept = {});
 
-    // The same for units that are linked already.
-    // REQUIRES: the indices in `links` are those of these units and of the ones given before.
-    void follow(const std::vector<unit_rasters>& units, std::span<const unit_link> links);
+    // The rasters of the units given last, which may have been freed since.
+    void give_again(const std::vector<unit_rasters>& units);
 
     // What is compared of a unit.
     struct body {

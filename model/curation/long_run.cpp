@@ -33,7 +33,7 @@ bool LongRun::process_events()
 {
     if (!alive())
         return false;
-    (void)_state->model->carry_on();
+    (void)let_others_go_on();
     return alive();
 }
 
@@ -45,10 +45,17 @@ bool LongRun::poll_events(int steps)
         _state->steps_to_skip -= steps;
         return true;
     }
-    const bool was_quiet = !_state->model->carry_on();
+    const bool was_quiet = !let_others_go_on();
     _state->steps_between_looks = was_quiet ? std::min(2 * _state->steps_between_looks + 1, most_skipped) : 0;
     _state->steps_to_skip = _state->steps_between_looks;
     return alive();
+}
+
+// What was done so far can be kept first: whatever goes on now finds a state that could be left as it is.
+bool LongRun::let_others_go_on()
+{
+    _state->model->keep_step_so_far();
+    return _state->model->carry_on();
 }
 
 void LongRun::checkpoint()

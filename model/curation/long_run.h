@@ -33,6 +33,8 @@ public:
     void checkpoint();
 
 private:
+    bool let_others_go_on();    // true iff anything did
+
     std::shared_ptr<run_state> _state;
     unsigned long _recording;
 };

@@ -8,12 +8,6 @@
 
 #include <algorithm>
 
-namespace {
-
-using key_set = std::set<std::string>;
-
-}    // namespace
-
 bool curation::is_touched(const string& unit)
 {
     return isElite(unit) || m_unit_notes.contains("EDITED " + unit);
@@ -55,10 +49,8 @@ void curation::make_units(int t, const making& how)
     const std::optional<key_groups> groups = groups_at(t, how);
     if (!groups)
         return;
-    for (const string& unit : units_to_make_anew(t, how.spares))
-        dissolve(unit);
-    for (set<string> members : *groups) {
-        const string named = *members.begin();
+    dissolve(units_to_make_anew(t, how.spares), t);
+    for (auto [named, members] : *groups) {
         std::erase_if(members, [&](const string& key) {    // a handler may have taken it
             return m_members_head.contains(key) || !m_roidb->db.contains(key);
         });
@@ -82,8 +74,7 @@ std::set<std::string> curation::units_to_make_anew(int t, spared spares)
     return found;
 }
 
-// The ROIs that belong together, each group named by its first; nothing when the recording was closed
-// meanwhile.
+// The ROIs that belong together; nothing when the recording was closed meanwhile.
 std::optional<curation::key_groups> curation::groups_at(int t, const making& how)
 {
     return how.rule == unit_rule::nearest ? groups_by_nearest(t, how) : groups_by_overlap(t, how);
@@ -106,9 +97,11 @@ std::optional<curation::key_groups> curation::groups_by_nearest(int t, const mak
         return std::nullopt;
     key_groups groups;
     for (const roi_group& group : found) {
-        set<string>& members = groups.emplace_back();
+        set<string> members;
         for (const std::size_t i : group)
             members.insert(keys[i]);
+        const string named = *members.begin();
+        groups.push_back({named, std::move(members)});
     }
     return groups;
 }
@@ -118,43 +111,61 @@ std::optional<curation::key_groups> curation::groups_by_nearest(int t, const mak
 std::optional<curation::key_groups> curation::groups_by_overlap(int t, const making& how)
 {
     LongRun run(*this);
-    std::vector<roi> free;
-    const auto [first, last] = at_time_point(m_roidb->db, t);
-    for (auto entry = first; entry != last; ++entry)
-        if (may_be_grouped(entry->first, how.spares))
-            free.push_back(entry->second);
     key_groups groups;
     set<string> taken;
-    for (const roi& r : free) {
+    for (const roi& r : free_rois_in_order_of_planes(t, how.spares)) {
         const string key = keygen(r);
-        if (!taken.insert(key).second)
+        if (taken.contains(key))
             continue;
-        set<string> members{key};
+        set<string> members;
         flood(r, t, r.z(), 0.0, how.share, [&](const string& reached) {
-            const bool is_new =
-                reached == key || (may_be_grouped(reached, how.spares) && taken.insert(reached).second);
-            return is_new && (members.insert(reached).second || (reached == key && members.size() == 1));
+            return may_be_grouped(reached, how.spares) && !taken.contains(reached) &&
+                   members.insert(reached).second;
         });
         if (!run.alive())
             return std::nullopt;
-        groups.push_back(std::move(members));
+        members.insert(key);    // without a pixel it is not reached
+        taken.insert(members.begin(), members.end());
+        groups.push_back({key, std::move(members)});
     }
     return groups;
 }
 
-// Its ROIs are in no unit then, and its links gone.
-void curation::dissolve(const string& unit)
+// Plane by plane, on each as the index has them.
+std::vector<roi> curation::free_rois_in_order_of_planes(int t, spared spares)
 {
-    release_links(unit, {parents(unit), children(unit)});
-    forget_unit(unit);
-    set_mark(change_kind::elite, unit, false);
-    rename_unit(unit, "");
+    std::vector<roi> free;
+    const auto [first, last] = at_time_point(m_roidb->tz_xy_db, t);
+    for (auto entry = first; entry != last; ++entry) {
+        const pos4i plane = decode(entry->first);
+        const auto found =
+            m_roidb->db.find(keygen(pos4i(entry->second.x(), entry->second.y(), plane.z(), plane.t())));
+        if (found != m_roidb->db.end() && may_be_grouped(found->first, spares))
+            free.push_back(found->second);
+    }
+    return free;
+}
+
+// Their ROIs are in no unit then, and their links gone. REQUIRES: units of time point t
+void curation::dissolve(const set<string>& units, int t)
+{
+    if (units.empty())
+        return;
+    for (const int into : {t, t + 1})
+        for (auto [entry, last] = links_into(into); entry != last;)
+            if (const auto link = entry++; units.contains(into == t ? link->first : link->second))
+                remove_link(link);
+    for (const string& unit : units) {
+        forget_unit(unit);
+        set_mark(change_kind::elite, unit, false);
+        rename_unit(unit, "");
+    }
 }
 
 // ---- Links
 
 link_making::link_making(curation& model, const making& how)
-    : _model(model), _how(how), _run(model), _linker(model.info().scale)
+    : _model(model), _recording(model.recording()), _how(how), _linker(model.info().scale)
 {
 }
 
@@ -175,47 +186,82 @@ std::optional<std::size_t> link_making::count(int t)
     std::size_t kept = 0;
     std::set<std::string> linked;
     for (auto [entry, last] = _model.links_into(t); entry != last; ++entry)
-        if (_model.is_spared(*entry, _how.spares)) {
+        if (_model.is_kept(*entry, _how.spares)) {
             ++kept;
             linked.insert(entry->first);
         }
-    return kept + static_cast<std::size_t>(std::ranges::count_if(
-                      *links, [&](const auto& link) { return !linked.contains(link.first); }));
+    return kept + static_cast<std::size_t>(std::ranges::count_if(*links, [&](const auto& link) {
+               return !linked.contains(link.first) && _model.may_be_entered(link, _how.spares);
+           }));
+}
+
+// The links into time point t that stay, by the numbers of their units.
+kept_links link_making::kept(int t, const std::vector<std::string>& heads) const
+{
+    const auto number_in = [](const std::vector<std::string>& units, const std::string& unit) {
+        const auto found = std::ranges::lower_bound(units, unit);
+        return found != units.end() && *found == unit
+                   ? std::optional(static_cast<std::size_t>(found - units.begin()))
+                   : std::nullopt;
+    };
+    kept_links stay;
+    for (auto [entry, last] = _model.links_into(t); entry != last; ++entry) {
+        const auto child = number_in(heads, entry->first);
+        const auto parent = number_in(_before, entry->second);
+        if (child && parent && _model.is_kept(*entry, _how.spares))
+            stay.links.push_back({*child, *parent});
+    }
+    if (_how.spares == spared::touched) {
+        const auto is_touched = [this](const std::string& unit) { return _model.is_touched(unit); };
+        std::ranges::transform(_before, std::back_inserter(stay.fixed_parents), is_touched);
+        std::ranges::transform(heads, std::back_inserter(stay.fixed_children), is_touched);
+    }
+    return stay;
 }
 
 // Nothing when the recording was closed meanwhile.
 std::optional<link_making::link_set> link_making::find(int t)
 {
-    if (!_run.alive())
+    if (_model.recording() != _recording || !_model.has_rois())
         return std::nullopt;
     return _how.rule == unit_rule::overlap ? _model.links_by_overlap(t) : find_by_nearest(t);
 }
 
-// The units of a time point by their rasters, in the order of their heads.
-void link_making::collect(int t, std::vector<std::string>& heads, std::vector<unit_rasters>& rasters)
+// In the order of their heads.
+std::vector<std::string> link_making::units_at(int t) const
 {
-    for (const std::string& unit : _model.units(t)) {
-        heads.push_back(unit);
+    const std::set<std::string> units = _model.units(t);
+    return {units.begin(), units.end()};
+}
+
+std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>& units) const
+{
+    std::vector<unit_rasters> rasters;
+    rasters.reserve(units.size());
+    for (const std::string& unit : units) {
         unit_rasters& of_unit = rasters.emplace_back();
-        for (const std::string& key : _model.member(unit))
-            if (const auto r = _model.m_roidb->db.find(key); r != _model.m_roidb->db.end())
+        const auto [first, last] = _model.m_head_members.equal_range(unit);
+        for (auto entry = first; entry != last; ++entry)
+            if (const auto r = _model.m_roidb->db.find(entry->second); r != _model.m_roidb->db.end())
                 of_unit.push_back(_model.m_q_roiimgdb->qrimg(r->second));
     }
+    return rasters;
 }
 
 std::optional<link_making::link_set> link_making::find_by_nearest(int t)
 {
-    std::vector<std::string> heads;
-    std::vector<unit_rasters> rasters;
-    if (!_has_begun) {    // the time point before the first, which has its links
-        collect(t - 1, _before, rasters);
-        (void)_linker.link(rasters);
-        rasters.clear();
+    LongRun run(_model);    // keeps the rasters of both time points
+    if (!_has_begun) {
+        _before = units_at(t - 1);
+        (void)_linker.link(rasters_of(_before));
         _has_begun = true;
+    } else {
+        _linker.give_again(rasters_of(_before));
     }
-    collect(t, heads, rasters);
-    const auto found = _linker.link(rasters, [this] { return _run.poll_events(); });
-    if (!_run.alive())
+    std::vector<std::string> heads = units_at(t);
+    const auto found = _linker.link(
+        rasters_of(heads), [&run] { return run.poll_events(); }, kept(t, heads));
+    if (!run.alive())
         return std::nullopt;
     link_set links;
     for (const unit_link& link : found)
@@ -224,10 +270,17 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
     return links;
 }
 
-bool curation::is_spared(const std::pair<const string, string>& link, spared spares)
+// Whether making leaves a link (child, parent) that there is.
+bool curation::is_kept(const std::pair<const string, string>& link, spared spares)
 {
     return spares == spared::what_is ||
            (spares == spared::touched && is_touched(link.first) && is_touched(link.second));
+}
+
+// Between two units that a person has made or changed stays what is there, also when that is no link.
+bool curation::may_be_entered(const std::pair<const string, string>& link, spared spares)
+{
+    return spares != spared::touched || !is_touched(link.first) || !is_touched(link.second);
 }
 
 // A child that keeps a link to a parent is not linked to others; nor is one whose unit has gone meanwhile.
@@ -235,10 +288,7 @@ void curation::enter_links(int t, const set<std::pair<string, string>>& links, s
 {
     for (auto [entry, last] = links_into(t); entry != last;) {
         const auto next = std::next(entry);
-        const bool is_kept =
-            spares == spared::what_is ||
-            (spares == spared::touched && is_touched(entry->first) && is_touched(entry->second));
-        if (!is_kept)
+        if (!is_kept(*entry, spares))
             remove_link(entry);
         entry = next;
     }
@@ -247,6 +297,7 @@ void curation::enter_links(int t, const set<std::pair<string, string>>& links, s
     for (auto entry = first; entry != last; ++entry)
         linked.insert(entry->first);
     for (const auto& [child, parent] : links)
-        if (!linked.contains(child) && m_head_members.contains(child) && m_head_members.contains(parent))
+        if (!linked.contains(child) && m_head_members.contains(child) && m_head_members.contains(parent) &&
+            may_be_entered({child, parent}, spares))
             enter_link(child, parent);
 }

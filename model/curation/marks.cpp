@@ -58,15 +58,38 @@ void curation::rename_unit(const string& from, const string& to)
         return;
     if (m_lineage_mode_roi_set.erase(from) > 0 && !to.empty())
         m_lineage_mode_roi_set.insert(to);
-    std::vector<string> about;
-    for (const string& note : m_unit_notes)
-        if (note.find(from) != string::npos)
-            about.push_back(note);
-    for (const string& note : about) {
+    for (const string& note : notes_about(from)) {
         remove_note(note);
-        if (const string changed = about_another(note, from, to); !changed.empty())
+        const string changed = about_another(note, from, to);
+        if (!changed.empty() && !(changed.starts_with("CALLED ") && is_called(to)))
             add_note(changed);
     }
+}
+
+// Notes of one unit begin with their kind and its head; those of two may name it in any place.
+std::vector<std::string> curation::notes_about(const string& unit) const
+{
+    std::vector<string> about;
+    for (const char* kind : {"CALLED ", "EDITED ", "REVIEWED "}) {
+        const string begin = kind + unit;
+        for (auto note = m_unit_notes.lower_bound(begin);
+             note != m_unit_notes.end() && note->starts_with(begin); ++note)
+            about.push_back(*note);
+    }
+    for (const char* kind : {"DISMISSED ", "GAP "})
+        for (auto note = m_unit_notes.lower_bound(kind);
+             note != m_unit_notes.end() && note->starts_with(kind); ++note)
+            if (note->find(unit) != string::npos)
+                about.push_back(*note);
+    return about;
+}
+
+// A nucleus has one name: where two become one, the first of them keeps its own.
+bool curation::is_called(const string& unit) const
+{
+    const string begin = "CALLED " + unit + ' ';
+    const auto found = m_unit_notes.lower_bound(begin);
+    return found != m_unit_notes.end() && found->starts_with(begin);
 }
 
 void curation::note_edited(const string& unit)

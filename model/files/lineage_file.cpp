@@ -69,7 +69,8 @@ private:
 // nothing.
 class lineage_builder {
 public:
-    lineage_builder(std::string dataset, const roidb& rois) : _dataset(std::move(dataset)), _rois(&rois) {}
+    // Null: what names ROIs is taken at its word.
+    lineage_builder(std::string dataset, const roidb* rois) : _dataset(std::move(dataset)), _rois(rois) {}
 
     [[nodiscard]] const char* take(const std::vector<std::string_view>& words)
     {
@@ -133,18 +134,24 @@ private:
     {
         if (!is_roi_key(head) || !is_roi_key(member))
             return "no such ROI";
-        roi_table& rois = rois_beside(member);
-        const auto roi = rois.find(member);
-        if (roi == rois.end())
-            return "no such ROI";
         if (head.compare(0, time_point_field, member, 0, time_point_field) != 0)
-            return "a unit of two time points";
-        if (std::exchange(roi->second, true))
-            return "an ROI in two units";
+            return is_roi(member) ? "a unit of two time points" : "no such ROI";
+        if (const char* const fault = _rois ? take_roi(member) : nullptr)
+            return fault;
         if (head == member)
             _named.insert(_named.end(), head);
         _lineage.head_members.emplace_hint(_lineage.head_members.end(), std::move(head), std::move(member));
         return nullptr;
+    }
+
+    // Each is in one unit.
+    const char* take_roi(const std::string& key)
+    {
+        roi_table& rois = rois_beside(key);
+        const auto roi = rois.find(key);
+        if (roi == rois.end())
+            return "no such ROI";
+        return std::exchange(roi->second, true) ? "an ROI in two units" : nullptr;
     }
 
     const char* take_link(std::string child, std::string parent)
@@ -224,7 +231,7 @@ private:
     }
 
     [[nodiscard]] bool is_unit(const std::string& head) const { return _lineage.head_members.contains(head); }
-    [[nodiscard]] bool is_roi(const std::string& key) const { return _rois->db.contains(key); }
+    [[nodiscard]] bool is_roi(const std::string& key) const { return !_rois || _rois->db.contains(key); }
 
     std::string _dataset;
     bool _is_named = false;
@@ -287,8 +294,10 @@ bool is_unit_name(const std::string& name) noexcept
            std::none_of(name.begin(), name.end(), is_control);
 }
 
-std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,
-                                    const roidb& rois)
+namespace {
+
+std::optional<lineage> read_checked(const std::string& filename, const std::string& dataset,
+                                    const roidb* rois)
 {
     line_reader lines(filename);
     if (!lines.is_open()) {
@@ -309,6 +318,19 @@ std::optional<lineage> read_lineage(const std::string& filename, const std::stri
         return std::move(builder.result());
     error_line(filename, ":", lines.number(), ": ", fault);
     return std::nullopt;
+}
+
+}    // namespace
+
+std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset,
+                                    const roidb& rois)
+{
+    return read_checked(filename, dataset, &rois);
+}
+
+std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset)
+{
+    return read_checked(filename, dataset, nullptr);
 }
 
 bool write_lineage(const std::string& filename, const std::string& dataset, const lineage& units)

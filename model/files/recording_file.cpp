@@ -15,16 +15,18 @@ namespace {
 
 constexpr int last_place = 999;    // what keys have room for
 constexpr int largest_side = 65535;
+constexpr double largest_step = 1000;       // micrometres; the smallest is the inverse
+constexpr double longest_interval = 1e6;    // seconds; likewise
 constexpr std::size_t longest_file = 1 << 16;
 
 // Each take_ function leaves `value` alone when there is no such member; false when it is none of its kind.
-bool take_positive(const QJsonObject& from, const char* name, double& value)
+bool take_positive(const QJsonObject& from, const char* name, double most, double& value)
 {
     const QJsonValue found = from[QLatin1String(name)];
     if (found.isUndefined())
         return true;
     const double number = found.toDouble();    // 0 for what is no number
-    if (!(number > 0) || !std::isfinite(number))
+    if (!(number >= 1 / most && number <= most))
         return false;
     value = number;
     return true;
@@ -33,7 +35,7 @@ bool take_positive(const QJsonObject& from, const char* name, double& value)
 bool take_interval(const QJsonObject& from, std::optional<double>& interval)
 {
     double seconds = 0;
-    if (!take_positive(from, "interval_s", seconds))
+    if (!take_positive(from, "interval_s", longest_interval, seconds))
         return false;
     if (seconds > 0)
         interval = seconds;
@@ -67,6 +69,16 @@ bool take_size(const QJsonObject& from, std::optional<pixel_size>& size)
     return true;
 }
 
+// The members that this program does not know.
+std::string further_in(QJsonObject object)
+{
+    for (const char* known :
+         {"pixel_um", "plane_um", "interval_s", "focal_planes", "time_points", "image_size"})
+        object.remove(QLatin1String(known));
+    return object.isEmpty() ? std::string()
+                            : QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+}
+
 // What is wrong with the text, or nothing.
 const char* parse(const std::string& text, recording_info& info)
 {
@@ -76,18 +88,19 @@ const char* parse(const std::string& text, recording_info& info)
     if (!document.isObject())
         return "no JSON object";
     const QJsonObject object = document.object();
-    if (!take_positive(object, "pixel_um", info.scale.pixel_um))
-        return "pixel_um is no positive number";
-    if (!take_positive(object, "plane_um", info.scale.plane_um))
-        return "plane_um is no positive number";
+    if (!take_positive(object, "pixel_um", largest_step, info.scale.pixel_um))
+        return "pixel_um is no number from 0.001 to 1000";
+    if (!take_positive(object, "plane_um", largest_step, info.scale.plane_um))
+        return "plane_um is no number from 0.001 to 1000";
     if (!take_interval(object, info.interval_s))
-        return "interval_s is no positive number";
+        return "interval_s is no number from 0.000001 to 1000000";
     if (!take_range(object, "focal_planes", info.focal_planes))
         return "focal_planes are no two planes of 0 to 999 in ascending order";
     if (!take_range(object, "time_points", info.time_points))
         return "time_points are no two time points of 0 to 999 in ascending order";
     if (!take_size(object, info.image_size))
         return "image_size is no width and height in pixels";
+    info.further = further_in(object);
     return nullptr;
 }
 
@@ -106,7 +119,7 @@ std::string contents(file_reader& file)
 
 std::string recording_file_of(const std::string& roi_file)
 {
-    return std::filesystem::path(roi_file).replace_extension(".recording.json").string();
+    return roi_file.substr(0, roi_file.size() - (roi_file.ends_with(".roi") ? 4 : 0)) + ".recording.json";
 }
 
 recording_info read_recording_file(const std::string& filename)
@@ -143,7 +156,9 @@ bool take_recording_text(const std::string& text, recording_info& info)
 
 std::string recording_text(const recording_info& info)
 {
-    QJsonObject object{{"pixel_um", info.scale.pixel_um}, {"plane_um", info.scale.plane_um}};
+    QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(info.further)).object();
+    object["pixel_um"] = info.scale.pixel_um;
+    object["plane_um"] = info.scale.plane_um;
     if (info.interval_s)
         object["interval_s"] = *info.interval_s;
     if (info.focal_planes)

@@ -2,7 +2,7 @@
 //
 // NAME.recording.json, beside NAME.roi, is one JSON object with the members "pixel_um", "plane_um",
 // "interval_s", "focal_planes" and "time_points" ([first, last]) and "image_size" ([width, height]), each of
-// which may be left out.
+// which may be left out. Others are kept as they are.
 #pragma once
 #include "physical_scale.h"
 
@@ -29,11 +29,12 @@ struct recording_info {
     std::optional<key_range> focal_planes = {};
     std::optional<key_range> time_points = {};
     std::optional<pixel_size> image_size = {};    // pixels
+    std::string further = {};                     // members of other programs, a JSON object; "" without any
 
     bool operator==(const recording_info&) const = default;
 };
 
-// "/a/b.roi" gives "/a/b.recording.json".
+// "/a/b.roi" gives "/a/b.recording.json", and so does "/a/b".
 [[nodiscard]] std::string recording_file_of(const std::string& roi_file);
 
 // What the file tells; the defaults when there is none. Also the defaults, after one line on standard error,

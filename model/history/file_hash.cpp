@@ -45,11 +45,13 @@ std::string hash_of_text(const std::string& text)
     return in_digits(hash);
 }
 
-std::string content_of(const std::string& filename)
+std::optional<std::string> content_of(const std::string& filename)
 {
+    if (::access(filename.c_str(), F_OK) != 0)
+        return std::string();
     std::string content;
     const bool is_read = read_pieces(filename, [&content](std::string_view piece) { content += piece; });
-    return is_read ? content : std::string();
+    return is_read ? std::optional(std::move(content)) : std::nullopt;
 }
 
 std::string time_in_name()
@@ -61,18 +63,18 @@ std::string time_in_name()
     return {text, std::strftime(text, sizeof text, "%Y%m%dT%H%M%SZ", &utc)};
 }
 
-std::string free_name(const std::string& name)
+std::string free_name(const std::string& name, const std::string& suffix)
 {
-    std::string free = name;
+    std::string free = name + suffix;
     for (int number = 2; ::access(free.c_str(), F_OK) == 0; ++number)
-        free = name + '-' + std::to_string(number);
+        free = name + '-' + std::to_string(number) + suffix;
     return free;
 }
 
 // The copy is on disk before anything is removed.
 bool put_aside_compressed(const std::string& filename, bool stays)
 {
-    const std::string aside = free_name(filename + '.' + time_in_name()) + ".gz";
+    const std::string aside = free_name(filename + '.' + time_in_name(), ".gz");
     const int fd = ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     const gzFile out = fd < 0 ? nullptr : gzdopen(::dup(fd), "wb");
     bool is_written = out != nullptr;

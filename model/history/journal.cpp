@@ -95,11 +95,22 @@ std::string head(const std::string& recording)
 
 std::string stretch(const std::string& roi_hash) { return line({"BASE", now(), roi_hash}); }
 
-std::string step(const edit_step& step)
+namespace {
+
+std::string changes_of(const char* word, const edit_step& step, std::size_t noted)
 {
-    return line({"STEP", now(), std::to_string(count_lines(step.changes())), in_one_line(step.title())}) +
-           step.changes();
+    const std::string_view changes = std::string_view(step.changes()).substr(noted);
+    return line({word, now(), std::to_string(count_lines(changes)), in_one_line(step.title())}) +
+           std::string(changes);
 }
+
+}    // namespace
+
+std::string step(const edit_step& step, std::size_t noted) { return changes_of("STEP", step, noted); }
+
+std::string part(const edit_step& step, std::size_t noted) { return changes_of("PART", step, noted); }
+
+std::string nothing() { return line({"NOTHING", now()}); }
 
 std::string undo() { return line({"UNDO", now()}); }
 
@@ -162,6 +173,7 @@ journal::journal(std::string content) : _content(std::move(content))
     do
         _good = _content.size() - lines.rest.size();
     while (read_event(lines));
+    end_parts();
 }
 
 journal_stretch* journal::current() noexcept
@@ -180,6 +192,43 @@ std::optional<std::string_view> journal::read_changes(line_cursor& lines, std::s
     return _is_sound ? changes : std::nullopt;
 }
 
+// A step whose end is missing is what its parts say.
+void journal::end_parts()
+{
+    if (_parts)
+        current()->events.push_back(*_parts);
+    _parts.reset();
+}
+
+bool journal::read_part(line_cursor& lines, std::string_view time, std::string_view rest)
+{
+    const std::optional<std::string_view> changes = read_changes(lines, rest);
+    _is_sound = _is_sound && current();
+    if (!changes || !_is_sound)
+        return false;
+    if (!_parts)
+        _joined.emplace_back();
+    _joined.back() += *changes;
+    _parts = {journal_event::kind::step, time, rest, _joined.back(), {}, {}};
+    return true;
+}
+
+// A step whose parts were read before is all of them.
+bool journal::enter(journal_event event)
+{
+    if (_parts && event.what == journal_event::kind::step) {
+        _joined.back() += event.changes;
+        event.changes = _joined.back();
+        _parts.reset();
+    }
+    end_parts();
+    if (journal_stretch* const stretch = current())
+        stretch->events.push_back(event);
+    else
+        _is_sound = false;
+    return _is_sound;
+}
+
 // False at the end, at a torn one, and at what is no event: then it is not sound.
 bool journal::read_event(line_cursor& lines)
 {
@@ -189,15 +238,15 @@ bool journal::read_event(line_cursor& lines)
     std::string_view rest = *whole;
     const std::string_view word = take_word(rest);
     const std::string_view time = take_word(rest);
-    const auto enter = [this](journal_event event) {
-        if (journal_stretch* const stretch = current())
-            stretch->events.push_back(event);
-        else
-            _is_sound = false;
-        return _is_sound;
-    };
     using kind = journal_event::kind;
+    if (word == "PART")
+        return read_part(lines, time, rest);
+    if (word == "NOTHING") {
+        _parts.reset();
+        return true;
+    }
     if (word == "BASE") {
+        end_parts();
         _current = _stretches.size();
         _stretches.push_back({time, take_word(rest), {}});
         return true;
@@ -209,6 +258,7 @@ bool journal::read_event(line_cursor& lines)
     if (word == "UNDO" || word == "REDO")
         return enter({word == "UNDO" ? kind::undo : kind::redo, time, {}, {}, {}, {}});
     if (word == "CONTINUE") {
+        end_parts();
         const std::optional<std::size_t> stretch = take_number(rest);
         _is_sound = stretch && *stretch < _stretches.size();
         _current = stretch.value_or(0);

@@ -7,6 +7,7 @@
 #include "edit_step.h"
 #include "saved_state.h"
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,7 +20,10 @@ namespace journal_text {
 [[nodiscard]] std::string head(const std::string& recording);
 // Nothing but the ROI file is known at its beginning: what is read of other files comes as steps.
 [[nodiscard]] std::string stretch(const std::string& roi_hash);
-[[nodiscard]] std::string step(const edit_step& step);
+// The changes behind its first `noted` bytes; what stands before them was noted in parts.
+[[nodiscard]] std::string step(const edit_step& step, std::size_t noted = 0);
+[[nodiscard]] std::string part(const edit_step& step, std::size_t noted);
+[[nodiscard]] std::string nothing();    // the parts that were noted amount to nothing
 [[nodiscard]] std::string undo();
 [[nodiscard]] std::string redo();
 // `rest`: the changes that lead from what the file says to what there is.
@@ -51,7 +55,8 @@ struct journal_stretch {
 class journal {
 public:
     // Takes over the content of a journal; an empty one is a journal without a stretch. A last line, or a
-    // last step, that is not complete is left out.
+    // last step, that is not complete is left out; a step that was noted in parts, and ends with one, is as
+    // far as they go.
     explicit journal(std::string content);
     journal(const journal&) = delete;    // what is read points into the content
     journal& operator=(const journal&) = delete;
@@ -67,9 +72,14 @@ private:
     struct line_cursor;
     [[nodiscard]] std::optional<std::string_view> read_changes(line_cursor& lines, std::string_view& rest);
     [[nodiscard]] bool read_event(line_cursor& lines);
+    [[nodiscard]] bool read_part(line_cursor& lines, std::string_view time, std::string_view rest);
+    [[nodiscard]] bool enter(journal_event event);
+    void end_parts();
     [[nodiscard]] journal_stretch* current() noexcept;
 
     std::string _content;
+    std::deque<std::string> _joined;        // the changes of steps that were noted in parts
+    std::optional<journal_event> _parts;    // of a step, as far as they were read
     std::string _recording;
     std::vector<journal_stretch> _stretches;
     std::size_t _current = 0;

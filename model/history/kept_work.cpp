@@ -16,6 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr auto part_every = std::chrono::milliseconds(20);    // of a long step, for a crash in the middle
+
 constexpr const char* suffixes[] = {".roi", ".lineage", ".info", ".fp", ".recording.json"};    // by kept_in
 
 // Without a final ".roi". A symbolic link is not followed: what belongs to the recording lies beside it.
@@ -30,7 +32,17 @@ std::string stem_of(const std::string& roi_file)
 
 kept_work::kept_work(curation& model) : _model(model), _observing(model, *this) {}
 
-kept_work::~kept_work() = default;
+kept_work::~kept_work() { close_journal(); }
+
+// What could not be written until now is tried once more.
+void kept_work::close_journal()
+{
+    if (_writer && !_writer->sync())
+        tell_failure();
+    _writer.reset();
+    _lock.reset();
+    _journal.reset();
+}
 
 bool kept_work::open(const std::string& roi_file)
 {
@@ -55,32 +67,53 @@ void kept_work::opened(const std::string& roi_file)
     _model.take_info(read_recording_file(recording));
     _beside = stem + ".journal";
     read_journal();
-    find_offers();
+    if (!is_taken_elsewhere())
+        find_offers();
     _model.tell(&curation_observer::offers_changed);
 }
 
 // The steps of a recording end with it.
 void kept_work::recording_changes()
 {
-    _writer.reset();
-    _lock.reset();
-    _journal.reset();
+    close_journal();
     _offers.clear();
     _history = edit_history();
     for (int file = 0; file < kept_in_count; ++file)
         _names[file] = _known[file] = "";
     _journal_name.clear();
+    _noted_bytes = 0;
     _is_taken_up = _was_edited = _is_without_journal = false;
+}
+
+void kept_work::step_goes_on(const edit_step& step)
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now < _next_part || step.changes().size() == _noted_bytes)
+        return;
+    _next_part = now + part_every;
+    note(journal_text::part(step, _noted_bytes));
+    _noted_bytes = step.changes().size();
+    set_edited();
 }
 
 void kept_work::step_ended(edit_step& step)
 {
-    if (amounts_to_nothing(step, _model.tables()))
+    const std::size_t noted = std::exchange(_noted_bytes, 0);
+    if (amounts_to_nothing(step, _model.tables())) {
+        if (noted > 0)
+            note(journal_text::nothing());
         return;
-    _was_edited = true;
-    note(journal_text::step(step));
+    }
+    note(journal_text::step(step, noted));
     _history.add(std::move(step));
-    decline();    // this is a branch of its own
+    set_edited();
+}
+
+// From here on this is a branch of its own.
+void kept_work::set_edited()
+{
+    _was_edited = true;
+    decline();
 }
 
 // ---- Undo and redo
@@ -100,6 +133,8 @@ const edit_step* kept_work::step_back_or_forth(bool forth)
     (void)(forth ? redo_step(step, _model.tables()) : undo_step(step, _model.tables()));
     forth ? _history.redone() : _history.undone();
     note(forth ? journal_text::redo() : journal_text::undo());
+    if (step.concerns(kept_in::rois))
+        _model.take_time_bounds_of_rois();
     _model.forget_what_is_gone();
     const std::shared_ptr<observer_list> observers = _model.m_observers;
     for (std::size_t i = 0; i < observers->size(); ++i)

@@ -11,6 +11,7 @@
 #include "replacement_listener.h"
 #include "restored_state.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -65,7 +66,7 @@ public:
     // ---- What an earlier run of the program has left
     struct offer {
         std::size_t stretch;    // of the journal
-        std::size_t edits;      // that were not saved
+        std::size_t edits;      // that were not saved; 0: all were, and there is their undo
         std::string time;       // UTC of the last of them
     };
     [[nodiscard]] const std::vector<offer>& offers() const noexcept { return _offers; }    // the newest first
@@ -75,7 +76,9 @@ public:
     void decline();
 
 private:
+    void set_edited();
     void recording_changes() override;
+    void step_goes_on(const edit_step& step) override;
     void step_ended(edit_step& step) override;
     void before_replacing(const std::string& target, const std::string& content) override;
     void after_replacing(const std::string& target, bool is_replaced) override;
@@ -83,9 +86,12 @@ private:
     void read_journal();
     [[nodiscard]] std::string choose_journal() const;
     void find_offers();
+    void close_journal();
+    [[nodiscard]] bool is_taken_elsewhere() const;
     [[nodiscard]] bool can_go_on_in_journal() const;
     bool go_without_journal(const std::string& why);    // false
     bool begin_journal();
+    [[nodiscard]] std::string lock_name() const;
     bool lock();
     void note(const std::string& text);
     void tell_failure();
@@ -110,7 +116,9 @@ private:
     std::unique_ptr<journal_writer> _writer;
     std::unique_ptr<QLockFile> _lock;
     std::vector<offer> _offers;
-    std::size_t _go_on_with = 0;    // the stretch that was taken up
+    std::size_t _go_on_with = 0;     // the stretch that was taken up
+    std::size_t _noted_bytes = 0;    // of the open step's changes, that stand in the journal already
+    std::chrono::steady_clock::time_point _next_part;    // when more of them are noted
     bool _is_taken_up = false;
     bool _was_edited = false;            // in this run of the program
     bool _is_without_journal = false;    // none can be kept, which was said

@@ -45,17 +45,24 @@ std::vector<std::string> lock_folders()
 
 }    // namespace
 
-// Beside the recording; in the state folder where it cannot be kept there.
+// Beside the recording; in the state folder where it cannot be kept there, or could not so far.
 std::string kept_work::choose_journal() const
 {
-    const std::string folder = can_be_kept(_beside) ? std::string() : state_folder();
-    return folder.empty() ? _beside : folder + hash_of_text(_names[0]) + ".journal";
+    if (can_be_kept(_beside) && is_there(_beside))
+        return _beside;
+    const std::string folder = state_folder();
+    const std::string elsewhere = folder.empty() ? "" : folder + hash_of_text(_names[0]) + ".journal";
+    return !elsewhere.empty() && (is_there(elsewhere) || !can_be_kept(_beside)) ? elsewhere : _beside;
 }
 
+// Nothing is known of one that cannot be read, and nothing written to it.
 void kept_work::read_journal()
 {
     _journal_name = choose_journal();
-    _journal = std::make_unique<journal>(content_of(_journal_name));
+    std::optional<std::string> content = content_of(_journal_name);
+    _journal = std::make_unique<journal>(std::move(content).value_or(""));
+    if (!content && !_is_without_journal)
+        (void)go_without_journal(_journal_name + " cannot be read");
 }
 
 companions kept_work::files_now() const
@@ -74,13 +81,25 @@ void kept_work::find_offers()
     if (_journal->recording() != _model.dataset() || _journal->stretches().empty())
         return;
     const companions files = files_now();
-    for (std::size_t i = _journal->stretches().size(); i-- > 0;) {
+    const std::size_t last = _journal->stretches().size() - 1;
+    for (std::size_t i = last + 1; i-- > 0;) {
         const journal_stretch& stretch = _journal->stretches()[i];
         const unsaved_work work = fits(stretch, files) ? unsaved_in(stretch, files) : unsaved_work();
-        if (work.steps > 0)
+        if (work.steps > 0 || (i == last && work.done > 0))
             _offers.push_back({i, work.steps, std::string(work.time)});
     }
     std::ranges::stable_sort(_offers, std::greater(), &offer::time);
+}
+
+// Another window goes on in the journal: its steps are not for the taking.
+bool kept_work::is_taken_elsewhere() const
+{
+    for (const std::string& folder : lock_folders())
+        if (QLockFile lock(QString::fromStdString(folder + lock_name())); !lock.tryLock())
+            return lock.error() == QLockFile::LockFailedError;
+        else
+            return false;
+    return false;
 }
 
 bool kept_work::take_up(std::size_t number)
@@ -90,8 +109,12 @@ bool kept_work::take_up(std::size_t number)
                                : "Cannot take up the journal while an operation is going on");
         return false;
     }
-    if (number >= _offers.size())
+    if (_offers.empty())
         return true;
+    if (number >= _offers.size()) {
+        error_line("The journal offers no such work");
+        return false;
+    }
     if (!lock())
         return false;
     const offer wanted = _offers[number];
@@ -103,6 +126,7 @@ bool kept_work::take_up(std::size_t number)
         state = restore(_journal->stretches()[wanted.stretch], files_now());
     if (!state) {
         error_line(_journal_name, ": its steps do not fit ", _names[0]);
+        _model.tell(&curation_observer::offers_changed);
         return false;
     }
     for (int file = 0; file < kept_in_count; ++file)
@@ -127,13 +151,20 @@ void kept_work::decline()
 
 // ---- Writing
 
+// One recording has one lock, whatever links lead to it.
+std::string kept_work::lock_name() const
+{
+    std::error_code unreadable;
+    const fs::path file = fs::weakly_canonical(_names[0], unreadable);
+    return "/orvbrowser-" + hash_of_text(unreadable ? _names[0] : file.native()) + ".lock";
+}
+
 bool kept_work::lock()
 {
     if (_lock)
         return true;
-    const std::string name = "/orvbrowser-" + hash_of_text(_names[0]) + ".lock";
     for (const std::string& folder : lock_folders()) {
-        _lock = std::make_unique<QLockFile>(QString::fromStdString(folder + name));
+        _lock = std::make_unique<QLockFile>(QString::fromStdString(folder + lock_name()));
         _lock->setStaleLockTime(0);    // however long it works: only a process that is gone has left it
         if (_lock->tryLock())
             return true;
@@ -152,11 +183,12 @@ bool kept_work::go_without_journal(const std::string& why)
     return false;
 }
 
-// Work goes on in a journal of this recording that fits its files, is read to its end, and is not too large.
+// Work goes on in a journal of this recording that fits its files, as far as it could be read, and is not too
+// large.
 bool kept_work::can_go_on_in_journal() const
 {
     const auto& stretches = _journal->stretches();
-    if (!_journal->is_sound() || _journal->recording() != _model.dataset() || stretches.empty())
+    if (_journal->recording() != _model.dataset() || stretches.empty())
         return false;
     const companions files = files_now();
     const bool is_large = _journal->good_bytes() > largest_journal &&
@@ -177,9 +209,11 @@ bool kept_work::begin_journal()
         return false;
     if (!_is_taken_up)
         read_journal();    // whoever had it until now may have gone on
+    if (_is_without_journal)
+        return false;
     const bool goes_on = _is_taken_up || can_go_on_in_journal();
     const bool has_content =
-        is_there(_journal_name) && !(goes_on && _journal->is_sound()) && !content_of(_journal_name).empty();
+        is_there(_journal_name) && !(goes_on && _journal->is_sound()) && content_of(_journal_name) != "";
     if (has_content && !put_aside_compressed(_journal_name, goes_on))
         return go_without_journal("what is there cannot be put aside");
     if (!goes_on)

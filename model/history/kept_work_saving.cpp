@@ -14,6 +14,25 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// All of it or nothing, and one line.
+bool keep_copy(const std::string& name, const std::string& as)
+{
+    std::error_code fault;
+    const std::string part = as + ".part";
+    fs::copy_file(name, part, fs::copy_options::overwrite_existing, fault);
+    if (!fault)
+        fs::rename(part, as, fault);
+    if (!fault)
+        return true;
+    error_line("Cannot keep ", name, " as ", as, ": ", fault.message());
+    fs::remove(part, fault);
+    return false;
+}
+
+}    // namespace
+
 bool kept_work::save_all()
 {
     if (_names[0].empty()) {
@@ -60,6 +79,8 @@ bool kept_work::keep_version_before(kept_in file)
     std::error_code fault;
     if (!fs::exists(name, fault))
         return true;
+    if (file == kept_in::rois && !fs::exists(name + ".orig", fault))
+        (void)keep_copy(name, name + ".orig");
     if (known.empty() || known != hash_of_file(name)) {
         const std::string aside = free_name(name + '.' + time_in_name());
         if (!fs::copy_file(name, aside, fault))
@@ -68,11 +89,7 @@ bool kept_work::keep_version_before(kept_in file)
             error_line(name, " was not read or has changed: put aside as ", aside);
         return !fault;
     }
-    fs::copy_file(name, name + '~', fs::copy_options::overwrite_existing, fault);
-    if (fault)
-        error_line("Cannot keep the version before of ", name, ": ", fault.message());
-    else if (file == kept_in::rois && !fs::exists(name + ".orig", fault))
-        fs::copy_file(name, name + ".orig", fault);
+    (void)keep_copy(name, name + '~');
     return true;
 }
 
@@ -118,6 +135,8 @@ void kept_work::after_replacing(const std::string& target, bool is_replaced)
         return;
     const auto file = static_cast<kept_in>(i);
     _known[i] = _coming;
+    if (file == kept_in::rois && !_writer)    // what is edited from now on stands on it
+        _base_hash = _coming;
     _history.state().saved(bit_of(file));
     if (_writer)
         note(journal_text::saved(file, _coming));

@@ -77,12 +77,6 @@ void add_index(edit_step& step, const roidb_plus& rois)
     });
 }
 
-void add_marks(edit_step& step, change_kind kind, const std::set<std::string>& marks)
-{
-    for (const std::string& key : marks)
-        step.add(kind, key);
-}
-
 }    // namespace
 
 edit_step rest_of_file(kept_in file, const curation& model)
@@ -92,11 +86,6 @@ edit_step rest_of_file(kept_in file, const curation& model)
         add_index(step, model.rois());
     } else if (file == kept_in::lineage) {
         add_lineage(step, model);
-    } else if (file == kept_in::nowhere) {
-        add_marks(step, change_kind::forward, model.tracked_forward());
-        add_marks(step, change_kind::backward, model.tracked_backward());
-        if (!model.chosen().empty())
-            step.exchange(change_kind::chosen, "", model.chosen());
     }
     return step;
 }

@@ -58,8 +58,7 @@ bool read_files(restored_state& state, const starting_points& start, const compa
         return start.saved_in[i] && !files.hashes[i].empty();    // else there was none, and is none
     };
     if (is_read(kept_in::lineage)) {
-        std::optional<lineage> units =
-            read_lineage(files.names[static_cast<int>(kept_in::lineage)], dataset, *state.rois);
+        std::optional<lineage> units = read_lineage(files.names[static_cast<int>(kept_in::lineage)], dataset);
         if (!units)
             return false;
         state.members_head = heads_of_members(*units);
@@ -112,11 +111,15 @@ bool make(const journal_event& event, file_set files, restored_state& state)
     }
 }
 
-// Whether the entries of its file are saved from this event on.
+// Whether the entries of its file are saved from this event on: the file holds them still. What no file keeps
+// is saved in the journal itself.
 bool tells_saved(const journal_event& event, const companions& files)
 {
-    return event.what == kind::saved || (event.what == kind::saving && !event.hash.empty() &&
-                                         event.hash == files.hashes[static_cast<int>(event.file)]);
+    if (event.what != kind::saved && event.what != kind::saving)
+        return false;
+    if (event.file == kept_in::nowhere)
+        return event.what == kind::saved;
+    return !event.hash.empty() && event.hash == files.hashes[static_cast<int>(event.file)];
 }
 
 }    // namespace
@@ -156,9 +159,11 @@ unsaved_work unsaved_in(const journal_stretch& stretch, const companions& files)
             state.redo();
         else if (tells_saved(event, files))
             state.saved(bit_of(event.file));
-        work.time = event.time;
+        if (event.what != kind::saving && event.what != kind::saved)
+            work.time = event.time;
     }
     work.steps = state.unsaved_steps();
+    work.done = state.position();
     return work;
 }
 

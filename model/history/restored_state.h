@@ -35,9 +35,11 @@ struct companions {
 // Whether the stretch stands on these files.
 [[nodiscard]] bool fits(const journal_stretch& stretch, const companions& files);
 
-// How many of its steps these files do not hold; of which the last was made at `time`.
+// How many of its steps these files do not hold, and how many were done; the last was made, undone or redone
+// at `time`.
 struct unsaved_work {
     std::size_t steps = 0;
+    std::size_t done = 0;
     std::string_view time;
 };
 [[nodiscard]] unsaved_work unsaved_in(const journal_stretch& stretch, const companions& files);

@@ -19,9 +19,14 @@ void curation::take_over(restored_state state)
     m_unit_notes = std::move(state.notes);
     m_info = state.info;
     m_lineage_mode_roi_set = std::move(state.chosen);
+    take_time_bounds_of_rois();
+    forget_what_is_gone();
+}
+
+void curation::take_time_bounds_of_rois()
+{
     m_min_time_point = m_roidb->t_min();
     m_max_time_point = m_roidb->t_max();
-    forget_what_is_gone();
 }
 
 void curation::forget_what_is_gone()

@@ -39,15 +39,16 @@ TEST(display_range, leaves_out_the_few_darkest_and_brightest)
 TEST(scale_bar, is_a_round_length_that_fits)
 {
     const struct {
-        double scale;
+        double scale, pixel_um;
         int longest;
         double um;
-    } cases[] = {{1, 150, 10}, {1, 200, 20}, {1, 500, 50}, {32, 150, 0.2}, {0.125, 150, 100}};
+    } cases[] = {{1, 0.105, 150, 10},   {1, 0.105, 200, 20},      {1, 0.105, 500, 50},
+                 {32, 0.105, 150, 0.2}, {0.125, 0.105, 150, 100}, {1, 1, 150, 100}};
     for (const auto& c : cases) {
-        const scale_bar bar = bar_for(c.scale, c.longest);
+        const scale_bar bar = bar_for(c.scale, c.pixel_um, c.longest);
         EXPECT_NEAR(bar.length_um, c.um, 1e-9) << c.scale;
         EXPECT_LE(bar.pixels, c.longest);
-        EXPECT_NEAR(bar.pixels * pixel_um() / c.scale, bar.length_um, pixel_um() / c.scale);
+        EXPECT_NEAR(bar.pixels * c.pixel_um / c.scale, bar.length_um, c.pixel_um / c.scale);
     }
 }
 

@@ -46,64 +46,6 @@ class TestGuiUnits : public QObject {
     const SmallRecording recording;
 
 private slots:
-    void unitsAreThoseOfTheirTimePoint()
-    {
-        const SmallRecording end("tiny", 998, 999);
-        OpenWindow w(end);
-        const std::string last = one_roi(w, 5, 20, 999);
-        const std::string before = put_unit(w, {one_roi(w, 5, 20, 998), put_roi(w, {5, 30, 19, 998})});
-        for (const char* head : {"005000000000", "005000000001", "006000000000"})
-            put_unit(w, {head});    // the first sorts with the time point itself
-        QVERIFY(w.units(999) == keys({last}) && w.units(998) == keys({before}) && w.units(997).empty());
-        QVERIFY(w.units(5) == keys({"005000000001"}) && w.z_min(before) == 19 && w.z_max(before) == 20);
-        QVERIFY(w.head(before) == before && w.head("004000000000") == "N/A" && w.member("N/A").empty());
-        w.makeLinkage(999);
-        w.makeLinkage(999);
-        QCOMPARE(w.m_linkage_multimap, links({{last, before}, {last, before}}));
-        QVERIFY(w.ID("012000001001") == 12000 && w.ID("012000000000") == 12001);
-        QVERIFY(w.ID("013000000000") == 13000 && w.ID("012000001001") == 12000);
-        QVERIFY(w.ID(w.head("nobody")) == w.ID("N/A"));
-    }
-
-    void unitsAreLinkedWhereAPixelOfAPlaneIsShared()
-    {
-        OpenWindow w(recording);
-        const std::string gone = put_roi(w, {40, 40, 6, 0});
-        const std::string parent =
-            put_unit(w, {put_roi(w, {20, 20, 3, 0}), put_roi(w, {20, 20, 6, 0}), gone});
-        w.m_roidb->remove(gone);
-        links expected;
-        const std::tuple<int, int, bool> cases[] = {{20, 7, false}, {23, 6, true},  {24, 6, false},
-                                                    {17, 3, true},  {16, 3, false}, {40, 6, false}};
-        for (const auto& [x, z, is_linked] : cases) {
-            const std::string child = put_unit(w, {put_roi(w, {x, x, z, 1}), keygen({60, 60, z, 1})});
-            QCOMPARE(w.isLink(parent, child), is_linked);
-            if (is_linked)
-                expected.emplace(child, parent);
-        }
-        w.makeLinkage(1);
-        QCOMPARE(w.m_linkage_multimap, expected);
-    }
-
-    void linksJoinSuccessiveTimePointsOnce()
-    {
-        const std::string a = "004001002003", b = "005001002003";
-        WindowProbe w;
-        CapturedLines lines(std::cout);
-        w.link(a, b);
-        w.link(b, a);
-        QCOMPARE(w.m_linkage_multimap, links({{b, a}}));
-        for (const auto& [one, two] :
-             {std::pair(a, "006001002003"), {a, "004009009009"}, {a, "N/A"}, {"N/A", "N/A"}}) {
-            w.link(one, two);
-            QCOMPARE(lines.take(), {QString::fromStdString("Cannot link " + one + " and " + two)});
-        }
-        w.m_linkage_multimap.emplace(b, a);
-        w.release_child("N/A", "N/A");
-        w.release_child(a, b);    // one of the two
-        QCOMPARE(w.m_linkage_multimap.size(), 1U);
-    }
-
     void thePictureColorsWhatTheLineageHeadReaches()
     {
         OpenWindow w(recording);
@@ -182,33 +124,6 @@ private slots:
         w.m_falsely_grouped_units_candidates = {"old"};
         w.search_doubt_units();
         QCOMPARE(w.m_falsely_grouped_units_candidates, keys({line[2], line[4]}));
-    }
-
-    void aMergedUnitTakesOverTheLinksOfBoth()
-    {
-        OpenWindow w(recording);
-        CapturedLines lines(std::cout);
-        const std::string p = one_roi(w, 1, 20, 0), q = one_roi(w, 9, 20, 0);
-        const std::string c = one_roi(w, 1, 20, 2), d = one_roi(w, 9, 20, 2);
-        const std::string low = put_roi(w, {1, 30, 5, 1}), top = put_roi(w, {1, 30, 8, 1});
-        const std::string a = put_unit(w, {top, low});
-        const std::string b = put_unit(w, {put_roi(w, {9, 30, 2, 1}), put_roi(w, {9, 30, 4, 1})});
-        const keys members = {low, top, b, keygen({9, 30, 4, 1})};
-        w.m_linkage_multimap = {{a, p}, {a, p}, {b, p}, {b, q}, {c, a}, {d, b}, {d, b}};
-        w.m_elite_head_roi_set = {a, b, c};
-        w.m_lineage_mode_roi_set = {b};
-        w.mergeUnits(a, b);
-        QCOMPARE(w.m_lineage_mode_roi_set, keys({low}));    // what was chosen is it still
-        QCOMPARE(lines.take(), {QString::fromStdString("mergeUnits: " + a + " " + b)});
-        QCOMPARE(w.m_linkage_multimap, links({{low, p}, {low, q}, {c, low}, {d, low}}));
-        QVERIFY(w.units(1) == keys({low}) && w.member(low) == members && w.m_head_members.size() == 4 + 4);
-        QVERIFY(w.head(b) == low && w.head(top) == low && w.m_elite_head_roi_set == keys({c}));
-        w.mergeUnits(low, c);
-        w.mergeUnits("N/A", low);
-        const QString refusals = "mergeUnits: %1 %2|Cannot merge units in different time points: %1 %2|"
-                                 "mergeUnits: N/A %1|Cannot merge N/A and %1: not two units";
-        QCOMPARE(lines.take().join('|'), refusals.arg(low.c_str(), c.c_str()));
-        QVERIFY(w.m_linkage_multimap.size() == 4 && w.member(low) == members && w.head(c) == c);
     }
 
     void makesUnitsAndLinksOfTheWholeRecording()

@@ -119,11 +119,37 @@ TEST_F(linking, tells_two_nuclei_in_one_unit_from_a_mother)
         unit_linker follower({1, 1});
         for (const auto& cubes : c.before) {
             const auto now = units(cubes);
-            follower.follow(now, linker.link(now));
+            EXPECT_TRUE(follower.link(now, {}, {linker.link(now)}).empty());
         }
         const auto apart = units({one, other});
         EXPECT_EQ(linker.link(apart), c.expected) << c.why;
         EXPECT_EQ(follower.link(apart), c.expected) << c.why << ", links taken over";
+    }
+}
+
+TEST_F(linking, leaves_what_is_kept_and_links_what_is_free)
+{
+    const std::vector<cube> before{{0, 0, 0, 9}, {40, 0, 0, 9}},
+        now{{1, 0, 0, 9}, {6, 0, 0, 9}, {41, 0, 0, 9}};
+    const std::vector<cube> mother{{0, 0, 0, 12}}, daughters{{-6, 2, 2, 8}, {-2, 10, 2, 8}, {8, 2, 2, 8}};
+    const struct {
+        const char* why;
+        std::vector<cube> before, now;
+        kept_links kept;
+        links expected;
+    } cases[] = {
+        {"nothing", before, now, {}, {{0, 0}, {2, 1}}},
+        {"the farther child", before, now, {{{1, 0}}}, {{2, 1}}},
+        {"a child of two parents", before, now, {{{2, 0}, {2, 1}}}, {}},
+        {"a pair that was parted", before, now, {{}, {true, false}, {true, false, true}}, {{1, 0}, {2, 1}}},
+        {"one daughter", mother, daughters, {{{0, 0}}}, {{2, 0}}},
+        {"two daughters", mother, daughters, {{{0, 0}, {1, 0}}}, {}},
+        {"a daughter that was parted", mother, daughters, {{{0, 0}}, {true}, {true, false, true}}, {}},
+    };
+    for (const auto& c : cases) {
+        unit_linker linker({1, 1});
+        EXPECT_TRUE(linker.link(units(c.before)).empty());
+        EXPECT_EQ(linker.link(units(c.now), {}, c.kept), c.expected) << c.why;
     }
 }
 

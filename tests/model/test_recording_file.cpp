@@ -14,6 +14,7 @@ TEST(recording_file, what_is_written_reads_back)
     const temp_folder folder;
     const std::string path = recording_file_of(folder.path("a.b.roi"));
     EXPECT_EQ(path, folder.path("a.b.recording.json"));
+    EXPECT_EQ(recording_file_of("x/a.b"), "x/a.b.recording.json");
     testing::internal::CaptureStderr();
     EXPECT_EQ(read_recording_file(path), recording_info()) << "there is none";
     const recording_info cases[] = {{},
@@ -25,8 +26,11 @@ TEST(recording_file, what_is_written_reads_back)
         EXPECT_EQ(read_recording_file(path), info) << folder.contents("a.b.recording.json");
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(read_recording_file(folder.with("x", R"({"plane_um": 2, "microscope": []})")).scale,
-              (physical_scale{0.105, 2}));
+    const recording_info told = read_recording_file(folder.with("x", R"({"plane_um": 2, "scope": ["a"]})"));
+    EXPECT_EQ(told.scale, (physical_scale{0.105, 2}));
+    ASSERT_TRUE(write_recording_file(path, told));
+    EXPECT_NE(folder.contents("a.b.recording.json").find("scope"), std::string::npos) << "others' members";
+    EXPECT_EQ(read_recording_file(path), told);
 }
 
 TEST(recording_file, what_is_wrong_is_one_line_and_the_defaults)
@@ -39,6 +43,7 @@ TEST(recording_file, what_is_wrong_is_one_line_and_the_defaults)
                                  R"({"plane_um": 2, "pixel_um": "0.1"})",
                                  R"({"plane_um": 2, "pixel_um": 1e999})",
                                  R"({"plane_um": -2})",
+                                 R"({"plane_um": 1e-9})",
                                  R"({"interval_s": null})",
                                  R"({"focal_planes": [0]})",
                                  R"({"focal_planes": [0, 1000]})",

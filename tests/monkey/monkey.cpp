@@ -4,15 +4,10 @@
 // first broken rule, if any, and what led to it.
 #include "../support/captured_lines.h"
 #include "../support/curation_probe.h"
-#include "../support/editing.h"
-#include "../support/failing_reads.h"
 #include "../support/scripted_dialogs.h"
-#include "canvas_view.h"
-#include "demo_files.h"
-#include "demo_random.h"
-#include "history_page.h"
-#include "lineage_page.h"
-#include "pages.h"
+#include "monkey_window.h"
+#include "story.h"
+#include "swapped_files.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
@@ -22,208 +17,10 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
-#include <cstring>
-#include <unistd.h>
 
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*)());
 
 namespace {
-
-namespace fs = std::filesystem;
-
-char story[1000];    // of the action going on, for when the program dies in it
-
-void tell_story(int = 0) { (void)!write(STDERR_FILENO, story, std::strlen(story)); }
-
-void note(const QString& what)
-{
-    const std::size_t length = std::strlen(story);
-    std::snprintf(story + length, sizeof story - length, "%s, ", qPrintable(what));
-}
-
-// ---- The files, which change under the window that has read them
-
-class SwappedFiles {
-public:
-    explicit SwappedFiles(demo_random& random) : _random(random) { restore(); }
-
-    [[nodiscard]] std::string path(const std::string& name) const { return _folder.path(name); }
-
-    // A file with this suffix, mostly one of the recording that is mostly open.
-    [[nodiscard]] std::string of_kind(const std::string& suffix) const
-    {
-        return path((_random.chance(0.7) ? "demo" : _random.chance(0.7) ? "variant" : "other") + suffix);
-    }
-
-    [[nodiscard]] std::string any() const
-    {
-        const std::string image =
-            "/00" + std::to_string(_random.below(6)) + "-00" + std::to_string(_random.below(10)) + ".jpg";
-        const std::string kinds[] = {".roi", ".lineage",   ".info", ".fp", ".nwk",
-                                     "/",    "/a/missing", image,   image};
-        return _random.chance(0.1) ? path("home/.orvbrowser") : of_kind(kinds[_random.below(9)]);
-    }
-
-    // Two recordings, and a file in which all ROIs of the first are points.
-    void restore()
-    {
-        _fault.reset();
-        for (const char* name : {"demo", "other", "demo.roi", "other.roi", "variant.roi", "home"})
-            fs::remove_all(path(name));
-        for (std::uint64_t seed = 1; const char* name : {"demo", "other"})
-            (void)write_recording(make_recording({name, seed++, 6, 14, 14, 160, 160, 0.05, 0.05, 0.25}),
-                                  path(""));
-        QString rois = QString::fromStdString(_folder.contents("demo.roi"));
-        rois.replace(QRegularExpression(" [0-3]+\n"), " 2301\n");
-        (void)_folder.with("variant.roi", rois.toStdString());
-        fs::create_directory(path("home"));
-        (void)_folder.with("home/.orvbrowser", "DEFAULT #ff0000\nSELECTED nonsense\nREMOVED");
-    }
-
-    // From now on some file cannot be read to its end; any that could not be can again.
-    void fail_one()
-    {
-        const std::string name = any();
-        _fault.reset();
-        std::error_code missing;
-        const auto size = fs::is_regular_file(name, missing) ? fs::file_size(name) : 0;
-        if (size > 0 && _random.chance(0.5))
-            _fault = std::make_unique<failing_reads>(name, _random.below(static_cast<int>(size)));
-    }
-
-    // Garbles, cuts off, exchanges, removes or hides behind a folder one file.
-    void swap_one()
-    {
-        _fault.reset();    // of this program's own reading
-        const fs::path name = any(), other = any();
-        if (!name.has_filename())
-            return;
-        const int change = _random.below(5);
-        std::string bytes = contents(change == 2 ? other : name);
-        for (int i = _random.below(30); change == 0 && i > 0 && !bytes.empty(); --i)
-            bytes[_random.below(static_cast<int>(bytes.size()))] = "01239- \n\xff\0x"[_random.below(11)];
-        if (change == 1)
-            bytes.resize(_random.below(static_cast<int>(bytes.size()) + 1));
-        fs::remove_all(name);
-        create_directories(change == 4 ? name : name.parent_path());
-        if (change < 3)
-            std::ofstream(name, std::ios::binary) << bytes;
-    }
-
-private:
-    [[nodiscard]] static std::string contents(const fs::path& name)
-    {
-        std::ifstream file(name, std::ios::binary);
-        return is_directory(name) ? std::string() : std::string{std::istreambuf_iterator<char>(file), {}};
-    }
-
-    demo_random& _random;
-    temp_folder _folder;
-    std::unique_ptr<failing_reads> _fault;
-};
-
-// ---- The window as the program puts it together, and what holds in it between actions
-
-class MonkeyWindow : public WindowProbe {
-public:
-    MonkeyWindow()
-    {
-        setApplication(qApp);
-        add_pages(*this);
-        page = findChild<LineagePage*>();
-    }
-
-    LineagePage* page = nullptr;
-
-    // The first rule of undo that is broken, or nothing: all steps back lead to the state of the start, as
-    // far as it was seen, and forth again to that of now.
-    [[nodiscard]] const char* broken_rule_of_undo()
-    {
-        if (!isOpen())
-            return nullptr;
-        const auto now = state_of(*this);
-        const std::size_t done = work().history().position();
-        while (can_undo())
-            undo();
-        const bool is_start =
-            work().history().position() > 0 || _start_of != recording() || _start == state_of(*this);
-        while (work().history().position() < done && can_redo())
-            redo();
-        return !is_start                ? "undoing everything gives the state of the start"
-               : now != state_of(*this) ? "redoing everything gives the state of the end"
-                                        : nullptr;
-    }
-
-    void remember_start()
-    {
-        if (!isOpen() || work().history().end() > 0 || _start_of == recording())
-            return;
-        _start = state_of(*this);
-        _start_of = recording();
-    }
-
-    // The first rule that is broken, or nothing.
-    [[nodiscard]] const char* broken_rule()
-    {
-        for (const auto& [at, low, high, slider, field] :
-             {std::tuple(m_time_point, m_min_time_point, m_max_time_point, slider_time_point,
-                         lineEdit_time_point),
-              {m_focal_plane, m_min_focal_plane, m_max_focal_plane, slider_focal_plane,
-               lineEdit_focal_plane}})
-            if (at < low || at > high || slider->minimum() != low || slider->maximum() != high ||
-                slider->value() != at || field->text() != QString::number(at))
-                return "the position is within its bounds, and its controls show it";
-        if (!std::ranges::all_of(findChildren<QWidget*>(),
-                                 [this](auto* w) { return w->isEnabled() == may_be_used(w); }))
-            return "controls are enabled as the recording is open or closed";
-        if (cursor().shape() == Qt::WaitCursor || is_busy() || m_auto_split || m_auto_make_units ||
-            page->auto_split->isChecked() || m_auto != pushButton_auto->isChecked() || !updatesEnabled())
-            return "a run leaves nothing behind";
-        if (!isOpen())
-            return nullptr;
-        if (!shows_what_is_under_the_pointer())
-            return "each screen pixel belongs to the picture pixel that it shows";
-        return isVisible() && !shows_state() ? "the canvas shows the state" : broken_state_rule(*this);
-    }
-
-private:
-    decltype(state_of(std::declval<const WindowProbe&>())) _start;
-    unsigned long _start_of = 0;    // the recording that it is of
-
-    [[nodiscard]] bool may_be_used(const QWidget* w) const
-    {
-        if (qobject_cast<const HistoryPage*>(w->parentWidget()))    // tests of its own
-            return w->isEnabled();
-        const bool is_button = qobject_cast<const QPushButton*>(w);
-        if (w == lineEdit_dataset || w == page->stop)
-            return w == lineEdit_dataset && !isOpen();
-        if (is_button && (w->parentWidget() == file || w == page->help || w == page->import_labels ||
-                          w == pushButton_select_all))
-            return true;
-        return (is_button && w->window() == this) || w == lineEdit_time_point || w == lineEdit_focal_plane ||
-                       w == page->overlap
-                   ? isOpen()
-                   : w->isEnabled();
-    }
-
-    [[nodiscard]] bool shows_what_is_under_the_pointer() const
-    {
-        const view_transform& view = CanvasView::of(*this)->view();
-        const QPoint s = frame_canvas->rect().center();
-        const QPoint p = view.picture_pixel(s);
-        return view.scale() >= view.smallest_scale && view.scale() <= view.largest_scale &&
-               view.screen_area({p, QSize(1, 1)}).contains(s);
-    }
-
-    // A picture made afresh is the one that is shown.
-    [[nodiscard]] bool shows_state()
-    {
-        const QImage shown = frame_canvas->picture().toImage();
-        dirty = true;
-        paintEvent(nullptr);
-        return shown == frame_canvas->picture().toImage();
-    }
-};
 
 // ---- The monkey
 
@@ -282,10 +79,22 @@ private:
                 unsaved)    // another recording was open, or its file is another now
             return nullptr;
         if (!afresh.work.take_up())
-            return nullptr;    // a companion was changed behind its back
+            return "what is offered can be taken up";
         if (state_of(afresh) != now)
             return "the journal brings back the state";
-        return nullptr;
+        const std::size_t position = afresh.work.history().position();
+        while (afresh.work.undo())
+            ;
+        const auto start = state_of(afresh);
+        while (afresh.work.redo())
+            ;
+        while (afresh.work.history().position() > position)
+            (void)afresh.work.undo();
+        if (state_of(afresh) != now)
+            return "undo and redo of steps from the journal lead to the same state";
+        while (afresh.work.undo())
+            ;
+        return state_of(afresh) == start ? nullptr : "undoing steps from the journal leads to one start";
     }
 
     void act_once()

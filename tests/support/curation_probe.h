@@ -11,8 +11,9 @@ class CurationProbe : public curation {
 public:
     using curation::m_bwd_roi_set, curation::m_elite_head_roi_set, curation::m_fwd_roi_set,
         curation::m_head_members, curation::m_lineage_mode_roi_set, curation::m_linkage_multimap,
-        curation::m_members_head, curation::m_removed_roi_set, curation::m_roidb,
-        curation::m_selected_roi_set;
+        curation::m_members_head, curation::m_mouse_over_roi_set, curation::m_q_roiimgdb,
+        curation::m_removed_roi_set, curation::m_roidb, curation::m_selected_roi_set,
+        curation::m_split_parents;
 
     kept_work work{*this};
 };
