@@ -101,6 +101,8 @@ public:
     bool take_up_work();
     bool take_up_work(std::size_t offer);    // one of work().offers()
     void decline_work() { m_work.decline(); }
+    bool
+    take_lineage(const string& filename);    // false, one line and nothing changed when it cannot be read
     void note_read(const string& filename) { m_work.was_read(filename); }    // by whoever reads a file
     [[nodiscard]] const kept_work& work() const noexcept { return m_work; }
 

@@ -65,6 +65,19 @@ bool ORVBrowser::openRoiFile(const string& filename)
     return was_read;
 }
 
+bool ORVBrowser::take_lineage(const string& filename)
+{
+    if (!isOpen())
+        return false;
+    std::optional<lineage> units = read_lineage(filename, m_dataset, *m_roidb);
+    if (!units)
+        return false;
+    note_read(filename);
+    replace_lineage(std::move(*units));
+    show_changes();
+    return true;
+}
+
 void ORVBrowser::open_recording(std::unique_ptr<roidb_plus> roidb)
 {
     // The old bounds hold until the new ones are set: nothing of the positions in between is shown.

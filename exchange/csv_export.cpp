@@ -30,6 +30,9 @@ constexpr const char* explanation_of_links = "\nlinks.csv: a line for each link\
                                              "overlap     pixels that both have, in all focal planes\n"
                                              "manual      1 where one of them was changed by hand\n";
 
+// The columns before it, and the note, are those that such tables have elsewhere.
+constexpr std::string_view first_own_flag = "elite";
+
 std::string quoted(const std::string& text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos)
@@ -44,8 +47,8 @@ std::string units_text(const export_request& request, const export_graph& graph)
 {
     std::string text = "t,z,y,x,id,parent_id,track_id,lineage_id,volume,n_planes,n_rois";
     for (const unit_flag& flag : unit_flags)
-        text += std::string(",") + flag.name;
-    text += ",note,key\n";
+        text += std::string(flag.name == first_own_flag ? ",note," : ",") + flag.name;
+    text += ",key\n";
     for (std::size_t i = 0; i < graph.units.size(); ++i) {
         const export_unit& unit = graph.units[i];
         const auto name = request.units.called.find(unit.head);
@@ -56,10 +59,12 @@ std::string units_text(const export_request& request, const export_graph& graph)
                 std::to_string(unit.tracklet) + ',' + std::to_string(unit.lineage) + ',' +
                 real_text(unit.volume) + ',' + std::to_string(unit.planes) + ',' +
                 std::to_string(unit.rois.size());
-        for (const unit_flag& flag : unit_flags)
+        for (const unit_flag& flag : unit_flags) {
+            if (flag.name == first_own_flag)
+                text += ',' + (name != request.units.called.end() ? quoted(name->second) : "");
             text += flag.is_set(request, unit) ? ",1" : ",0";
-        text +=
-            ',' + (name != request.units.called.end() ? quoted(name->second) : "") + ',' + unit.head + '\n';
+        }
+        text += ',' + unit.head + '\n';
     }
     return text;
 }
@@ -108,14 +113,20 @@ const char* kind_of(const export_unit& source, const export_unit& target)
     return source.children.size() > 1 ? "division" : "move";
 }
 
-std::string links_text(const export_request& request, const export_graph& graph)
+// Nothing when it was stopped.
+std::optional<std::string> links_text(const export_request& request, const export_graph& graph,
+                                      const run_callbacks& callbacks)
 {
     std::string text = "source_id,target_id,kind,overlap,manual\n";
     raster_cache rasters(graph);
     const auto& edited = request.units.edited;
+    int time_point = -1;
     for (const auto& [parent, child] : graph.edges()) {
         const export_unit& source = graph.units[parent];
         const export_unit& target = graph.units[child];
+        if (std::exchange(time_point, target.t) != target.t &&
+            !callbacks.step(target.t, graph.units.back().t + 1))
+            return std::nullopt;
         rasters.forget_before(target.t - 1);
         const bool is_manual = edited.contains(source.head) || edited.contains(target.head);
         text += std::to_string(parent) + ',' + std::to_string(child) + ',' + kind_of(source, target) + ',' +
@@ -135,12 +146,19 @@ std::string columns_text()
 
 }    // namespace
 
-bool write_csv(const export_request& request, const std::filesystem::path& folder, loss_report& report)
+outcome write_csv(const export_request& request, const std::filesystem::path& folder, loss_report& report,
+                  const run_callbacks& callbacks)
 {
-    const export_graph graph = make_graph(request, false_units::kept, report);
+    const auto graph = make_graph(request, false_units::kept, report, part_of(callbacks, 0, 0.5));
+    if (!graph)
+        return outcome::stopped;
     report.add("outlines", "", "their number is kept");
     report_notes(request, notes_kept::marks_and_names, report);
-    return write_whole_file(folder / "units.csv", units_text(request, graph)) &&
-           write_whole_file(folder / "links.csv", links_text(request, graph)) &&
-           write_whole_file(folder / "columns.txt", columns_text());
+    const auto links = links_text(request, *graph, part_of(callbacks, 0.5, 1));
+    if (!links)
+        return outcome::stopped;
+    const bool is_written = write_whole_file(folder / "units.csv", units_text(request, *graph)) &&
+                            write_whole_file(folder / "links.csv", *links) &&
+                            write_whole_file(folder / "columns.txt", columns_text());
+    return is_written ? outcome::done : outcome::refused;
 }

@@ -11,12 +11,20 @@ namespace {
 
 using label_set = std::set<std::uint32_t>;
 
-void collect(const label_page& page, label_set& labels)
+template <class Label>
+void collect(const std::vector<Label>& pixels, label_set& labels)
 {
-    std::uint32_t last = 0;    // labels come in runs
-    for (const std::uint32_t label : page.pixels)
-        if (label != last && (last = label) != 0)
-            labels.insert(label);
+    constexpr std::size_t block = 64;    // most are background and passed over together
+    Label last = 0;                      // labels come in runs
+    for (std::size_t first = 0; first < pixels.size(); first += block) {
+        const std::size_t end = std::min(first + block, pixels.size());
+        Label any = 0;
+        for (std::size_t i = first; i < end; ++i)
+            any = static_cast<Label>(any | pixels[i]);
+        for (std::size_t i = any ? first : end; i < end; ++i)
+            if (pixels[i] != last && (last = pixels[i]) != 0)
+                labels.insert(last);
+    }
 }
 
 label_set expected_at(int t, const std::vector<track>& tracks)
@@ -69,7 +77,7 @@ outcome check_ctc(const std::string& folder, const std::string& prefix, const st
             return outcome::stopped;
         label_set found;
         const bool is_read = masks.read(t, [&](int, const label_page& page) {
-            collect(page, found);
+            std::visit([&](const auto& labels) { collect(labels.pixels, found); }, page);
             return true;
         });
         if (!is_read)

@@ -7,7 +7,7 @@
 #include "track_table.h"
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -157,9 +157,9 @@ private:
 
 class ctc_writer {
 public:
-    ctc_writer(const export_request& request, loss_report& report)
-        : _graph(make_graph(request, false_units::left_out, report)), _extent(extent_of(request, _graph)),
-          _report(report), _track_of(_graph.units.size()), _is_shown(_graph.units.size(), true)
+    ctc_writer(const export_request& request, export_graph graph, loss_report& report)
+        : _graph(std::move(graph)), _extent(extent_of(request, _graph)), _report(report),
+          _track_of(_graph.units.size()), _is_shown(_graph.units.size(), true)
     {
         report_links();
         report_notes(request, notes_kept::none, report);
@@ -202,6 +202,9 @@ private:
             for (const std::size_t p : unit.parents)
                 if (p != *unit.parent)
                     _report.add("merge", unit.head, "without its parent " + _graph.units[p].head);
+            if (unit.parent && unit.t - _graph.units[*unit.parent].t > 1)
+                _report.add("gap", unit.head,
+                            "a track of its own, its parent " + _graph.units[*unit.parent].head);
             if (unit.kept_children.size() > 2)
                 _report.add("many_children", unit.head,
                             std::to_string(unit.kept_children.size()) + ", which some programs do not read");
@@ -302,5 +305,10 @@ outcome write_ctc(const export_request& request, const std::filesystem::path& fo
                   const std::string& prefix, const std::string& table, loss_report& report,
                   const run_callbacks& callbacks)
 {
-    return ctc_writer(request, report).write(folder, prefix, table, callbacks);
+    constexpr double share_of_graph = 0.2;
+    auto graph = make_graph(request, false_units::left_out, report, part_of(callbacks, 0, share_of_graph));
+    if (!graph)
+        return outcome::stopped;
+    return ctc_writer(request, std::move(*graph), report)
+        .write(folder, prefix, table, part_of(callbacks, share_of_graph, 1));
 }

@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 const std::string report_ending = ".losses.txt";
+constexpr double share_of_writing = 0.6;    // of the time that masks take; the rest is checking them
 
 // What is written, and what may be replaced by it.
 struct target_place {
@@ -124,27 +125,24 @@ outcome write_ctc_folder(const export_request& request, const fs::path& folder, 
     const std::string table = is_result ? "res_track.txt" : "man_track.txt";
     std::error_code error;
     fs::create_directories(inner, error);
-    const outcome written = write_ctc(request, inner, prefix, table, report, callbacks);
-    return written == outcome::done ? check_ctc(inner.string(), prefix, (inner / table).string(), callbacks)
+    const outcome written =
+        write_ctc(request, inner, prefix, table, report, part_of(callbacks, 0, share_of_writing));
+    return written == outcome::done ? check_ctc(inner.string(), prefix, (inner / table).string(),
+                                                part_of(callbacks, share_of_writing, 1))
                                     : written;
 }
 
 outcome write_format(export_format format, const export_request& request, const fs::path& to,
                      loss_report& report, const run_callbacks& callbacks)
 {
-    bool is_written = false;
     if (format == export_format::ctc)
         return write_ctc_folder(request, to, report, callbacks);
+    if (format == export_format::trackmate)
+        return write_trackmate(request, to, report, callbacks);
     std::error_code error;
-    if (format != export_format::trackmate)
-        fs::create_directories(to, error);
-    if (format == export_format::geff)
-        is_written = write_geff(request, to, report);
-    else if (format == export_format::csv)
-        is_written = write_csv(request, to, report);
-    else
-        is_written = write_trackmate(request, to, report);
-    return is_written ? outcome::done : outcome::refused;
+    fs::create_directories(to, error);
+    return format == export_format::geff ? write_geff(request, to, report, callbacks)
+                                         : write_csv(request, to, report, callbacks);
 }
 
 }    // namespace

@@ -9,9 +9,9 @@
 //
 // Kinds of loss: merge (all parents but the nearest), overlap (pixels that two units claim; the smaller
 // outline keeps them), hidden (a unit all of whose pixels others claim, shown as one pixel beside them, or
-// not at all), gap_marked (the link over time points at which a nucleus is not shown, told only by the
-// numbers of tracks), many_children, outside (pixels outside the image), false_positive, no_unit (ROIs in no
-// unit), beyond (ROIs that are not within 0 to 999), mark, name, dismissal, outlines.
+// not at all), gap (a nucleus that is not shown for a time becomes a track of its own), many_children,
+// outside (pixels outside the image), false_positive, no_unit (ROIs in no unit), beyond (ROIs that are not
+// within 0 to 999), mark, name, dismissal, outlines.
 #pragma once
 #include "ORV_roidb.h"
 #include "lineage_file.h"

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int last_place = 999;
+constexpr std::size_t units_in_a_step = 256;
 
 bool is_place(int n) { return n >= 0 && n <= last_place; }
 
@@ -21,9 +22,11 @@ public:
     {
     }
 
-    export_graph build()
+    std::optional<export_graph> build(const run_callbacks& callbacks)
     {
         add_units();
+        if (!measure_all(callbacks))
+            return std::nullopt;
         add_links();
         keep_parents();
         number();
@@ -54,8 +57,17 @@ private:
             add_unit(place.second, std::move(rois));
         }
         _graph.is_flat = planes.size() == 1;
-        for (export_unit& unit : _graph.units)
-            measure(unit);
+    }
+
+    bool measure_all(const run_callbacks& callbacks)
+    {
+        const std::size_t all = _graph.units.size();
+        for (std::size_t i = 0; i < all; ++i) {
+            if (i % units_in_a_step == 0 && !callbacks.step(static_cast<int>(i), static_cast<int>(all)))
+                return false;
+            measure(_graph.units[i]);
+        }
+        return true;
     }
 
     [[nodiscard]] bool is_false(const roi* r) const
@@ -206,9 +218,10 @@ std::vector<std::pair<std::size_t, std::size_t>> export_graph::edges() const
     return found;
 }
 
-export_graph make_graph(const export_request& request, false_units how, loss_report& report)
+std::optional<export_graph> make_graph(const export_request& request, false_units how, loss_report& report,
+                                       const run_callbacks& callbacks)
 {
-    return graph_builder(request, how, report).build();
+    return graph_builder(request, how, report).build(callbacks);
 }
 
 void report_notes(const export_request& request, notes_kept kept, loss_report& report)
@@ -237,6 +250,22 @@ unit_images images_of(const export_unit& unit)
         images.back()->map();
     }
     return images;
+}
+
+std::vector<pos2i> corners_of(const roi& r)
+{
+    std::vector<pos2i> corners;
+    pos2i at = r;
+    char before = 0;
+    for (const char step : r.outline()) {
+        if (step < '0' || step > '3')
+            continue;
+        if (step != before)
+            corners.push_back(at);
+        before = step;
+        at = at + pos2i((step == '3') - (step == '1'), (step == '2') - (step == '0'));
+    }
+    return corners;
 }
 
 std::string real_text(double value)

@@ -35,8 +35,10 @@ struct export_graph {
 
 enum class false_units { kept, left_out };
 
-// A unit is false when all its ROIs are false positives; of others, those ROIs are left out.
-[[nodiscard]] export_graph make_graph(const export_request& request, false_units how, loss_report& report);
+// A unit is false when all its ROIs are false positives; of others, those ROIs are left out. Nothing when it
+// was stopped.
+[[nodiscard]] std::optional<export_graph> make_graph(const export_request& request, false_units how,
+                                                     loss_report& report, const run_callbacks& callbacks);
 
 // What no format holds, or not this one: marks and dismissals.
 enum class notes_kept { none, marks, marks_and_names };
@@ -44,6 +46,10 @@ void report_notes(const export_request& request, notes_kept kept, loss_report& r
 
 using unit_images = std::vector<std::unique_ptr<q_roiimg>>;
 [[nodiscard]] unit_images images_of(const export_unit& unit);
+
+// Where the outline turns, in pixels from the top-left corner of the image. The last corner is not the first
+// again.
+[[nodiscard]] std::vector<pos2i> corners_of(const roi& r);
 
 // At most twelve digits, the same text everywhere, always with a point: 3.0, 0.105.
 [[nodiscard]] std::string real_text(double value);

@@ -45,24 +45,6 @@ struct array_type<bool> {
 
 std::string json(const QJsonObject& object) { return QJsonDocument(object).toJson().toStdString(); }
 
-// Where the outline turns, in pixels from the top-left corner of the image. The last corner is not the first
-// again.
-std::vector<pos2i> corners_of(const roi& r)
-{
-    std::vector<pos2i> corners;
-    pos2i at = r;
-    char before = 0;
-    for (const char step : r.outline()) {
-        if (step < '0' || step > '3')
-            continue;
-        if (step != before)
-            corners.push_back(at);
-        before = step;
-        at = at + pos2i((step == '3') - (step == '1'), (step == '2') - (step == '0'));
-    }
-    return corners;
-}
-
 // Groups and arrays below a folder. After the first failure, which is one line, nothing more is written.
 class zarr_writer {
 public:
@@ -259,9 +241,12 @@ private:
 
 }    // namespace
 
-bool write_geff(const export_request& request, const fs::path& folder, loss_report& report)
+outcome write_geff(const export_request& request, const fs::path& folder, loss_report& report,
+                   const run_callbacks& callbacks)
 {
-    const export_graph graph = make_graph(request, false_units::kept, report);
+    const auto graph = make_graph(request, false_units::kept, report, callbacks);
+    if (!graph)
+        return outcome::stopped;
     report_notes(request, notes_kept::marks, report);
-    return geff_writer(request, graph, folder).write();
+    return geff_writer(request, *graph, folder).write() ? outcome::done : outcome::refused;
 }

@@ -3,6 +3,7 @@
 #include "error_line.h"
 
 #include <algorithm>
+#include <concepts>
 #include <utility>
 
 namespace {
@@ -47,10 +48,11 @@ float value_of(std::vector<float>& block)
 }
 
 // Of labels as frequent, the smallest.
-std::uint32_t value_of(std::vector<std::uint32_t>& block)
+template <std::unsigned_integral Label>
+Label value_of(std::vector<Label>& block)
 {
     std::ranges::sort(block);
-    std::uint32_t best = block.front();
+    Label best = block.front();
     std::size_t most = 0;
     for (auto first = block.begin(); first != block.end();) {
         const auto last = std::upper_bound(first, block.end(), *first);
@@ -141,9 +143,9 @@ bool image_stack::has_planes(const std::string& path, std::vector<int> planes)
     return true;
 }
 
+// Leaves of the page what is asked for.
 template <class Value>
-bool image_stack::give(const std::string& path, int z, image_page<Value>& page,
-                       const plane_taker<Value>& take)
+bool image_stack::cut_out(const std::string& path, image_page<Value>& page)
 {
     if (!is_of_size(path, page.width, page.height))
         return false;
@@ -151,16 +153,26 @@ bool image_stack::give(const std::string& path, int z, image_page<Value>& page,
         crop(page, *_window.crop);
     if (_window.bin > 1)
         bin(page, _window.bin);
-    return take(z, page);
+    return true;
+}
+
+template <class Page>
+bool image_stack::give(const std::string& path, int z, Page& page, const plane_taker<Page>& take)
+{
+    bool is_sound = false;
+    if constexpr (std::is_same_v<Page, label_page>)
+        is_sound = std::visit([&](auto& labels) { return cut_out(path, labels); }, page);
+    else
+        is_sound = cut_out(path, page);
+    return is_sound && take(z, page);
 }
 
 // The pages of a file are planes, from 0.
-template <class Value>
-bool image_stack::read_pages(const std::string& path, const plane_taker<Value>& take,
-                             std::vector<int>& planes)
+template <class Page>
+bool image_stack::read_pages(const std::string& path, const plane_taker<Page>& take, std::vector<int>& planes)
 {
     tiff_reader file(path);
-    image_page<Value> page;
+    Page page;
     for (int z = 0; is_wanted_plane(z) ? file.next(page) : file.skip(); ++z) {
         if (!is_wanted_plane(z))
             continue;
@@ -174,8 +186,8 @@ bool image_stack::read_pages(const std::string& path, const plane_taker<Value>& 
     return file.fault().empty() || say(file.fault());
 }
 
-template <class Value>
-bool image_stack::read_single(const series_file& file, const plane_taker<Value>& take,
+template <class Page>
+bool image_stack::read_single(const series_file& file, const plane_taker<Page>& take,
                               std::vector<int>& planes)
 {
     if (!is_wanted_plane(file.z))
@@ -183,7 +195,7 @@ bool image_stack::read_single(const series_file& file, const plane_taker<Value>&
     if (file.z - plane_origin() > last_place)
         return refuse(file.path, "focal planes go to 999: use --planes");
     tiff_reader reader(file.path);
-    image_page<Value> page;
+    Page page;
     if (!reader.next(page))
         return say(reader.fault());
     _is_wide = reader.is_wide();
@@ -195,8 +207,8 @@ bool image_stack::read_single(const series_file& file, const plane_taker<Value>&
     return reader.fault().empty() || say(reader.fault());
 }
 
-template <class Value>
-bool image_stack::read_planes(std::size_t i, const plane_taker<Value>& take)
+template <class Page>
+bool image_stack::read_planes(std::size_t i, const plane_taker<Page>& take)
 {
     std::vector<int> planes;
     for (const series_file& file : _files[i])
@@ -206,6 +218,6 @@ bool image_stack::read_planes(std::size_t i, const plane_taker<Value>& take)
     return has_planes(_files[i].front().path, std::move(planes));
 }
 
-bool image_stack::read(std::size_t i, const plane_taker<std::uint32_t>& take) { return read_planes(i, take); }
+bool image_stack::read(std::size_t i, const plane_taker<label_page>& take) { return read_planes(i, take); }
 
-bool image_stack::read(std::size_t i, const plane_taker<float>& take) { return read_planes(i, take); }
+bool image_stack::read(std::size_t i, const plane_taker<grey_page>& take) { return read_planes(i, take); }

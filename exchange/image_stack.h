@@ -44,10 +44,10 @@ public:
     // Gives each plane of the time point times()[i] to `take`, in ascending order. False when `take` says so,
     // or after one line on standard error when a file cannot be read, or differs from those before in size or
     // in planes, or goes beyond 999 pixels or planes.
-    template <class Value>
-    using plane_taker = std::function<bool(int z, image_page<Value>& page)>;
-    [[nodiscard]] bool read(std::size_t i, const plane_taker<std::uint32_t>& take);
-    [[nodiscard]] bool read(std::size_t i, const plane_taker<float>& take);
+    template <class Page>
+    using plane_taker = std::function<bool(int z, Page& page)>;
+    [[nodiscard]] bool read(std::size_t i, const plane_taker<label_page>& take);
+    [[nodiscard]] bool read(std::size_t i, const plane_taker<grey_page>& take);
 
     // Of the planes read so far, pixels after binning; 0 before the first.
     [[nodiscard]] int width() const noexcept { return _width; }
@@ -60,14 +60,16 @@ public:
     [[nodiscard]] bool is_wide() const noexcept { return _is_wide; }
 
 private:
+    template <class Page>
+    bool read_planes(std::size_t i, const plane_taker<Page>& take);
+    template <class Page>
+    bool read_pages(const std::string& path, const plane_taker<Page>& take, std::vector<int>& planes);
+    template <class Page>
+    bool read_single(const series_file& file, const plane_taker<Page>& take, std::vector<int>& planes);
+    template <class Page>
+    bool give(const std::string& path, int z, Page& page, const plane_taker<Page>& take);
     template <class Value>
-    bool read_planes(std::size_t i, const plane_taker<Value>& take);
-    template <class Value>
-    bool read_pages(const std::string& path, const plane_taker<Value>& take, std::vector<int>& planes);
-    template <class Value>
-    bool read_single(const series_file& file, const plane_taker<Value>& take, std::vector<int>& planes);
-    template <class Value>
-    bool give(const std::string& path, int z, image_page<Value>& page, const plane_taker<Value>& take);
+    [[nodiscard]] bool cut_out(const std::string& path, image_page<Value>& page);
     [[nodiscard]] bool is_of_size(const std::string& path, int width, int height);
     [[nodiscard]] bool has_planes(const std::string& path, std::vector<int> planes);
     [[nodiscard]] bool is_wanted_plane(int z) const { return !_window.planes || _window.planes->contains(z); }

@@ -76,7 +76,7 @@ public:
             link(*tracks, labels);
         describe(labels);
         count();
-        return write_imported(_request, _made, labels, _callbacks);
+        return write_imported(_request, _made, labels, part_of(_callbacks, share_of_labels(), 1));
     }
 
 private:
@@ -91,12 +91,16 @@ private:
         return tracks ? find_frames(table->parent_path().string(), mask_prefix(*table)) : std::nullopt;
     }
 
+    // Images are read twice and packed.
+    [[nodiscard]] double share_of_labels() const { return _request.images.empty() ? 1 : 0.1; }
+
     outcome read_labels(image_stack& labels)
     {
-        label_units maker(_made.rois);
+        label_units maker(_made.rois, _made.units);
         const int steps = static_cast<int>(labels.times().size());
+        const run_callbacks reading = part_of(_callbacks, 0, share_of_labels());
         for (int i = 0; i < steps; ++i) {
-            if (!_callbacks.step(i, steps))
+            if (!reading.step(i, steps))
                 return outcome::stopped;
             const int t = labels.times()[i];
             const bool is_read = labels.read(i, [&](int z, label_page& page) {
@@ -105,11 +109,11 @@ private:
             });
             if (!is_read)
                 return outcome::refused;
-            _units[t] = maker.finish_time_point(_made.units);
         }
-        if (maker.split_labels() > 0)
-            note(std::to_string(maker.split_labels()) +
-                 " labels are of several pieces in a plane: an ROI each");
+        _units = maker.finish();
+        _report.losses = maker.losses();
+        if (const auto pieces = std::ranges::count(_report.losses, "piece", &loss::kind); pieces > 0)
+            note(std::to_string(pieces) + " further pieces of labels in a plane: an ROI each");
         if (maker.hole_pixels() > 0)
             note(std::to_string(maker.hole_pixels()) +
                  " pixels of holes are covered by the outline around them");
@@ -141,12 +145,15 @@ private:
         return found;
     }
 
-    void join(const std::pair<int, std::string>& earlier, const std::pair<int, std::string>& later)
+    void join(const std::pair<int, std::string>& earlier, const std::pair<int, std::string>& later,
+              const track& k)
     {
-        if (later.first == earlier.first + 1)
+        if (later.first == earlier.first + 1) {
             _made.units.links.emplace(later.second, earlier.second);
-        else
-            _made.units.gaps.emplace(earlier.second, later.second);
+            return;
+        }
+        _made.units.gaps.emplace(earlier.second, later.second);
+        _report.losses.push_back({"gap", later.second, "track " + std::to_string(k.label)});
     }
 
     void link(const std::vector<track>& tracks, const image_stack& labels)
@@ -156,13 +163,13 @@ private:
         for (const track& k : tracks) {
             auto& found = units[k.label] = shown(k);
             for (std::size_t i = 1; i < found.size(); ++i)
-                join(found[i - 1], found[i]);
+                join(found[i - 1], found[i], k);
             if (static_cast<long long>(found.size()) != expected(k, labels))
                 interrupted.push_back(std::to_string(k.label));
         }
         for (const track& k : tracks)
             if (k.parent != 0 && !units[k.label].empty() && !units[k.parent].empty())
-                join(units[k.parent].back(), units[k.label].front());
+                join(units[k.parent].back(), units[k.label].front(), k);
         if (!interrupted.empty())
             note("labels that are missing at some time points of their track: " + some_of(interrupted));
         note_strangers(units);
@@ -188,8 +195,10 @@ private:
             all += labels.size();
             for (const auto& [label, head] : labels)
                 if (const auto k = units.find(label);
-                    k == units.end() || !std::ranges::binary_search(k->second, std::pair(t, head)))
+                    k == units.end() || !std::ranges::binary_search(k->second, std::pair(t, head))) {
                     strangers.push_back(std::to_string(label) + " at " + std::to_string(t));
+                    _report.losses.push_back({"no_track", head, "label " + std::to_string(label)});
+                }
         }
         if (known < all)
             note("labels that are in no track, left without links: " + some_of(strangers));

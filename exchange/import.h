@@ -6,6 +6,7 @@
 // is not shown for a time.
 #pragma once
 #include "image_stack.h"
+#include "loss_report.h"
 #include "recording_file.h"
 #include "run_callbacks.h"
 
@@ -40,6 +41,10 @@ struct import_report {
     std::size_t links = 0;
     std::size_t gaps = 0;
     std::vector<std::string> notes = {};    // what is not as expected, a line each
+
+    // The same by ROI or unit: "piece" and "hole" (label_units.h), "gap" (a nucleus that is not shown for
+    // a time), "no_track" (a unit whose label is in no track).
+    std::vector<loss> losses = {};
 };
 
 // Writes NAME.roi, NAME.lineage, NAME.recording.json and, with images, the folder NAME: all of them, or none,

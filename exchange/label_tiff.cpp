@@ -4,17 +4,10 @@
 
 namespace {
 
-// The file begins with 8 bytes; each page is its pixels, padded to an even place, and then its directory.
-constexpr std::size_t header_bytes = 8;
-constexpr int tags = 10;
-constexpr std::size_t directory_bytes = 2 + tags * 12 + 4;
-
 std::size_t pixel_bytes(int width, int height)
 {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 2;
 }
-
-std::size_t page_bytes(int width, int height) { return pixel_bytes(width, height) + directory_bytes; }
 
 void put(unsigned char*& to, std::size_t value, int bytes)
 {
@@ -26,12 +19,13 @@ void put(unsigned char*& to, std::size_t value, int bytes)
 
 bool label_tiff::is_possible(int width, int height, int planes) noexcept
 {
-    return header_bytes + page_bytes(width, height) * static_cast<std::size_t>(planes) < 0xffffffff;
+    return header_bytes + page_bytes(pixel_bytes(width, height)) * static_cast<std::size_t>(planes) <
+           0xffffffff;
 }
 
 label_tiff::label_tiff(int width, int height, int planes)
     : _width(width), _height(height), _planes(planes),
-      _bytes(header_bytes + page_bytes(width, height) * static_cast<std::size_t>(planes))
+      _bytes(header_bytes + page_bytes(pixel_bytes(width, height)) * static_cast<std::size_t>(planes))
 {
     assert(is_possible(width, height, planes));
     unsigned char* to = _bytes.data();
@@ -74,25 +68,6 @@ void label_tiff::write_directory(int z)
         put(to, e.value, 4);
     }
     put(to, z + 1 < _planes ? place(0, 0, z + 1) + size : 0, 4);
-}
-
-std::size_t label_tiff::place(int x, int y, int z) const noexcept
-{
-    return header_bytes + page_bytes(_width, _height) * static_cast<std::size_t>(z) +
-           2 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x));
-}
-
-std::uint16_t label_tiff::label(int x, int y, int z) const noexcept
-{
-    const std::size_t at = place(x, y, z);
-    return static_cast<std::uint16_t>(_bytes[at] | _bytes[at + 1] << 8);
-}
-
-void label_tiff::set_label(int x, int y, int z, std::uint16_t label) noexcept
-{
-    const std::size_t at = place(x, y, z);
-    _bytes[at] = static_cast<unsigned char>(label);
-    _bytes[at + 1] = static_cast<unsigned char>(label >> 8);
 }
 
 std::string_view label_tiff::bytes() const noexcept

@@ -2,6 +2,11 @@
 
 #include <utility>
 
+std::string line_of(const loss& l)
+{
+    return l.kind + (l.head.empty() ? "" : ' ' + l.head) + (l.detail.empty() ? "" : ": " + l.detail);
+}
+
 void loss_report::add(std::string kind, std::string head, std::string detail)
 {
     losses.push_back({std::move(kind), std::move(head), std::move(detail)});
@@ -23,7 +28,6 @@ std::string loss_report::text() const
     for (const auto& [kind, count] : counts())
         lines += "lost: " + kind + ' ' + std::to_string(count) + '\n';
     for (const loss& l : losses)
-        lines +=
-            l.kind + (l.head.empty() ? "" : ' ' + l.head) + (l.detail.empty() ? "" : ": " + l.detail) + '\n';
+        lines += line_of(l) + '\n';
     return lines;
 }

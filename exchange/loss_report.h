@@ -10,6 +10,9 @@ struct loss {
     std::string detail;    // may be empty
 };
 
+// Its kind, the unit, the detail: "overlap 008073120045: 12 pixels".
+[[nodiscard]] std::string line_of(const loss& l);
+
 struct loss_report {
     std::vector<loss> losses = {};
     std::size_t units = 0;    // exported
@@ -21,6 +24,6 @@ struct loss_report {
     // How many there are of each kind.
     [[nodiscard]] std::map<std::string, std::size_t> counts() const;
 
-    // The numbers, a line each, then a line for each loss: its kind, the unit, the detail.
+    // The numbers, a line each, then a line for each loss.
     [[nodiscard]] std::string text() const;
 };

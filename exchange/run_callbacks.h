@@ -17,6 +17,20 @@ struct run_callbacks {
     }
 };
 
+// Of work that is a part of a whole: what it tells counts from `first` to `last`, parts of 1, of the whole.
+// REQUIRES: `whole` outlives the answer
+[[nodiscard]] inline run_callbacks part_of(const run_callbacks& whole, double first, double last)
+{
+    run_callbacks part{.progress = {}, .carry_on = whole.carry_on};
+    if (whole.progress)
+        part.progress = [&whole, first, last](int done, int total) {
+            constexpr int steps = 1000;
+            const double share = total > 0 ? static_cast<double>(done) / total : 1;
+            whole.progress(static_cast<int>(steps * (first + (last - first) * share)), steps);
+        };
+    return part;
+}
+
 enum class outcome {
     done,
     stopped,    // carry_on() said so: nothing was written

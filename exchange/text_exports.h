@@ -4,10 +4,10 @@
 
 #include <filesystem>
 
-// Each writes its file or its folder. False after one line on standard error.
-[[nodiscard]] bool write_geff(const export_request& request, const std::filesystem::path& folder,
-                              loss_report& report);
-[[nodiscard]] bool write_trackmate(const export_request& request, const std::filesystem::path& file,
-                                   loss_report& report);
-[[nodiscard]] bool write_csv(const export_request& request, const std::filesystem::path& folder,
-                             loss_report& report);
+// Each writes its file or its folder.
+[[nodiscard]] outcome write_geff(const export_request& request, const std::filesystem::path& folder,
+                                 loss_report& report, const run_callbacks& callbacks);
+[[nodiscard]] outcome write_trackmate(const export_request& request, const std::filesystem::path& file,
+                                      loss_report& report, const run_callbacks& callbacks);
+[[nodiscard]] outcome write_csv(const export_request& request, const std::filesystem::path& folder,
+                                loss_report& report, const run_callbacks& callbacks);

@@ -56,8 +56,8 @@ TIFF* open_tiff(const std::string& filename, std::string& said)
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), be_silent, nullptr);
     // What a damaged file asks for must not take all memory.
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), tmsize_t{tiff_reader::most_pixels} * 4);
-    return TIFFOpenExt(filename.c_str(), "rm",
-                       options.get());    // m: a file that shrinks is an error, no signal
+    // m: a file that shrinks is an error, no signal; c: a strip is read in one go, not in pieces of 8 KB.
+    return TIFFOpenExt(filename.c_str(), "rmc", options.get());
 }
 
 // The library takes a file that is cut behind the last entry of a directory for one that ends there.
@@ -74,6 +74,15 @@ bool directory_is_whole(TIFF* file, const std::string& filename)
     }
     bytes.ignore(static_cast<std::streamsize>(entries * (is_big ? 20 : 12) + (is_big ? 8 : 4) - 1));
     return bytes.get() != std::ifstream::traits_type::eof();
+}
+
+// The page as one of this kind, whose memory is used again when it is one already.
+template <class Label>
+image_page<Label>& page_of(label_page& page)
+{
+    if (auto* const same = std::get_if<image_page<Label>>(&page))
+        return *same;
+    return page.emplace<image_page<Label>>();
 }
 
 template <class Value, class Sample>
@@ -144,16 +153,20 @@ bool tiff_reader::read_layout(layout& found)
     return true;
 }
 
-bool tiff_reader::read_raw(layout& found)
+bool tiff_reader::next_layout(layout& found)
 {
-    if (!read_layout(found))
+    if (!advance() || !read_layout(found))
         return false;
     _is_wide = found.bits == 32;
-    _raw.resize(found.row_bytes * found.height);
-    return TIFFIsTiled(_library->file) ? read_tiles(found) : read_strips(found);
+    return true;
 }
 
-bool tiff_reader::read_strips(const layout& l)
+bool tiff_reader::read_bytes(const layout& l, unsigned char* to)
+{
+    return TIFFIsTiled(_library->file) ? read_tiles(l, to) : read_strips(l, to);
+}
+
+bool tiff_reader::read_strips(const layout& l, unsigned char* to)
 {
     TIFF* const file = _library->file;
     std::uint32_t rows = l.height;
@@ -162,13 +175,13 @@ bool tiff_reader::read_strips(const layout& l)
     std::uint32_t strip = 0;
     for (std::uint32_t row = 0; row < l.height; row += rows, ++strip) {
         const auto bytes = static_cast<tmsize_t>(l.row_bytes * std::min(rows, l.height - row));
-        if (TIFFReadEncodedStrip(file, strip, &_raw[l.row_bytes * row], bytes) != bytes)
+        if (TIFFReadEncodedStrip(file, strip, to + l.row_bytes * row, bytes) != bytes)
             return refuse("cannot be read to its end");
     }
     return true;
 }
 
-bool tiff_reader::read_tiles(const layout& l)
+bool tiff_reader::read_tiles(const layout& l, unsigned char* to)
 {
     TIFF* const file = _library->file;
     std::uint32_t width = 0;
@@ -187,7 +200,7 @@ bool tiff_reader::read_tiles(const layout& l)
                 return refuse("cannot be read to its end");
             const std::size_t columns = std::min(width, l.width - x);
             for (std::uint32_t row = 0; row < std::min(height, l.height - y); ++row)
-                std::memcpy(&_raw[l.row_bytes * (y + row) + pixel * x], &tile[pixel * width * row],
+                std::memcpy(to + l.row_bytes * (y + row) + pixel * x, &tile[pixel * width * row],
                             pixel * columns);
         }
     return true;
@@ -214,27 +227,50 @@ bool tiff_reader::convert(std::vector<Value>& to)
                                                              : "has values that are no labels");
 }
 
-template <class Value>
-bool tiff_reader::read(image_page<Value>& page)
+// Values that are wanted as the file has them go where they are wanted.
+template <class Sample, class Value>
+bool tiff_reader::read_samples(const layout& l, std::vector<Value>& to)
 {
-    layout found;
-    if (!advance() || !read_raw(found))
-        return false;
-    page.width = static_cast<int>(found.width);
-    page.height = static_cast<int>(found.height);
-    if (found.format == SAMPLEFORMAT_IEEEFP)
-        return convert<float>(page.pixels);
-    if (found.format == SAMPLEFORMAT_INT)
-        return found.bits == 8    ? convert<std::int8_t>(page.pixels)
-               : found.bits == 16 ? convert<std::int16_t>(page.pixels)
-                                  : convert<std::int32_t>(page.pixels);
-    return found.bits == 8    ? convert<std::uint8_t>(page.pixels)
-           : found.bits == 16 ? convert<std::uint16_t>(page.pixels)
-                              : convert<std::uint32_t>(page.pixels);
+    const std::size_t count = static_cast<std::size_t>(l.width) * l.height;
+    if constexpr (std::is_same_v<Sample, Value> && std::is_integral_v<Value>) {
+        to.resize(count);
+        return read_bytes(l, reinterpret_cast<unsigned char*>(to.data()));
+    } else {
+        _raw.resize(count * sizeof(Sample));
+        return read_bytes(l, _raw.data()) && convert<Sample>(to);
+    }
 }
 
-bool tiff_reader::next(label_page& page) { return read(page); }
+template <class Value>
+bool tiff_reader::read(const layout& l, image_page<Value>& page)
+{
+    page.width = static_cast<int>(l.width);
+    page.height = static_cast<int>(l.height);
+    if (l.format == SAMPLEFORMAT_IEEEFP)
+        return read_samples<float>(l, page.pixels);
+    if (l.format == SAMPLEFORMAT_INT)
+        return l.bits == 8    ? read_samples<std::int8_t>(l, page.pixels)
+               : l.bits == 16 ? read_samples<std::int16_t>(l, page.pixels)
+                              : read_samples<std::int32_t>(l, page.pixels);
+    return l.bits == 8    ? read_samples<std::uint8_t>(l, page.pixels)
+           : l.bits == 16 ? read_samples<std::uint16_t>(l, page.pixels)
+                          : read_samples<std::uint32_t>(l, page.pixels);
+}
 
-bool tiff_reader::next(grey_page& page) { return read(page); }
+bool tiff_reader::next(label_page& page)
+{
+    layout found;
+    if (!next_layout(found))
+        return false;
+    if (found.format == SAMPLEFORMAT_UINT && found.bits <= 16)
+        return read(found, page_of<std::uint16_t>(page));
+    return read(found, page_of<std::uint32_t>(page));
+}
+
+bool tiff_reader::next(grey_page& page)
+{
+    layout found;
+    return next_layout(found) && read(found, page);
+}
 
 bool tiff_reader::skip() { return advance(); }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
 
 // Row by row, width * height of them.
@@ -16,7 +17,8 @@ struct image_page {
     std::vector<Value> pixels = {};
 };
 
-using label_page = image_page<std::uint32_t>;
+// Of 16 bits where the file has no more: most have not, and half as many bytes are half the work.
+using label_page = std::variant<image_page<std::uint16_t>, image_page<std::uint32_t>>;
 using grey_page = image_page<float>;
 
 class tiff_reader {
@@ -50,17 +52,20 @@ private:
     bool refuse(const std::string& why);
     [[nodiscard]] bool advance();
     [[nodiscard]] bool read_layout(layout& found);
-    [[nodiscard]] bool read_raw(layout& found);
-    [[nodiscard]] bool read_strips(const layout& l);
-    [[nodiscard]] bool read_tiles(const layout& l);
+    [[nodiscard]] bool next_layout(layout& found);
+    [[nodiscard]] bool read_bytes(const layout& l, unsigned char* to);
+    [[nodiscard]] bool read_strips(const layout& l, unsigned char* to);
+    [[nodiscard]] bool read_tiles(const layout& l, unsigned char* to);
+    template <class Sample, class Value>
+    [[nodiscard]] bool read_samples(const layout& l, std::vector<Value>& to);
     template <class Sample, class Value>
     [[nodiscard]] bool convert(std::vector<Value>& to);
     template <class Value>
-    [[nodiscard]] bool read(image_page<Value>& page);
+    [[nodiscard]] bool read(const layout& l, image_page<Value>& page);
 
     std::string _filename;
     std::unique_ptr<library> _library;
-    std::vector<unsigned char> _raw;    // the page read last, as the file has it
+    std::vector<unsigned char> _raw;    // a page as the file has it, where its values are of another kind
     std::string _fault;
     int _page = 0;    // of the one read last, from 1
     bool _is_wide = false;

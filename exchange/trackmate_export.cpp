@@ -5,6 +5,7 @@
 
 #include <QXmlStreamWriter>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -44,6 +45,26 @@ const feature track_features[] = {{"TRACK_INDEX", "Track index", "Index", "NONE"
                                   {"TRACK_ID", "Track ID", "ID", "NONE", true}};
 
 QString text(double value) { return QString::fromStdString(real_text(value)); }
+
+const roi& largest_outline(const export_unit& unit)
+{
+    if (unit.rois.size() == 1)
+        return *unit.rois.front();
+    const unit_images images = images_of(unit);
+    const auto largest =
+        std::ranges::max_element(images, {}, [](const auto& image) { return image->size(); });
+    return *unit.rois[static_cast<std::size_t>(largest - images.begin())];
+}
+
+// A spot has one outline in one plane, or none.
+void report_outlines(const export_graph& graph, loss_report& report)
+{
+    if (!graph.is_flat)
+        return report.add("outlines", "", "a sphere stands for each unit");
+    for (const export_unit& unit : graph.units)
+        if (unit.rois.size() > 1)
+            report.add("outlines", unit.head, "the largest of " + std::to_string(unit.rois.size()));
+}
 
 class trackmate_writer {
 public:
@@ -110,7 +131,7 @@ private:
     {
         const export_unit& unit = _graph.units[i];
         const auto name = _request.units.called.find(unit.head);
-        _xml.writeEmptyElement("Spot");
+        _xml.writeStartElement("Spot");
         _xml.writeAttribute("ID", QString::number(i));
         _xml.writeAttribute("name", name != _request.units.called.end() ? QString::fromStdString(name->second)
                                                                         : 'N' + QString::number(i));
@@ -126,6 +147,25 @@ private:
         _xml.writeAttribute("N_PLANES", QString::number(unit.planes));
         for (const unit_flag& flag : unit_flags)
             _xml.writeAttribute(key_of(flag), flag.is_set(_request, unit) ? "1" : "0");
+        if (_graph.is_flat)
+            write_outline(unit);
+        _xml.writeEndElement();
+    }
+
+    // Corners in micrometres from the centre. Pixels lie around their places, outlines run between them.
+    void write_outline(const export_unit& unit)
+    {
+        constexpr std::size_t fewest_corners = 3;
+        const std::vector<pos2i> corners = corners_of(largest_outline(unit));
+        if (corners.size() < fewest_corners)
+            return;
+        const double pixel_um = _request.info.scale.pixel_um;
+        QString places;
+        for (const pos2i corner : corners)
+            places += (places.isEmpty() ? "" : " ") + text((corner.x() - 0.5) * pixel_um - unit.centre.x()) +
+                      ' ' + text((corner.y() - 0.5) * pixel_um - unit.centre.y());
+        _xml.writeAttribute("ROI_N_POINTS", QString::number(corners.size()));
+        _xml.writeCharacters(places);    // no blank before it: readers stumble over that
     }
 
     // Lineages of one unit are no tracks.
@@ -171,11 +211,15 @@ private:
 
 }    // namespace
 
-bool write_trackmate(const export_request& request, const std::filesystem::path& file, loss_report& report)
+outcome write_trackmate(const export_request& request, const std::filesystem::path& file, loss_report& report,
+                        const run_callbacks& callbacks)
 {
-    const export_graph graph = make_graph(request, false_units::kept, report);
-    report.add("outlines", "", "a sphere stands for each unit");
+    const auto graph = make_graph(request, false_units::kept, report, callbacks);
+    if (!graph)
+        return outcome::stopped;
+    report_outlines(*graph, report);
     report_notes(request, notes_kept::marks_and_names, report);
-    const QByteArray bytes = trackmate_writer(request, graph).write();
-    return write_whole_file(file, {bytes.data(), static_cast<std::size_t>(bytes.size())});
+    const QByteArray bytes = trackmate_writer(request, *graph).write();
+    return write_whole_file(file, {bytes.data(), static_cast<std::size_t>(bytes.size())}) ? outcome::done
+                                                                                          : outcome::refused;
 }

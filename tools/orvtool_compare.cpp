@@ -1,7 +1,7 @@
 // orvtool compare - how two corrections of one recording differ.
 #include "lineage_comparison.h"
+#include "number_texts.h"
 #include "orvtool.h"
-#include "tool_numbers.h"
 
 #include <iostream>
 

@@ -1,11 +1,8 @@
 // orvtool import - makes a recording of the label images of another program.
-#include "import.h"
+#include "import_options.h"
 #include "orvtool.h"
-#include "tool_numbers.h"
 #include "tool_progress.h"
 
-#include <algorithm>
-#include <cmath>
 #include <iostream>
 
 namespace {
@@ -39,78 +36,13 @@ constexpr const char* valued[] = {"out",   "name",   "images", "range", "bin",  
                                   "times", "planes", "pixel",  "plane", "interval"};
 constexpr const char* flags[] = {"force"};
 
-bool read_range(const std::string& text, std::optional<index_range>& range)
-{
-    const auto ends = numbers_in<int>(text, ':');
-    if (ends.size() != 2 || ends[0] < 0 || ends[1] < ends[0])
-        return false;
-    range = index_range{ends[0], ends[1]};
-    return true;
-}
-
-bool read_crop(const std::string& text, std::optional<image_crop>& crop)
-{
-    const auto n = numbers_in<int>(text, ',');
-    constexpr int most = 65535;
-    if (n.size() != 4 || n[0] < 0 || n[1] < 0 || n[2] < 1 || n[3] < 1 || *std::ranges::max_element(n) > most)
-        return false;
-    crop = image_crop{n[0], n[1], n[2], n[3]};
-    return true;
-}
-
-bool read_grey(const std::string& text, std::optional<grey_range>& range)
-{
-    if (text == "auto")
-        return true;
-    const auto ends = numbers_in<double>(text, ':');
-    if (ends.size() != 2 || !(ends[0] < ends[1]))
-        return false;
-    range = grey_range{ends[0], ends[1]};
-    return true;
-}
-
-bool read_bin(const std::string& text, int& bin)
-{
-    const auto n = numbers_in<int>(text, ',');
-    if (n.size() != 1 || n[0] < 1 || n[0] > 1000)
-        return false;
-    bin = n[0];
-    return true;
-}
-
-bool read_positive(const std::string& text, double& value)
-{
-    const auto n = numbers_in<double>(text, ',');
-    if (n.size() != 1 || !(n[0] > 0) || !std::isfinite(n[0]))
-        return false;
-    value = n[0];
-    return true;
-}
-
 // False after one line when the value of an option is none.
 bool read_options(const tool_arguments& arguments, import_request& request)
 {
-    double interval = 0;
-    const struct {
-        const char* name;
-        std::function<bool(const std::string&)> read;
-    } options[] = {
-        {"range", [&](const std::string& v) { return read_grey(v, request.range); }},
-        {"bin", [&](const std::string& v) { return read_bin(v, request.window.bin); }},
-        {"crop", [&](const std::string& v) { return read_crop(v, request.window.crop); }},
-        {"times", [&](const std::string& v) { return read_range(v, request.window.times); }},
-        {"planes", [&](const std::string& v) { return read_range(v, request.window.planes); }},
-        {"pixel", [&](const std::string& v) { return read_positive(v, request.info.scale.pixel_um); }},
-        {"plane", [&](const std::string& v) { return read_positive(v, request.info.scale.plane_um); }},
-        {"interval", [&](const std::string& v) { return read_positive(v, interval); }},
-    };
-    for (const auto& option : options)
-        if (arguments.has(option.name) && !option.read(arguments.value(option.name, "")))
-            return refuse_use("no value for --" + std::string(option.name) + ": " +
-                              arguments.value(option.name, "")),
-                   false;
-    if (interval > 0)
-        request.info.interval_s = interval;
+    for (const import_option& option : import_options())
+        if (const std::string value = arguments.value(option.name, "");
+            arguments.has(option.name) && !option.read(value, request))
+            return refuse_use("no value for --" + std::string(option.name) + ": " + value), false;
     return true;
 }
 

@@ -1,8 +1,8 @@
 // orvtool score - how good units and links are, where the truth is known.
 #include "error_line.h"
+#include "number_texts.h"
 #include "roidb_plus.h"
 #include "scoring.h"
-#include "tool_numbers.h"
 #include "unit_rules.h"
 
 #include <charconv>

@@ -1,8 +1,10 @@
 #include "lineage_page.h"
 
 #include "busy_run.h"
+#include "export_dialog.h"
 #include "file_dialogs.h"
 #include "help_window.h"
+#include "import_dialog.h"
 #include "places.h"
 #include "scale_dialog.h"
 #include "tree_window.h"
@@ -108,6 +110,17 @@ const button_row buttons[] = {
      QT_TRANSLATE_NOOP("LineagePage", "Close"),
      {118, 60, 60, 26},
      QT_TRANSLATE_NOOP("LineagePage", "Close the recording; what is not saved is lost")},
+    {&LineagePage::import_labels,
+     "import",
+     QT_TRANSLATE_NOOP("LineagePage", "Import..."),
+     {188, 60, 76, 26},
+     QT_TRANSLATE_NOOP("LineagePage",
+                       "Make a recording of the label images of another program, and open it")},
+    {&LineagePage::export_units,
+     "export",
+     QT_TRANSLATE_NOOP("LineagePage", "Export..."),
+     {264, 60, 76, 26},
+     QT_TRANSLATE_NOOP("LineagePage", "Write units and links as other programs read them")},
     {&LineagePage::stop,
      "stop",
      QT_TRANSLATE_NOOP("LineagePage", "Stop"),
@@ -182,7 +195,7 @@ void LineagePage::create_controls()
 
     progress = new QProgressBar(this);
     progress->setObjectName("progress");
-    progress->setGeometry(188, 62, 332, 22);
+    progress->setGeometry(350, 62, 170, 22);
     progress->setFormat(tr("time point %v of %m"));
     progress->hide();
     numbers = new QLabel(this);
@@ -220,6 +233,8 @@ void LineagePage::connect_controls()
             _help_window->update_text();
     });
     connect(close_recording, &QPushButton::clicked, window, &ORVBrowser::pushButton_close_clicked);
+    connect(import_labels, &QPushButton::clicked, this, [this] { ImportDialog::show_for(_window); });
+    connect(export_units, &QPushButton::clicked, this, [this] { ExportDialog::show_for(_window); });
     connect(stop, &QPushButton::clicked, this, [this] {
         _stop_asked = true;
         auto_split->setChecked(false);
@@ -243,7 +258,8 @@ void LineagePage::waiting_changed() { enable_controls(); }
 
 void LineagePage::showEvent(QShowEvent*) { count(); }
 
-// The switch of the automatic split, and Stop, are what ends a run; help is always at hand.
+// The switch of the automatic split, and Stop, are what ends a run; help and import are there without a
+// recording, too.
 void LineagePage::enable_controls()
 {
     const bool is_open = _window.isOpen();
@@ -255,6 +271,7 @@ void LineagePage::enable_controls()
     auto_split->setEnabled(is_open && (!is_busy || auto_split->isChecked()));
     stop->setEnabled(is_busy);
     help->setEnabled(true);
+    import_labels->setEnabled(!is_busy);
 }
 
 // While units are being made, or nobody looks, it can wait.
@@ -353,13 +370,8 @@ void LineagePage::read_file()
     const std::string filename = native_name(ask_filename(
         this, lineage_question(QFileDialog::AcceptOpen, "open lineage-file", tr("Choose a filename to read")),
         default_file(_window.dataset(), ".lineage")));
-    if (filename.empty() || !self || !is_there(filename) || !_window.isOpen())
-        return;
-    if (std::optional<lineage> units = read_lineage(filename, _window.dataset(), _window.rois())) {
-        _window.note_read(filename);
-        _window.replace_lineage(std::move(*units));
-        _window.show_changes();
-    }
+    if (!filename.empty() && self && is_there(filename))
+        (void)_window.take_lineage(filename);
 }
 
 void LineagePage::save_file()

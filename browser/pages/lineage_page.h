@@ -47,6 +47,8 @@ public:
     QPushButton* help = nullptr;
     QPushButton* reload_colors = nullptr;
     QPushButton* close_recording = nullptr;
+    QPushButton* import_labels = nullptr;
+    QPushButton* export_units = nullptr;
     QPushButton* stop = nullptr;
     QProgressBar* progress = nullptr;
     QLabel* numbers = nullptr;

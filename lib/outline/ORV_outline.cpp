@@ -1,6 +1,7 @@
 #include "ORV_outline.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
 #include <utility>
@@ -9,17 +10,37 @@ namespace {
 
 // The steps '0' to '3' turn left one after the other: up, left, down, right.
 constexpr int down_step = 2;
+constexpr std::size_t usual_steps = 128;    // around a nucleus
 constexpr pos2i steps[] = {{0, -1}, {-1, 0}, {0, 1}, {1, 0}};
 
-// Seen from a vertex in the direction of each step: the pixel ahead to the left
-// and the one ahead to the right. A vertex has the coordinates of the pixel that
-// it is the top-left corner of.
-constexpr pos2i ahead_left[] = {{-1, -1}, {-1, 0}, {0, 0}, {0, -1}};
-constexpr pos2i ahead_right[] = {{0, -1}, {-1, -1}, {-1, 0}, {0, 0}};
+// The four pixels around a vertex as bits. A vertex has the coordinates of the pixel that it is the top-left
+// corner of.
+enum around : unsigned { upper_left = 1, upper_right = 2, lower_left = 4, lower_right = 8 };
+
+// Seen from a vertex in the direction of each step: the pixel ahead to the left and the one ahead to the
+// right.
+constexpr around ahead_left[] = {upper_left, lower_left, lower_right, upper_right};
+constexpr around ahead_right[] = {upper_right, upper_left, lower_left, lower_right};
+
+// The next step after each step, by the pixels around the vertex that are of the region. The left turn comes
+// first: where two pixels touch only at this corner, the walk stays with the one it came along.
+using step_table = std::array<std::array<int, 16>, 4>;
+constexpr step_table make_step_table()
+{
+    step_table next{};
+    for (int step = 0; step < 4; ++step)
+        for (unsigned inside = 0; inside < 16; ++inside)
+            next[step][inside] = !(inside & ahead_left[step])    ? (step + 1) % 4
+                                 : !(inside & ahead_right[step]) ? step
+                                                                 : (step + 3) % 4;
+    return next;
+}
+constexpr step_table next_step = make_step_table();
 
 // Which pixels are of the region that is walked: of a mask all but 0, of labels those of its start.
 bool is_same(unsigned char pixel, unsigned char) { return pixel != 0; }
 bool is_same(std::uint32_t pixel, std::uint32_t label) { return pixel == label; }
+bool is_same(std::uint16_t pixel, std::uint16_t label) { return pixel == label; }
 
 template <class Pixel>
 class region_walker {
@@ -43,9 +64,9 @@ public:
     [[nodiscard]] int next_unvisited(int x, int y) const noexcept
     {
         const Pixel* const row = &_left[index(0, y)];
-        for (; x + block <= _width; x += block) {
+        for (; x + empty_block <= _width; x += empty_block) {
             Pixel any = 0;
-            for (int i = 0; i < block; ++i)
+            for (int i = 0; i < empty_block; ++i)
                 any = static_cast<Pixel>(any | row[x + i]);
             if (any)
                 break;
@@ -56,7 +77,8 @@ public:
     }
 
 private:
-    static constexpr int block = 16;    // pixels that are looked at together
+    static constexpr int block = 16;          // pixels that are looked at together
+    static constexpr int empty_block = 64;    // the same where most are background
 
     // How many pixels of a block are of the region and not visited. (All of one type, for the vector
     // registers.)
@@ -75,10 +97,21 @@ private:
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) + static_cast<std::size_t>(x);
     }
 
-    [[nodiscard]] bool contains(pos2i p) const noexcept
+    [[nodiscard]] bool contains(int x, int y) const noexcept
     {
-        return p.x() >= 0 && p.y() >= 0 && p.x() < _width && p.y() < _height &&
-               is_same(_left[index(p.x(), p.y())], _own);
+        return x >= 0 && y >= 0 && x < _width && y < _height && is_fresh(x, y);
+    }
+
+    // The pixels around a vertex that are of the region, as bits.
+    [[nodiscard]] unsigned inside_around(int x, int y) const noexcept
+    {
+        if (x <= 0 || y <= 0 || x >= _width || y >= _height)
+            return upper_left * contains(x - 1, y - 1) + upper_right * contains(x, y - 1) +
+                   lower_left * contains(x - 1, y) + lower_right * contains(x, y);
+        const Pixel* const upper = &_left[index(x - 1, y - 1)];
+        const Pixel* const lower = upper + _width;
+        return upper_left * is_same(upper[0], _own) + upper_right * is_same(upper[1], _own) +
+               lower_left * is_same(lower[0], _own) + lower_right * is_same(lower[1], _own);
     }
 
     // Marks the whole region, run by run; its number of pixels.
@@ -141,25 +174,17 @@ private:
     [[nodiscard]] std::string walk(pos2i start) const
     {
         std::string chain;
-        pos2i vertex = start;
+        chain.reserve(usual_steps);
+        int x = start.x();
+        int y = start.y();
         int step = down_step;
         do {
             chain += static_cast<char>('0' + step);
-            vertex = vertex + steps[step];
-            step = next_step(vertex, step);
-        } while (!(vertex == start));
+            x += steps[step].x();
+            y += steps[step].y();
+            step = next_step[step][inside_around(x, y)];
+        } while (x != start.x() || y != start.y());
         return chain;
-    }
-
-    // The left turn comes first: where two pixels touch only at this corner, the
-    // walk stays with the one it came along.
-    [[nodiscard]] int next_step(pos2i vertex, int step) const noexcept
-    {
-        if (!contains(vertex + ahead_left[step]))
-            return (step + 1) % 4;
-        if (!contains(vertex + ahead_right[step]))
-            return step;
-        return (step + 3) % 4;
     }
 
     Pixel _own = 0;    // of the region that is walked
@@ -183,6 +208,16 @@ void walk_regions(std::span<Pixel> pixels, int width, int height, Take take)
         }
 }
 
+template <class Label>
+std::vector<labelled_region> regions_of(std::span<Label> labels, int width, int height)
+{
+    std::vector<labelled_region> regions;
+    walk_regions(labels, width, height, [&](outlined_region region, Label label) {
+        regions.push_back({std::move(region), label});
+    });
+    return regions;
+}
+
 }    // namespace
 
 std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask, int width, int height)
@@ -197,11 +232,12 @@ std::vector<outlined_region> outline_regions(std::span<const unsigned char> mask
 
 std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width, int height)
 {
-    std::vector<labelled_region> regions;
-    walk_regions(labels, width, height, [&](outlined_region region, std::uint32_t label) {
-        regions.push_back({std::move(region), label});
-    });
-    return regions;
+    return regions_of(labels, width, height);
+}
+
+std::vector<labelled_region> outline_labels(std::span<std::uint16_t> labels, int width, int height)
+{
+    return regions_of(labels, width, height);
 }
 
 long long enclosed_pixels(const std::string& chain) noexcept

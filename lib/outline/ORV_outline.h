@@ -34,6 +34,8 @@ struct labelled_region : outlined_region {
 // REQUIRES: labels.size() == width * height
 [[nodiscard]] std::vector<labelled_region> outline_labels(std::span<std::uint32_t> labels, int width,
                                                           int height);
+[[nodiscard]] std::vector<labelled_region> outline_labels(std::span<std::uint16_t> labels, int width,
+                                                          int height);
 
 // The number of pixels that a closed outline encloses, holes included: positive
 // when it runs counter-clockwise on the screen. Characters other than '0' to '3'

@@ -135,6 +135,7 @@ TEST_F(exporting, tracks_end_where_nuclei_divide_and_where_they_are_not_shown)
     EXPECT_EQ(run(export_format::ctc, made.request(folder.path("out"))), "");
     EXPECT_EQ(table(), "1 0 1 0\n2 2 2 1\n3 2 2 1\n4 2 2 1\n5 3 3 0\n6 5 5 2\n");
     EXPECT_EQ(lost("many_children").size(), 1u);
+    EXPECT_EQ(lost("gap"), strings{later + " a track of its own, its parent " + b});
     EXPECT_TRUE(fs::exists(folder.path("out/01_RES/mask004.tif"))) << "also where there is no nucleus";
     expect_same_when_read_again();
 }

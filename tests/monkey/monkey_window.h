@@ -82,7 +82,8 @@ private:
         const bool is_button = qobject_cast<const QPushButton*>(w);
         if (w == lineEdit_dataset || w == page->stop)
             return w == lineEdit_dataset && !isOpen();
-        if (is_button && (w->parentWidget() == file || w == page->help || w == pushButton_select_all))
+        if (is_button && (w->parentWidget() == file || w == page->help || w == page->import_labels ||
+                          w == pushButton_select_all))
             return true;
         return (is_button && w->window() == this) || w == lineEdit_time_point || w == lineEdit_focal_plane ||
                        w == page->overlap

@@ -1,4 +1,4 @@
-// tool_numbers.h - numbers in the value of an option, and in what is printed.
+// number_texts.h - numbers in the value of an option, and in what is printed.
 #pragma once
 #include <charconv>
 #include <string>
