@@ -22,6 +22,7 @@
 #include "roidb_plus.h"
 #include "run_state.h"
 #include "unit_notes.h"
+#include "unit_parting.h"
 
 #include <functional>
 #include <list>
@@ -113,8 +114,12 @@ public:
     void toggle_selected(const string& key);
     void toggle_false_positive(const string& key);
     void toggle_elite(const string& unit);
-    void note_edited(const string& unit);                 // that a person has made or changed it
-    [[nodiscard]] bool is_touched(const string& unit);    // so noted, or elite
+    void note_edited(const string& unit);                        // that a person has made or changed it
+    void set_reviewed(const string& unit, bool on);              // that a person has looked at it
+    [[nodiscard]] bool is_reviewed(const string& unit) const;    // so noted, or elite
+    void set_dismissed(const dismissal& d, bool on);             // that a finding is none
+    void set_gap(const string& earlier, const string& later, bool on);    // that both are one nucleus
+    [[nodiscard]] bool is_touched(const string& unit);                    // so noted, or elite
     void set_elite(const set<string>& units, bool on);
     void choose(const string& unit);    // "": no nucleus
     void select_all(int t);             // but for false positives
@@ -192,6 +197,16 @@ public:
                                             bool& minus);
     virtual pos3d search_cutting_position(string doubt, pos3d E_normal, pos3d E_pos, int SEARCH_WIDTH);
     virtual void splitROI(string doubt, pos3d E_normal, pos3d E_m, list<roi>& roi_plus, list<roi>& roi_minus);
+
+    // ---- Parting a unit in two, which needs no parents (parting.cpp)
+    // How it would be cut, which changes nothing. Nothing when there are not two sides.
+    [[nodiscard]] std::optional<unit_parting> find_parting(const string& unit,
+                                                           const parting_request& how = {});
+    // Cuts it so; the heads of the plus and the minus half. Nothing, and one line, when it cannot be cut: all
+    // stays as it is.
+    std::optional<std::pair<string, string>> part_unit(const string& unit, const unit_parting& how);
+    // The rasters of its ROIs, ascending by key; they are there as long as a LongRun.
+    [[nodiscard]] std::vector<keyed_raster> rasters_of(const string& unit);
 
 protected:
     // Lets whatever waits for this thread go on, between the small steps of a long operation. True iff there
@@ -333,6 +348,17 @@ private:
     void link_to_halves(const half_of_unit& half_of, const string& head_plus, const string& head_minus);
     [[nodiscard]] string nearest(const set<string>& units, const string& to);
 
+    // ---- Parting
+    struct parted_rois {
+        list<roi> plus;
+        list<roi> minus;
+        std::vector<std::pair<string, set<string>>>
+            divided;    // those that are gone, and what is made of each
+    };
+    [[nodiscard]] std::optional<parted_rois> rois_of(const string& unit, const unit_parting& how);
+    [[nodiscard]] static bool divide(const roi_parting& divided, const roi_mask& raster, parted_rois& parted);
+    std::pair<string, string> enter_parts(const string& unit, const parted_rois& parted);
+
     // ---- Primitive edits: the only places that write what a step brings back (edits.cpp)
     void enter_roi(const roi& r);
     void remove_roi(const string& key);
@@ -357,6 +383,9 @@ private:
     void enter_info(const recording_info& info);
     void add_note(const string& note);
     void remove_note(const string& note);
+    void set_note(const string& note, bool on);
+    void forget_dismissals(const string& key);
+    void forget_review(const string& unit);
 
     std::shared_ptr<observer_list> m_observers;
     std::shared_ptr<run_state> m_run_state;

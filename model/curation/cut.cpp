@@ -4,10 +4,9 @@
 #include "curation.h"
 #include "cutting_plane.h"
 #include "error_line.h"
+#include "half_mask.h"
 #include "keygen.h"
 #include "long_run.h"
-
-#include "ORV_outline.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,53 +23,6 @@ constexpr double smallest_move = 1e-9;
 
 // Stands for a plane that was not found.
 const pos3d no_position(NAN, NAN, NAN);
-
-// One half of a member ROI: a mask of the size of its raster.
-struct half_mask {
-    std::vector<unsigned char> pixels;
-    int width;
-    int height;
-    long long size = 0;
-
-    explicit half_mask(const q_roiimg& raster)
-        : pixels(static_cast<std::size_t>(raster.width()) * static_cast<std::size_t>(raster.height())),
-          width(raster.width()), height(raster.height())
-    {
-    }
-
-    void set(int x, int y)
-    {
-        pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)] =
-            1;
-        ++size;
-    }
-};
-
-// An answer may hold any number: sums wrap, and so do their inverses, with -1 for `times`.
-pos2i moved(pos2i p, pos2i by, int times)
-{
-    const auto sum = [n = static_cast<unsigned int>(times)](int a, int b) {
-        return static_cast<int>(static_cast<unsigned int>(a) + n * static_cast<unsigned int>(b));
-    };
-    return {sum(p.x(), by.x()), sum(p.y(), by.y())};
-}
-
-// True iff the ROIs of a side enclose all pixels of this half: those that are closed, and inside its box.
-// They have a place then. A half without a pixel has none.
-bool is_covered(const half_mask& half, const q_roiimg& raster, const std::list<roi>& rois,
-                std::set<const roi*>& placed)
-{
-    if (half.size == 0)
-        return true;
-    std::vector<unsigned char> enclosed(half.pixels.size());
-    for (const roi& r : rois)
-        if (r.z() == raster.z() && !r.outline().empty() &&
-            fill_outline(moved(r, raster.top_left(), -1), r.outline(), enclosed, half.width, half.height))
-            placed.insert(&r);
-    return std::equal(
-        half.pixels.begin(), half.pixels.end(), enclosed.begin(),
-        [](unsigned char in_half, unsigned char is_enclosed) { return !in_half || is_enclosed; });
-}
 
 key_set keys_of(const std::list<roi>& rois)
 {
@@ -170,16 +122,6 @@ std::pair<half_mask, half_mask> halves_of(const q_roiimg& raster, pos3d nom, pos
         }
     }
     return halves;
-}
-
-// Appends the ROIs that roimaker makes of a half, moved to where its raster lies.
-void append_rois(half_mask& half, const q_roiimg& raster, const char* side, std::list<roi>& rois)
-{
-    for (const roi& r : makeROIs(half.pixels.data(), half.width, half.height)) {
-        const pos2i at = moved(r, raster.top_left(), 1);
-        rois.emplace_back(at.x(), at.y(), raster.z(), raster.t(), r.outline());
-        std::cout << side << rois.back() << std::endl;
-    }
 }
 
 }    // namespace

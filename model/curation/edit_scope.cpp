@@ -30,3 +30,11 @@ EditScope::~EditScope()
     if (--_step->scopes == 0 && _step->model)
         _step->model->end_step();
 }
+
+MachineScope::MachineScope(curation& model, const char* what, const std::string& a)
+    : EditScope(model, what, a)
+{
+    ++_step->machine_scopes;
+}
+
+MachineScope::~MachineScope() { --_step->machine_scopes; }

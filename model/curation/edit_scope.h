@@ -17,6 +17,14 @@ public:
     EditScope(const EditScope&) = delete;
     EditScope& operator=(const EditScope&) = delete;
 
-private:
+protected:
     std::shared_ptr<open_step> _step;
+};
+
+// The same for what is made by a rule, not decided unit by unit: a person has not looked at the units that it
+// changes.
+class MachineScope : public EditScope {
+public:
+    MachineScope(curation& model, const char* what, const std::string& a = {});
+    ~MachineScope();
 };

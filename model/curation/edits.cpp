@@ -14,6 +14,13 @@ int position_of(const Entries& entries, Cursor entry)
     return static_cast<int>(std::distance(entries.lower_bound(entry->first), entry));
 }
 
+constexpr std::string_view dismissed = "DISMISSED ";
+
+bool is_dismissal(unit_notes::const_iterator note, const unit_notes& notes)
+{
+    return note != notes.end() && note->starts_with(dismissed);
+}
+
 }    // namespace
 
 edit_step* curation::noted() { return m_open_step ? &m_open_step->step : nullptr; }
@@ -54,6 +61,7 @@ void curation::remove_roi(const string& key)
     m_roidb->remove(gone);
     if (m_q_roiimgdb)
         m_q_roiimgdb->remove(gone);
+    forget_dismissals(key);
     notify();
 }
 
@@ -67,6 +75,9 @@ void curation::enter_member(const string& unit, const string& key)
         if (is_new)
             step->add(change_kind::head, key, unit);
     }
+    forget_dismissals(unit);
+    forget_dismissals(key);
+    forget_review(unit);
     ++m_edits;
     notify();
 }
@@ -90,6 +101,8 @@ void curation::remove_unit(const string& unit)
         for (auto entry = first; entry != last; ++entry)
             step->remove(change_kind::unit, entry->first, entry->second);
     m_head_members.erase(first, last);
+    forget_dismissals(unit);
+    forget_review(unit);
     ++m_edits;
     notify();
 }
@@ -99,6 +112,8 @@ void curation::enter_link(const string& child, const string& parent)
     m_linkage_multimap.emplace(child, parent);
     if (edit_step* const step = noted())
         step->add(change_kind::link, child, parent);
+    forget_review(child);
+    forget_review(parent);
     ++m_edits;
     notify();
 }
@@ -107,6 +122,8 @@ void curation::remove_link(link_cursor entry)
 {
     if (edit_step* const step = noted())
         step->remove(change_kind::link, entry->first, entry->second, position_of(m_linkage_multimap, entry));
+    forget_review(string(entry->first));
+    forget_review(string(entry->second));
     m_linkage_multimap.erase(entry);
     ++m_edits;
     notify();
@@ -167,6 +184,30 @@ void curation::remove_note(const string& note)
         step->remove(change_kind::note, note);
     m_unit_notes.erase(note);
     notify();
+}
+
+// A finding is dismissed as long as its unit has the same ROIs. Kind by kind: there are few of those.
+void curation::forget_dismissals(const string& key)
+{
+    std::vector<string> about;
+    for (auto note = m_unit_notes.lower_bound("DISMISSED "); is_dismissal(note, m_unit_notes);) {
+        const string of_kind = note->substr(0, note->find(' ', dismissed.size()));
+        const string of_unit = of_kind + ' ' + key;
+        for (note = m_unit_notes.lower_bound(of_unit);
+             note != m_unit_notes.end() && note->starts_with(of_unit); ++note)
+            about.push_back(*note);
+        note = m_unit_notes.lower_bound(of_kind + '!');    // comes after ' '
+    }
+    for (const string& note : about)
+        remove_note(note);
+}
+
+// What a machine changes has to be looked at again.
+void curation::forget_review(const string& unit)
+{
+    const bool is_by_machine = m_open_step && m_open_step->machine_scopes > 0;
+    if (const string note = "REVIEWED " + unit; is_by_machine && m_unit_notes.contains(note))
+        remove_note(note);
 }
 
 void curation::enter_info(const recording_info& info)

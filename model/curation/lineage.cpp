@@ -218,7 +218,7 @@ void curation::makeLinkage(int t)
 {
     if (!has_rois())
         return;
-    const EditScope step(*this, "Make links");
+    const MachineScope step(*this, "Make links");
     for (const auto& [child, parent] : links_by_overlap(t))
         enter_link(child, parent);
 }

@@ -40,7 +40,7 @@ void curation::make_units(int t, const making& how)
 {
     if (!has_rois())
         return;
-    const EditScope step(*this, "Make units");
+    const MachineScope step(*this, "Make units");
     const LongRun run(*this);
     m_auto_make_units = true;
     const auto done = qScopeGuard([state = m_run_state] {
@@ -178,7 +178,7 @@ link_making::link_making(curation& model, const making& how)
 
 bool link_making::step(int t)
 {
-    const EditScope step(_model, "Make links");
+    const MachineScope step(_model, "Make links");
     const std::optional<link_set> links = find(t);
     if (links)
         _model.enter_links(t, *links, _how.spares);

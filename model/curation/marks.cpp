@@ -95,8 +95,41 @@ bool curation::is_called(const string& unit) const
 void curation::note_edited(const string& unit)
 {
     const EditScope step(*this, "Edit", unit);
-    if (m_head_members.contains(unit))
-        add_note("EDITED " + unit);
+    if (!m_head_members.contains(unit))
+        return;
+    add_note("EDITED " + unit);
+    add_note("REVIEWED " + unit);
+}
+
+bool curation::is_reviewed(const string& unit) const
+{
+    return m_unit_notes.contains("REVIEWED " + unit) || m_elite_head_roi_set.contains(unit);
+}
+
+void curation::set_reviewed(const string& unit, bool on)
+{
+    const EditScope step(*this, on ? "Reviewed" : "Not reviewed", unit);
+    set_note("REVIEWED " + unit, on && m_head_members.contains(unit));
+}
+
+void curation::set_dismissed(const dismissal& d, bool on)
+{
+    const EditScope step(*this, on ? "Not an error" : "May be an error", d.head);
+    set_note("DISMISSED " + d.kind + ' ' + d.head + (d.other.empty() ? "" : ' ' + d.other), on);
+}
+
+void curation::set_gap(const string& earlier, const string& later, bool on)
+{
+    const EditScope step(*this, on ? "Gap" : "No gap", earlier, later);
+    set_note("GAP " + earlier + ' ' + later, on);
+}
+
+void curation::set_note(const string& note, bool on)
+{
+    if (on)
+        add_note(note);
+    else if (m_unit_notes.contains(note))
+        remove_note(note);
 }
 
 void curation::select_all(int t)

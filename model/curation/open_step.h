@@ -17,4 +17,5 @@ struct open_step {
     edit_step step;
     std::string chosen_before;
     int scopes = 0;
+    int machine_scopes = 0;    // of these, those of what no person decides one by one
 };

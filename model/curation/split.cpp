@@ -43,7 +43,7 @@ bool curation::split_first_suspect()
         return false;
     }
     const std::string doubt = *m_falsely_grouped_units_candidates.begin();
-    const EditScope step(*this, "Repair", doubt);
+    const MachineScope step(*this, "Repair", doubt);
     const LongRun run(*this);
     const unsigned long edits = m_edits;
     handle_suspect(doubt);
