@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const tool_command* commands[] = {&command_compare, &command_export, &command_import,
+constexpr const tool_command* commands[] = {&command_check, &command_compare, &command_export, &command_import,
                                             &command_info,    &command_score,  &command_units};
 
 void print_help()

@@ -7,7 +7,7 @@
 #include <vector>
 
 constexpr int exit_done = 0;
-constexpr int exit_different = 1;    // compare: there are differences
+constexpr int exit_different = 1;    // compare: there are differences; check: findings
 constexpr int exit_refused = 2;      // wrong use, or a file that cannot be read or written
 
 // What stands behind the name of a command.
@@ -30,6 +30,7 @@ struct tool_command {
 };
 
 // One file each, orvtool_<name>.cpp.
+extern const tool_command command_check;
 extern const tool_command command_compare;
 extern const tool_command command_export;
 extern const tool_command command_import;

@@ -199,6 +199,32 @@ public:
         return s;
     }
 
+    [[nodiscard]] std::vector<lineage_error> errors() const
+    {
+        using kind = lineage_error::kind;
+        std::vector<lineage_error> all;
+        std::map<nucleus, key_set> heads;
+        for (const auto& [head, u] : _units) {
+            heads[u.of].insert(head);
+            const auto rois = _shown.rois().find(u.of);
+            if (rois == _shown.rois().end() || rois->second != u.members || !is_of_one(u))
+                all.push_back({kind::unit, {head}});
+        }
+        link_kinds missing = reference_links();
+        for (const auto& [child, parent] : _links) {
+            const nucleus c = _units.at(child).of;
+            const nucleus p = _units.at(parent).of;
+            if (!_known.are_related(c.label, p.label))
+                all.push_back({kind::link, {child, parent}});
+            missing.erase({c, p});
+        }
+        for (const auto& [link, link_is] : missing) {
+            lineage_error& error = all.emplace_back(lineage_error{kind::missing_link, heads[link.first]});
+            error.units.insert(heads[link.second].begin(), heads[link.second].end());
+        }
+        return all;
+    }
+
     [[nodiscard]] share_score links() const
     {
         share_score s{.made = _links.size()};
@@ -375,4 +401,9 @@ lineage_score score_lineage(const lineage& made, const truth& known, const roidb
     const comparison c(made, known, rois);
     const auto [det, tra] = c.accuracy();
     return {c.units(), c.links(), c.divisions(), det, tra};
+}
+
+std::vector<lineage_error> errors_of(const lineage& made, const truth& known, const roidb& rois)
+{
+    return comparison(made, known, rois).errors();
 }

@@ -47,4 +47,15 @@ struct lineage_score {
     double tra = 1;
 };
 
+// One thing that is wrong, and the units that it shows in.
+struct lineage_error {
+    enum class kind { unit, link, missing_link };
+    kind what;
+    std::set<std::string> units;
+};
+
+// Units that are not right, links that are not, and links between shown nuclei that are missing.
+[[nodiscard]] std::vector<lineage_error> errors_of(const lineage& made, const truth& known,
+                                                   const roidb& rois);
+
 [[nodiscard]] lineage_score score_lineage(const lineage& made, const truth& known, const roidb& rois);

@@ -15,8 +15,8 @@ constexpr rule_record records[] = {
     {fk::two_nuclei, pk::cut, 260 + 421, 263 + 449},
     {fk::missing_plane, pk::cut_between, 40 + 495, 57 + 495},
     {fk::unlinked, pk::merge, 19 + 45, 23 + 46},
-    {fk::doubtful, pk::unlink, 9, 10},         // no nucleus has two parents
-    {fk::many_children, pk::unlink, 9, 10},    // and none three children
+    {fk::doubtful, pk::unlink, 1, 1},         // no nucleus has two parents,
+    {fk::many_children, pk::unlink, 1, 1},    // and none three children
     {fk::joined_outline, pk::cut_outline, 55, 56 + 8},
     {fk::dead_end, pk::link, 21 + 70, 25 + 82},
     {fk::waist, pk::cut_between, 18, 26},
@@ -61,6 +61,8 @@ std::string time_of_other(const finding& f)
 
 }    // namespace
 
+double rule_record::share() const noexcept { return of >= fewest_measured ? score() : 0; }
+
 const rule_record& record_of(finding_rule rule) noexcept { return records[static_cast<std::size_t>(rule)]; }
 
 bool ranks_before(const finding& a, const finding& b) noexcept
@@ -87,7 +89,7 @@ std::string reason_of(const finding& f)
     case finding_rule::second_parent:
         return "It has more than one parent";
     case finding_rule::third_child:
-        return "Its parent has three or more children";
+        return "It has three or more children";
     case finding_rule::gap_filled:
         return "Its outline of plane " + std::to_string(f.plane) +
                " covers the plane that its neighbour lacks";

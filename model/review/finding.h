@@ -81,8 +81,11 @@ struct rule_record {
     int right;
     int of;
 
-    [[nodiscard]] constexpr double share() const noexcept { return of > 0 ? double(right) / of : 0; }
+    [[nodiscard]] constexpr double score() const noexcept { return static_cast<double>(right) / of; }
+    // The same where enough were measured to promise it; else 0.
+    [[nodiscard]] double share() const noexcept;
 };
+constexpr int fewest_measured = 20;
 
 [[nodiscard]] const rule_record& record_of(finding_rule rule) noexcept;
 

@@ -61,7 +61,7 @@ private:
     {
         const rule_record& record = record_of(rule);
         return _found.emplace_back(finding{record.kind, rule, _u.t, _u.head, std::move(with), plane,
-                                           record.share(), record.proposal});
+                                           record.score(), record.proposal});
     }
 
     [[nodiscard]] bool has_end() const { return _u.children.empty() && _u.t < _scene.last_t(); }
@@ -78,11 +78,11 @@ private:
     {
         if (_u.parent_entries > 1)
             look_at_parents();
+        if (_u.children.size() > 2)
+            propose_unlinking(add(finding_rule::third_child), _u.children);
         for (scene_unit* const parent : _u.parents) {
             if (_u.is_reviewed || parent->is_reviewed)
                 continue;
-            if (parent->children.size() > 2 && is_farthest_child(*parent))
-                add(finding_rule::third_child, {parent->head});
             if (parent->children.size() > 1 && has_end())
                 add(finding_rule::daughter_ends, {parent->head});
             if (distance(_u.shape, parent->shape) >= far_away && ratio(_u, *parent) >= other_volume)
@@ -92,21 +92,25 @@ private:
 
     void look_at_parents()
     {
-        const auto farthest = std::ranges::max_element(_u.parents, {}, [this](const scene_unit* parent) {
-            return std::pair(distance(_u.shape, parent->shape), parent->head);
-        });
+        const auto inner = inner_units();
         finding& f = add(finding_rule::second_parent);
-        if (farthest != _u.parents.end())
-            f.with = {(*farthest)->head};
-        if (f.with.empty() || _u.is_reviewed || (*farthest)->is_reviewed)
-            f.proposal = proposal_kind::none;
+        if (inner.size() > 1 && may_be_cut() && is_two()) {
+            f.with = heads_of(inner);
+            f.proposal = proposal_kind::cut;
+        } else
+            propose_unlinking(f, _u.parents);
     }
 
-    [[nodiscard]] bool is_farthest_child(const scene_unit& parent) const
+    // The farthest of several.
+    void propose_unlinking(finding& f, const std::vector<scene_unit*>& kin) const
     {
-        return *std::ranges::max_element(parent.children, {}, [&](const scene_unit* child) {
-            return std::pair(distance(parent.shape, child->shape), child->head);
-        }) == &_u;
+        const auto farthest = std::ranges::max_element(kin, {}, [this](const scene_unit* other) {
+            return std::pair(distance(_u.shape, other->shape), other->head);
+        });
+        if (farthest == kin.end() || _u.is_reviewed || (*farthest)->is_reviewed)
+            f.proposal = proposal_kind::none;
+        else
+            f.with = {(*farthest)->head};
     }
 
     // ---- Two nuclei in it
@@ -307,5 +311,5 @@ std::vector<finding> findings_of_roi(const unit_scene& scene, const std::string&
     if (!scene.loose_at(t).contains(key) || scene.units_at(t).empty())
         return {};
     const rule_record& record = record_of(finding_rule::roi_alone);
-    return {{record.kind, finding_rule::roi_alone, t, key, {}, 0, record.share(), record.proposal}};
+    return {{record.kind, finding_rule::roi_alone, t, key, {}, 0, record.score(), record.proposal}};
 }

@@ -122,6 +122,7 @@ private:
 
     bool carry_out(const finding& f, double offset);
     bool carry_out_link(const std::string& unit, const std::string& other);
+    bool carry_out_unlink(const std::string& child, const std::string& parent);
     bool carry_out_cut(const finding& f, double offset);
     [[nodiscard]] parting_request request_of(const finding& f, double offset);
     [[nodiscard]] std::set<std::string> free_around(const std::string& unit) const;

@@ -68,10 +68,8 @@ bool review::carry_out(const finding& f, double offset)
             return false;
         break;
     case proposal_kind::unlink:
-        if (!_model.parents(f.unit).contains(other))
+        if (!carry_out_unlink(std::max(f.unit, other), std::min(f.unit, other)))
             return false;
-        while (_model.parents(f.unit).contains(other))
-            _model.release_child(other, f.unit);
         break;
     case proposal_kind::merge:
         if (other.empty() || other == f.unit)
@@ -107,6 +105,16 @@ bool review::carry_out_link(const std::string& unit, const std::string& other)
     if (!_model.parents(child).empty())
         return false;
     _model.link(unit, other);
+    return true;
+}
+
+// However often the link is stored.
+bool review::carry_out_unlink(const std::string& child, const std::string& parent)
+{
+    if (!_model.parents(child).contains(parent))
+        return false;
+    while (_model.parents(child).contains(parent))
+        _model.release_child(parent, child);
     return true;
 }
 
