@@ -34,6 +34,8 @@ outlines NAME.roi and the truth about them NAME.truth.
   --false RATE       outlines of nothing, as a share of the others, 0 to 1 (0.02)
   --joined RATE      share of the nuclei that move into contact with a neighbour at
                      each time point, so that one outline joins both, 0 to 1 (0.03)
+  --parts            the truth has the two outlines of each joined one (crowded, packed
+                     and noisy have them anyway)
   --quality N        JPEG quality, 1 to 100 (85)
   --no-images        outlines and truth only
   --help             this text
@@ -88,6 +90,7 @@ enum option_code {
     missing,
     spurious,
     joined,
+    parts,
     quality,
     no_images,
     help
@@ -106,6 +109,7 @@ constexpr option long_options[] = {
     {"missing", required_argument, nullptr, missing},
     {"false", required_argument, nullptr, spurious},
     {"joined", required_argument, nullptr, joined},
+    {"parts", no_argument, nullptr, parts},
     {"quality", required_argument, nullptr, quality},
     {"no-images", no_argument, nullptr, no_images},
     {"help", no_argument, nullptr, help},
@@ -142,6 +146,8 @@ bool apply(int code, std::string_view value, arguments& a)
         return parse(value, 0.0, 1.0, o.false_rate);
     case joined:
         return parse(value, 0.0, 1.0, o.joined_rate);
+    case parts:
+        return o.crowding.truth_of_parts = true;
     case quality:
         return parse(value, 1, 100, o.jpeg_quality);
     case no_images:

@@ -11,8 +11,9 @@
 
 namespace {
 
-constexpr const tool_command* commands[] = {&command_check, &command_compare, &command_export, &command_import,
-                                            &command_info,    &command_score,  &command_units};
+constexpr const tool_command* commands[] = {&command_check,  &command_compare, &command_export,
+                                            &command_import, &command_info,    &command_score,
+                                            &command_units};
 
 void print_help()
 {

@@ -27,26 +27,74 @@ public:
 
     [[nodiscard]] cut_scores score()
     {
-        std::set<std::pair<int, label_pair>> pairs;
-        for (const auto& [key, r] : _known.rois)
-            if (r.parts.size() == 2)
-                pairs.insert({decode(key).t(), {r.parts[0].label, r.parts[1].label}});
         cut_scores scores;
-        for (const auto& [t, labels] : pairs) {
-            const auto rasters = rasters_of(t, labels);
-            add(rasters, labels, {}, scores.unknown);
-            const auto a = centre_before(t, labels.first);
-            const auto b = centre_before(t, labels.second);
-            if (a && b) {
-                parting_request how;
-                how.centres = std::pair(*a, *b);
-                add(rasters, labels, how, scores.known);
-            }
-        }
+        const std::set<timed_pair> joined = joined_pairs();
+        for (const timed_pair& pair : joined)
+            add(pair, scores.joined_known, scores.joined);
+        for (const timed_pair& pair : stacked_pairs())
+            if (!joined.contains(pair))
+                add(pair, scores.stacked_known, scores.stacked);
         return scores;
     }
 
 private:
+    using timed_pair = std::pair<int, label_pair>;    // labels ascending
+
+    [[nodiscard]] std::set<timed_pair> joined_pairs() const
+    {
+        std::set<timed_pair> pairs;
+        for (const auto& [key, r] : _known.rois)
+            if (r.parts.size() == 2)
+                pairs.insert({decode(key).t(), std::minmax(r.parts[0].label, r.parts[1].label)});
+        return pairs;
+    }
+
+    [[nodiscard]] std::set<timed_pair> stacked_pairs()
+    {
+        std::map<int, std::vector<std::vector<keyed_raster>>> nuclei;    // by time point; ROIs by plane
+        std::map<const roi_mask*, int> labels;
+        for (const auto& [nucleus, keys] : _of) {
+            if (keys.empty() ||
+                std::ranges::any_of(keys, [&](auto& key) { return _known.rois.at(key).labels.size() != 1; }))
+                continue;
+            auto& rasters = nuclei[nucleus.first].emplace_back();
+            for (const std::string& key : keys)
+                rasters.emplace_back(key, raster(_rois.db.at(key)));
+            labels[rasters.front().second] = nucleus.second;
+        }
+        std::set<timed_pair> pairs;
+        for (const auto& [t, rasters] : nuclei)
+            for (const auto& lower : rasters)
+                for (const auto& upper : rasters)
+                    if (&lower != &upper && goes_on(*lower.back().second, *upper.front().second))
+                        pairs.insert(
+                            {t, std::minmax(labels[lower.front().second], labels[upper.front().second])});
+        return pairs;
+    }
+
+    // As a chain of ROIs would, also across a missing plane.
+    [[nodiscard]] static bool goes_on(const roi_mask& top, const roi_mask& bottom)
+    {
+        constexpr double share = 0.3;
+        const int gap = bottom.z() - top.z();
+        return gap >= 1 && gap <= 2 &&
+               shared_pixels(top, bottom) >= share * std::min(top.size(), bottom.size());
+    }
+
+    void add(const timed_pair& pair, cut_score& with_parents, cut_score& without)
+    {
+        const auto& [t, labels] = pair;
+        const auto rasters = rasters_of(t, labels);
+        add(rasters, labels, {}, without);
+        const auto a = centre_before(t, labels.first);
+        const auto b = centre_before(t, labels.second);
+        if (!a || !b)
+            return;
+        parting_request how;
+        how.centres = std::pair(*a, *b);
+        add(rasters, labels, how, with_parents);
+    }
+
     // What the truth tells of the two nuclei's ROIs, each once.
     [[nodiscard]] std::vector<keyed_raster> rasters_of(int t, label_pair labels)
     {

@@ -10,10 +10,12 @@ struct cut_score {
     int of = 0;
 };
 
+// Begun from where the two were at the time point before, where both are shown; and without.
 struct cut_scores {
-    cut_score known;      // begun from where the two were at the time point before, where both are shown
-    cut_score unknown;    // without
+    cut_score joined_known, joined;    // nuclei with a joined outline whose parts the truth tells
+    cut_score stacked_known,
+        stacked;    // one above the other, so that a chain of ROIs goes on from one to the other
 };
 
-// Of all pairs of nuclei that share a joined outline whose parts the truth tells, cut as one unit.
+// Of all such pairs of nuclei, cut as one unit.
 [[nodiscard]] cut_scores score_cuts(const truth& known, const roidb& rois, const physical_scale& scale);

@@ -10,7 +10,11 @@ constexpr std::size_t pixels_looked_at = 2500;
 constexpr int most_rounds = 40;
 constexpr double fewest_pixels = 20;    // of a side
 constexpr double blur = 2;              // added to each variance, pixels squared
-constexpr double plane_bonus = 0.1;     // a cut between planes may be that much worse
+
+// A cut that is nearly level, by the slope of its normal, becomes one between planes where that costs little
+// more.
+constexpr double steep = 0.9;
+constexpr double plane_bonus = 0.1;
 
 // Sums over pixels, from which their mean and covariance follow.
 struct moments {
@@ -153,7 +157,8 @@ public:
         const double cost = cost_of(_plus, _all.n) + cost_of(_minus, _all.n);
         cut.gain = std::log(determinant(_all.blurred())) - cost;
         cut.normal = direction(cut.minus.centre, cut.plus.centre);
-        prefer_planes(cost, cut);
+        if (std::abs(cut.normal.z()) >= steep)
+            prefer_planes(cost, cut);
         return cut;
     }
 
@@ -221,7 +226,12 @@ bool two_sides::is_plus(pos3d p) const noexcept
 std::optional<two_sides> find_two_ellipsoids(std::span<const pos3d> pixels,
                                              const std::optional<std::pair<pos3d, pos3d>>& from)
 {
-    return parting_pixels(pixels).part(from);
+    std::optional<two_sides> best = parting_pixels(pixels).part(std::nullopt);
+    if (!from)
+        return best;
+    if (auto other = parting_pixels(pixels).part(from); other && (!best || other->gain > best->gain))
+        best = std::move(other);
+    return best;
 }
 
 two_sides cut_between_planes(double boundary)
