@@ -29,6 +29,13 @@ using tries_by_rule = std::array<tries, finding_rule_count>;
 
 constexpr double parts_of_errors[] = {0.25, 0.5, 1, 2, 4};    // N, in multiples of the true errors
 
+struct wrong_things {
+    std::size_t units = 0;
+    std::size_t missed = 0;       // nuclei
+    std::size_t links = 0;        // wrong or missing
+    std::size_t not_exact = 0;    // units that have not all ROIs of their nucleus, or others
+};
+
 struct measured {
     std::string name;
     std::size_t errors = 0;
@@ -37,9 +44,7 @@ struct measured {
     std::array<double, std::size(parts_of_errors)> found_in_time{};    // in order of time
     tries_by_rule rules;
     cut_scores cuts;
-    std::size_t wrong_before = 0, wrong_after = 0;      // units
-    std::size_t missed_before = 0, missed_after = 0;    // nuclei
-    std::size_t links_before = 0, links_after = 0;      // wrong or missing
+    wrong_things before, after;
     int accepted = 0, dismissed = 0;
     std::size_t left = 0;
 };
@@ -77,9 +82,9 @@ public:
             return m;
         _review.finish();
         rank(m);
-        std::tie(m.wrong_before, m.missed_before, m.links_before) = wrong();
+        m.before = wrong();
         go_through(m);
-        std::tie(m.wrong_after, m.missed_after, m.links_after) = wrong();
+        m.after = wrong();
         m.left = _review.counts().open;
         return m;
     }
@@ -103,17 +108,19 @@ private:
         return units;
     }
 
-    [[nodiscard]] std::tuple<std::size_t, std::size_t, std::size_t> wrong() const
-    {
-        const lineage_score s = score_lineage(counted(), _truth, _model.rois());
-        return {s.units.made - s.units.right, s.units.real - s.units.found,
-                s.links.made - s.links.right + s.links.real - s.links.found};
-    }
+    [[nodiscard]] std::size_t all_wrong() const { return errors_of(counted(), _truth, _model.rois()).size(); }
 
-    [[nodiscard]] std::size_t all_wrong() const
+    [[nodiscard]] wrong_things wrong() const
     {
-        const auto [units, missed, links] = wrong();
-        return units + missed + links;
+        wrong_things wrong;
+        for (const lineage_error& e : errors_of(counted(), _truth, _model.rois())) {
+            wrong.units += e.what == lineage_error::kind::unit;
+            wrong.missed += e.what == lineage_error::kind::missed;
+            wrong.links += e.what == lineage_error::kind::link || e.what == lineage_error::kind::missing_link;
+        }
+        const lineage_score s = score_lineage(counted(), _truth, _model.rois());
+        wrong.not_exact = s.units.made - s.units.right;
+        return wrong;
     }
 
     void rank(measured& m)
@@ -248,13 +255,15 @@ void print_cuts(std::ostream& out, const std::vector<measured>& all)
 
 void print_curator(std::ostream& out, const std::vector<measured>& all)
 {
-    out << "| recording | wrong units | missed nuclei | link errors | accepted | dismissed | keys a repair | "
-           "left "
-           "|\n|---|---|---|---|---|---|---|---|\n";
+    out << "| recording | wrong units | not exact | missed nuclei | link errors | accepted | dismissed | "
+           "keys a "
+           "repair | left |\n|---|---|---|---|---|---|---|---|---|\n";
     for (const measured& m : all) {
-        out << "| " << m.name << " | " << m.wrong_before << " -> " << m.wrong_after << " | "
-            << m.missed_before << " -> " << m.missed_after << " | " << m.links_before << " -> "
-            << m.links_after << " | " << m.accepted << " | " << m.dismissed << " | ";
+        out << "| " << m.name;
+        for (const auto column :
+             {&wrong_things::units, &wrong_things::not_exact, &wrong_things::missed, &wrong_things::links})
+            out << " | " << m.before.*column << " -> " << m.after.*column;
+        out << " | " << m.accepted << " | " << m.dismissed << " | ";
         if (m.accepted > 0)
             out << std::fixed << std::setprecision(1) << double(m.accepted + m.dismissed) / m.accepted;
         out << " | " << m.left << " |\n";

@@ -50,6 +50,14 @@ public:
         return found == _claims.end() ? nothing : found->second;
     }
 
+    // What all of its pixels are of; label 0: of none.
+    [[nodiscard]] const claims& pixels_in(const std::string& key) const
+    {
+        static const claims nothing;
+        const auto found = _all_pixels.find(key);
+        return found == _all_pixels.end() ? nothing : found->second;
+    }
+
     // The ROIs that show each nucleus; what was to show it and is there no more counts as one.
     [[nodiscard]] const std::map<nucleus, key_set>& rois() const noexcept { return _rois; }
 
@@ -95,17 +103,23 @@ private:
                 _pixels[{r.t(), label}] += pixels;
             }
         if (const auto parts = _parts.find({r.t(), r.z()}); parts != _parts.end())
-            claim_parts(r, parts->second, own);
+            claim_parts(r, parts->second, own, _all_pixels[key]);
+        if (own.empty() && _all_pixels[key].empty())
+            _all_pixels[key] = {{0, area(r)}};
+        else if (_all_pixels[key].empty())
+            _all_pixels[key] = own;
         for (const claim& c : own)
             _rois[{r.t(), c.label}].insert(key);
     }
 
-    static void claim_parts(const roi& r, std::vector<part>& parts, claims& own)
+    static void claim_parts(const roi& r, std::vector<part>& parts, claims& own, claims& all)
     {
         roiimg raster(r);
         raster.map();
         for (part& p : parts) {
             const int shared = shared_pixels(raster, *p.raster);
+            if (shared > 0)
+                all.push_back({p.label, static_cast<double>(shared)});
             if (2 * shared <= p.raster->size())
                 continue;
             own.push_back({p.label, static_cast<double>(shared)});
@@ -127,6 +141,7 @@ private:
     }
 
     std::map<std::string, claims> _claims;
+    std::map<std::string, claims> _all_pixels;
     std::map<nucleus, key_set> _rois;
     std::map<nucleus, double> _pixels;
     std::map<std::pair<int, int>, std::vector<part>> _parts;    // by time point and focal plane
@@ -182,7 +197,7 @@ class comparison {
 public:
     comparison(const lineage& made, const truth& known, const roidb& rois)
         : _known(known), _shown(known, rois), _units(units_of(made, _shown)),
-          _links(made.links.begin(), made.links.end())
+          _head_of(heads_of_members(made)), _links(made.links.begin(), made.links.end())
     {
         for (const auto& [child, parent] : _links)
             _children[parent].insert(child);
@@ -199,17 +214,22 @@ public:
         return s;
     }
 
-    [[nodiscard]] std::vector<lineage_error> errors() const
+    [[nodiscard]] std::vector<lineage_error> errors(double part) const
     {
         using kind = lineage_error::kind;
         std::vector<lineage_error> all;
         std::map<nucleus, key_set> heads;
+        std::set<nucleus> found;
         for (const auto& [head, u] : _units) {
             heads[u.of].insert(head);
-            const auto rois = _shown.rois().find(u.of);
-            if (rois == _shown.rois().end() || rois->second != u.members || !is_of_one(u))
+            if (shows_one(u, part))
+                found.insert(u.of);
+            else
                 all.push_back({kind::unit, {head}});
         }
+        for (const auto& [n, rois] : _shown.rois())
+            if (!found.contains(n))
+                all.push_back({kind::missed, heads_with(rois)});
         link_kinds missing = reference_links();
         for (const auto& [child, parent] : _links) {
             const nucleus c = _units.at(child).of;
@@ -289,6 +309,27 @@ private:
     }
 
     [[nodiscard]] bool is_shown(const nucleus& n) const { return _shown.rois().contains(n); }
+
+    [[nodiscard]] bool shows_one(const unit& u, double part) const
+    {
+        double all = 0;
+        double own = 0;
+        for (const std::string& key : u.members)
+            for (const claim& c : _shown.pixels_in(key)) {
+                all += c.pixels;
+                own += c.label == u.of.label ? c.pixels : 0;
+            }
+        return u.of.label != 0 && own >= part * all && own >= part * _shown.pixels_of(u.of);
+    }
+
+    [[nodiscard]] key_set heads_with(const key_set& rois) const
+    {
+        key_set heads;
+        for (const std::string& key : rois)
+            if (const auto head = _head_of.find(key); head != _head_of.end())
+                heads.insert(head->second);
+        return heads;
+    }
 
     [[nodiscard]] bool is_of_one(const unit& u) const
     {
@@ -372,6 +413,7 @@ private:
     const truth& _known;
     shown_nuclei _shown;
     std::map<std::string, unit> _units;
+    std::map<std::string, std::string> _head_of;
     std::set<std::pair<std::string, std::string>> _links;    // child and parent
     std::map<std::string, key_set> _children;
 };
@@ -403,7 +445,7 @@ lineage_score score_lineage(const lineage& made, const truth& known, const roidb
     return {c.units(), c.links(), c.divisions(), det, tra};
 }
 
-std::vector<lineage_error> errors_of(const lineage& made, const truth& known, const roidb& rois)
+std::vector<lineage_error> errors_of(const lineage& made, const truth& known, const roidb& rois, double part)
 {
-    return comparison(made, known, rois).errors();
+    return comparison(made, known, rois).errors(part);
 }

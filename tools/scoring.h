@@ -49,13 +49,15 @@ struct lineage_score {
 
 // One thing that is wrong, and the units that it shows in.
 struct lineage_error {
-    enum class kind { unit, link, missing_link };
+    enum class kind { unit, missed, link, missing_link };
     kind what;
     std::set<std::string> units;
 };
 
-// Units that are not right, links that are not, and links between shown nuclei that are missing.
-[[nodiscard]] std::vector<lineage_error> errors_of(const lineage& made, const truth& known,
-                                                   const roidb& rois);
+// Units that do not show one nucleus, and nuclei that none shows: a unit shows one when this part of its
+// pixels is of it, and this part of all of its pixels in the unit. Links that are not right, and those
+// between shown nuclei that are missing.
+[[nodiscard]] std::vector<lineage_error> errors_of(const lineage& made, const truth& known, const roidb& rois,
+                                                   double part = 0.9);
 
 [[nodiscard]] lineage_score score_lineage(const lineage& made, const truth& known, const roidb& rois);
