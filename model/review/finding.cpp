@@ -19,6 +19,7 @@ constexpr rule_record records[] = {
     {fk::many_children, pk::unlink, 1, 1},    // and none three children
     {fk::joined_outline, pk::cut_outline, 55, 56 + 8},
     {fk::dead_end, pk::link, 21 + 70, 25 + 82},
+    {fk::two_nuclei, pk::cut, 11, 13},
     {fk::waist, pk::cut_between, 18, 26},
     {fk::unlinked, pk::link, 33 + 86, 44 + 160},
     {fk::lone_roi, pk::false_positive, 30, 36 + 21},
@@ -28,6 +29,7 @@ constexpr rule_record records[] = {
     {fk::two_pieces, pk::cut, 1, 2},
     {fk::two_pieces, pk::none, 1, 4},
     {fk::no_unit, pk::none, 1, 4},
+    {fk::lone_roi, pk::unlink, 6, 14},
     {fk::lone_roi, pk::none, 1, 5},
     {fk::unlinked, pk::none, 8 + 16, 106 + 41},
     {fk::dead_end, pk::none, 90 + 66, 393 + 735},
@@ -81,6 +83,7 @@ std::string reason_of(const finding& f)
     const std::string planes = std::to_string(f.plane) + " and " + std::to_string(f.plane + 1);
     switch (f.rule) {
     case finding_rule::inner_cut:
+    case finding_rule::inner_close:
         return "Two nuclei of " + time_of_other(f) + " lie in it";
     case finding_rule::gap_step:
         return "A plane is missing above plane " + std::to_string(f.plane) + ", and it goes on elsewhere";
@@ -114,6 +117,8 @@ std::string reason_of(const finding& f)
         return "Two of its ROIs lie on plane " + std::to_string(f.plane);
     case finding_rule::roi_alone:
         return "An ROI in no unit";
+    case finding_rule::lone_beside:
+        return "One ROI alone, linked to a much larger unit";
     case finding_rule::lone_linked:
         return "One ROI alone";
     case finding_rule::begins:

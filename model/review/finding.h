@@ -46,6 +46,7 @@ enum class finding_rule : unsigned char {
     third_child,        // of three children the farthest
     gap_filled,         // an outline covers what its neighbour lacks
     free_neighbour,     // no parent, or child; a free unit lies near
+    inner_close,        // two units lie in it, and it may fall in two
     waist_step,         // narrow, and the centre jumps there
     second_daughter,    // no parent; beside the only child of a unit
     short_track,        // two time points, one small ROI each
@@ -55,11 +56,12 @@ enum class finding_rule : unsigned char {
     pieces_apart,       // two ROIs on one plane, and it falls in two
     pieces_together,    // two ROIs on one plane
     roi_alone,          // in no unit
+    lone_beside,        // one ROI with its only link to a much larger unit
     lone_linked,        // one ROI with a link
     begins,             // no parent
     ends,               // no child
 };
-constexpr std::size_t finding_rule_count = 19;
+constexpr std::size_t finding_rule_count = 21;
 
 struct finding {
     finding_kind kind{};

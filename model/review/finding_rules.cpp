@@ -128,10 +128,19 @@ private:
         for (const auto& filled : _u.fills)
             if (_scene.is_live(*filled.neighbour) && !filled.neighbour->is_reviewed)
                 add(finding_rule::gap_filled, {filled.neighbour->head}, filled.plane);
-        if (const auto inner = inner_units(); inner.size() > 1 && is_two())
+        const auto inner = inner_units();
+        if (inner.size() > 1 && is_two())
             add(finding_rule::inner_cut, heads_of(inner));
+        else if (inner.size() > 1 && (_scene.gain_of(_u) >= 0 || are_reviewed(inner)))
+            add(finding_rule::inner_close, heads_of(inner));
         else if (const scene_unit* const free = free_other_half(); free && is_two())
             add(finding_rule::beside_free, {free->head});
+    }
+
+    // A person has seen that they are two.
+    [[nodiscard]] static bool are_reviewed(const std::vector<scene_unit*>& units)
+    {
+        return std::ranges::all_of(units, &scene_unit::is_reviewed);
     }
 
     [[nodiscard]] bool may_be_cut() const { return !_scene.is_flat() && !_u.is_reviewed; }
@@ -265,12 +274,23 @@ private:
     {
         if (is_short_track())
             add(finding_rule::short_track, {_u.children.front()->head});
+        else if (const scene_unit* const other = much_larger_kin())
+            add(finding_rule::lone_beside, {other->head});
         else if (_u.shape.is_lone())
             add(finding_rule::lone_linked);
         if (has_beginning())
             add(finding_rule::begins);
         if (has_end())
             add(finding_rule::ends);
+    }
+
+    // The one that a lone ROI has its only link to.
+    [[nodiscard]] const scene_unit* much_larger_kin() const
+    {
+        if (!_u.shape.is_lone() || _u.is_reviewed || _u.parents.size() + _u.children.size() != 1)
+            return nullptr;
+        const scene_unit* const other = _u.parents.empty() ? _u.children.front() : _u.parents.front();
+        return !other->is_reviewed && ratio(_u, *other) >= volume_of_link ? other : nullptr;
     }
 
     [[nodiscard]] bool is_short_track() const
