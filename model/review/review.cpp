@@ -41,6 +41,8 @@ void review::begin_anew()
     _list.clear();
     _next_t = _scene.first_t();
     _is_complete = false;
+    _counts = {};
+    _counted.clear();
     _most = 0;
     _known_edits = _model.edits();
     has_changed();
@@ -97,8 +99,10 @@ double review::progress() const noexcept
 
 void review::find_all_at(int t)
 {
-    for (const auto& [head, u] : _scene.units_at(t))
+    for (const auto& [head, u] : _scene.units_at(t)) {
         set_open(head, findings_of(_scene, *u));
+        count(head, u);
+    }
     for (const std::string& key : _scene.loose_at(t))
         set_open(key, findings_of_roi(_scene, key));
     _scene.release_rasters();
@@ -123,10 +127,26 @@ void review::follow(const scene_changes& changes)
 
 void review::find_again(const std::string& key)
 {
-    if (scene_unit* const u = _scene.find(key))
+    scene_unit* const u = _scene.find(key);
+    count(key, u);
+    if (u)
         set_open(key, findings_of(_scene, *u));
     else
         set_open(key, is_roi_key(key) ? findings_of_roi(_scene, key) : std::vector<finding>());
+}
+
+void review::count(const std::string& key, const scene_unit* u)
+{
+    if (const auto before = _counted.find(key); before != _counted.end()) {
+        --_counts.units;
+        _counts.reviewed -= before->second;
+        _counted.erase(before);
+    }
+    if (!u || !_scene.is_live(*u))
+        return;
+    ++_counts.units;
+    _counts.reviewed += u->is_reviewed;
+    _counted.emplace(key, u->is_reviewed);
 }
 
 void review::set_open(const std::string& key, std::vector<finding> found)
@@ -155,7 +175,6 @@ bool review::is_in_gap(const finding& f) const
 void review::has_changed()
 {
     ++_revision;
-    _are_counts_current = false;
     if (_is_complete)
         _most = std::max(_most, _list.ranked().size() + _list.dismissed());
     if (on_change)
@@ -199,22 +218,12 @@ const std::set<std::string>& review::units_with(finding_kind kind)
 const review_counts& review::counts()
 {
     begin_anew_if_stale();
-    if (std::exchange(_are_counts_current, true))
-        return _counts;
-    _counts = {};
-    if (!_is_complete)
-        return _counts;
-    _counts.open = _list.ranked().size();
+    _counts.open = ranked().size();
     _counts.total = _most;
+    _counts.kinds.clear();
     for (std::size_t k = 0; k < finding_kind_count; ++k)
         if (const auto kind = static_cast<finding_kind>(k); _list.listed(kind) > 0)
             _counts.kinds[kind] = _list.listed(kind);
-    for (int t = _scene.first_t(); t <= _scene.last_t(); ++t)
-        for (const auto& [head, u] : _scene.units_at(t))
-            if (_scene.is_live(*u)) {
-                ++_counts.units;
-                _counts.reviewed += u->is_reviewed;
-            }
     return _counts;
 }
 

@@ -16,6 +16,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 struct review_counts {
@@ -115,6 +116,7 @@ private:
     void follow(const scene_changes& changes);
     void find_all_at(int t);
     void find_again(const std::string& key);
+    void count(const std::string& key, const scene_unit* u);
     void set_open(const std::string& key, std::vector<finding> found);
     [[nodiscard]] bool is_dismissed(const finding& f) const;
     [[nodiscard]] bool is_in_gap(const finding& f) const;
@@ -136,7 +138,7 @@ private:
     int _next_t = 0;    // whose findings are to be found next, once the scene is loaded
     bool _is_complete = false;
     review_counts _counts;
-    bool _are_counts_current = false;
+    std::unordered_map<std::string, bool> _counted;    // units, and whether they are reviewed
     std::size_t _most = 0;
     unsigned long _revision = 1;
     unsigned long _known_edits = 0;    // of the curation, that the list knows of
