@@ -276,7 +276,7 @@ private:
             add(finding_rule::short_track, {_u.children.front()->head});
         else if (const scene_unit* const other = much_larger_kin())
             add(finding_rule::lone_beside, {other->head});
-        else if (_u.shape.is_lone())
+        else if (_u.shape.is_lone() && !_scene.is_flat())
             add(finding_rule::lone_linked);
         if (has_beginning())
             add(finding_rule::begins);
@@ -287,7 +287,8 @@ private:
     // The one that a lone ROI has its only link to.
     [[nodiscard]] const scene_unit* much_larger_kin() const
     {
-        if (!_u.shape.is_lone() || _u.is_reviewed || _u.parents.size() + _u.children.size() != 1)
+        if (!_u.shape.is_lone() || _scene.is_flat() || _u.is_reviewed ||
+            _u.parents.size() + _u.children.size() != 1)
             return nullptr;
         const scene_unit* const other = _u.parents.empty() ? _u.children.front() : _u.parents.front();
         return !other->is_reviewed && ratio(_u, *other) >= volume_of_link ? other : nullptr;
