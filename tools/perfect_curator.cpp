@@ -20,11 +20,7 @@ constexpr const char* usage = R"(Usage: perfect_curator FILE.roi ...
 Makes units and links of recordings that have a FILE.truth, reviews them with the truth at hand and prints tables.
 )";
 
-struct tries {
-    int right = 0;
-    int of = 0;
-};
-
+using tries = cut_score;    // right, of
 using tries_by_rule = std::array<tries, finding_rule_count>;
 
 constexpr double parts_of_errors[] = {0.25, 0.5, 1, 2, 4};    // N, in multiples of the true errors
@@ -78,8 +74,6 @@ public:
         measured m;
         m.name = std::filesystem::path(_roi_file).stem().string();
         m.cuts = score_cuts(_truth, _model.rois(), _model.info().scale);
-        if (getenv("CUTS"))
-            return m;
         _review.finish();
         rank(m);
         m.before = wrong();
@@ -164,11 +158,6 @@ private:
             of_rule.of += is_proposal;
             if (is_proposal && _review.accept(f)) {
                 const std::size_t now = all_wrong();
-                if (std::getenv("TRACE"))
-                    std::cerr << m.name << ' ' << word_of(f.kind) << ' ' << static_cast<int>(f.rule) << ' '
-                              << word_of(f.proposal) << ' ' << f.unit << ' '
-                              << (f.with.empty() ? "" : f.with.front()) << ' ' << errors << " -> " << now
-                              << '\n';
                 if (now < errors) {
                     errors = now;
                     ++of_rule.right;
@@ -200,15 +189,33 @@ std::string percent(double share)
 
 std::string of(int right, int all) { return std::to_string(right) + " of " + std::to_string(all); }
 
+void print_order_row(std::ostream& out, const measured& m)
+{
+    out << "| " << m.name << " | " << m.errors << " | " << m.findings;
+    for (std::size_t i = 0; i < m.found.size(); ++i)
+        out << " | " << percent(m.found[i]) << " (" << percent(m.found_in_time[i]) << ')';
+    out << " |\n";
+}
+
 void print_order(std::ostream& out, const std::vector<measured>& all)
 {
     out << "| recording | errors | findings | .25 | .5 | 1 | 2 | 4 |\n|---|---|---|---|---|---|---|---|\n";
+    measured sum;
+    sum.name = "all";
     for (const measured& m : all) {
-        out << "| " << m.name << " | " << m.errors << " | " << m.findings;
-        for (std::size_t i = 0; i < m.found.size(); ++i)
-            out << " | " << percent(m.found[i]) << " (" << percent(m.found_in_time[i]) << ')';
-        out << " |\n";
+        sum.errors += m.errors;
+        sum.findings += m.findings;
+        for (std::size_t i = 0; i < m.found.size(); ++i) {
+            sum.found[i] += m.found[i] * static_cast<double>(m.errors);
+            sum.found_in_time[i] += m.found_in_time[i] * static_cast<double>(m.errors);
+        }
+        print_order_row(out, m);
     }
+    for (std::size_t i = 0; sum.errors > 0 && i < sum.found.size(); ++i) {
+        sum.found[i] /= static_cast<double>(sum.errors);
+        sum.found_in_time[i] /= static_cast<double>(sum.errors);
+    }
+    print_order_row(out, sum);
 }
 
 void print_rules(std::ostream& out, const std::vector<measured>& all)
@@ -253,21 +260,38 @@ void print_cuts(std::ostream& out, const std::vector<measured>& all)
     out << " |\n";
 }
 
+constexpr std::size_t wrong_things::*wrong_columns[] = {&wrong_things::units, &wrong_things::not_exact,
+                                                        &wrong_things::missed, &wrong_things::links};
+
+void print_curator_row(std::ostream& out, const measured& m)
+{
+    out << "| " << m.name;
+    for (const auto column : wrong_columns)
+        out << " | " << m.before.*column << " -> " << m.after.*column;
+    out << " | " << m.accepted << " | " << m.dismissed << " | ";
+    if (m.accepted > 0)
+        out << std::fixed << std::setprecision(1) << double(m.accepted + m.dismissed) / m.accepted;
+    out << " | " << m.left << " |\n";
+}
+
 void print_curator(std::ostream& out, const std::vector<measured>& all)
 {
     out << "| recording | wrong units | not exact | missed nuclei | link errors | accepted | dismissed | "
            "keys a "
            "repair | left |\n|---|---|---|---|---|---|---|---|---|\n";
+    measured sum;
+    sum.name = "all";
     for (const measured& m : all) {
-        out << "| " << m.name;
-        for (const auto column :
-             {&wrong_things::units, &wrong_things::not_exact, &wrong_things::missed, &wrong_things::links})
-            out << " | " << m.before.*column << " -> " << m.after.*column;
-        out << " | " << m.accepted << " | " << m.dismissed << " | ";
-        if (m.accepted > 0)
-            out << std::fixed << std::setprecision(1) << double(m.accepted + m.dismissed) / m.accepted;
-        out << " | " << m.left << " |\n";
+        for (const auto column : wrong_columns) {
+            sum.before.*column += m.before.*column;
+            sum.after.*column += m.after.*column;
+        }
+        sum.accepted += m.accepted;
+        sum.dismissed += m.dismissed;
+        sum.left += m.left;
+        print_curator_row(out, m);
     }
+    print_curator_row(out, sum);
 }
 
 }    // namespace

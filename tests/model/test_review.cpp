@@ -1,5 +1,6 @@
 // The review of a whole recording: the list that follows the curation, and what a person decides.
 #include "../support/curation_probe.h"
+#include "../support/temp_folder.h"
 #include "demo_files.h"
 #include "demo_presets.h"
 #include "edit_scope.h"
@@ -255,6 +256,33 @@ TEST_F(review_of_a_recording, keeps_a_dismissal_as_long_as_the_unit_has_its_rois
     model.set_false_positives(model.member(f->unit), true);
     model.drop_false_positives();
     EXPECT_TRUE(model.current_lineage().dismissed.empty()) << "it is gone";
+}
+
+TEST_F(review_of_a_recording, comes_back_with_work_that_is_taken_up)
+{
+    temp_folder folder;
+    const std::string file = folder.path("small.roi");
+    ASSERT_TRUE(small_demo(2)->write(file));
+    std::vector<finding> left;
+    {
+        CurationProbe crashed;
+        ASSERT_TRUE(crashed.work.open(file));
+        review r(crashed);
+        for (int t = 0; t <= crashed.max_time_point(); ++t)
+            crashed.make_units(t, making());
+        r.finish();
+        for (int i = 0; i < 3; ++i)
+            r.dismiss(*r.ranked().front());
+        crashed.set_reviewed(*crashed.units(1).begin(), true);
+        left = copied(r);
+    }
+    ASSERT_TRUE(model.work.open(file));
+    all.finish();
+    EXPECT_NE(copied(all), left);
+    ASSERT_TRUE(model.work.take_up());
+    all.finish();
+    EXPECT_EQ(copied(all), left);
+    EXPECT_EQ(all.counts().reviewed, 1U);
 }
 
 TEST_F(review_of_a_recording, has_looked_at_what_a_person_decided_until_a_machine_changes_it)

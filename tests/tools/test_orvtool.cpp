@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 #include <sys/wait.h>
 
 namespace {
@@ -58,6 +59,9 @@ TEST_F(orvtool, wrong_use_and_files_are_one_line_and_write_nothing)
                                  "units demo.roi --out none/x.lineage",
                                  "units none.roi --out new.lineage",
                                  "score demo.roi",
+                                 "check demo.roi",
+                                 "check demo.roi --lineage there.lineage",
+                                 "check demo.roi --lineage sound.lineage --format xml",
                                  "score demo.roi --rule nearest --lineage there.lineage",
                                  "score demo.roi --rule nearest --format xml",
                                  "score demo.roi --rule nearest --truth none",
@@ -217,6 +221,51 @@ TEST_F(orvtool, compare_tells_where_two_corrections_differ)
         << "links of the changed unit count";
     EXPECT_EQ(run("compare demo.roi a.lineage b.lineage"), 1);
     EXPECT_NE(out().find("link " + child + " only in a"), std::string::npos);
+}
+
+TEST_F(orvtool, checks_a_lineage_and_leaves_out_what_was_dismissed)
+{
+    ASSERT_EQ(run("units demo.roi --out demo.lineage --rule overlap"), 0);    // which leaves much to find
+    ASSERT_EQ(run("check demo.roi --format json"), 1);
+    const QJsonObject found = QJsonDocument::fromJson(QByteArray::fromStdString(out())).object();
+    const QJsonArray findings = found["findings"].toArray();
+    ASSERT_FALSE(findings.isEmpty());
+    double score = 1;
+    QJsonObject counts = found["counts"].toObject();
+    EXPECT_EQ(counts.size(), 14);
+    for (const auto& entry : findings) {
+        const QJsonObject f = entry.toObject();
+        EXPECT_EQ(f.keys(), (QStringList{"kind", "proposal", "score", "t", "unit", "with"}));
+        EXPECT_LE(f["score"].toDouble(), score);
+        score = f["score"].toDouble();
+        EXPECT_EQ(f["unit"].toString().left(3).toInt(), f["t"].toInt());
+        const QString kind = f["kind"].toString();
+        counts[kind] = counts[kind].toInt() - 1;
+    }
+    EXPECT_GE(score, 0.1);
+    for (const auto& left : counts)
+        EXPECT_EQ(left.toInt(), 0) << "each is counted";
+    ASSERT_EQ(run("check demo.roi --format csv"), 1);
+    const std::string rows = out();
+    EXPECT_EQ(std::ranges::count(rows, '\n'), findings.size() + 1);
+    EXPECT_TRUE(rows.starts_with("kind,t,unit,with,score,proposal\n"));
+
+    std::string lineage = folder.contents("demo.lineage");
+    for (int round = 0; round < 14 && run("check demo.roi --format csv") == 1; ++round) {
+        std::istringstream text(out());
+        std::string row;
+        std::getline(text, row);
+        while (std::getline(text, row)) {
+            std::ranges::replace(row, ',', ' ');
+            std::istringstream words(row);
+            std::string kind, t, unit;
+            words >> kind >> t >> unit;
+            lineage += "DISMISSED " + kind + ' ' + unit + '\n';
+        }
+        (void)folder.with("demo.lineage", lineage);
+    }
+    EXPECT_EQ(run("check demo.roi"), 0);
+    EXPECT_EQ(out(), "nothing left\n");
 }
 
 }    // namespace
