@@ -2,8 +2,8 @@
 #include "mark_files.h"
 #include "orvtool.h"
 #include "review.h"
-#include "tool_numbers.h"
 
+#include <charconv>
 #include <filesystem>
 #include <iostream>
 

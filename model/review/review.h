@@ -128,8 +128,7 @@ private:
     bool carry_out_cut(const finding& f, double offset);
     [[nodiscard]] parting_request request_of(const finding& f, double offset);
     [[nodiscard]] std::set<std::string> free_around(const std::string& unit) const;
-    void relink(const std::pair<std::string, std::string>& halves, const std::set<std::string>& free, int t);
-    void note_edited(const finding& f, const std::set<std::string>& rois);
+    void note_edited(const std::set<std::string>& rois);    // the units that these are in
 
     curation& _model;
     const Observing _observing;

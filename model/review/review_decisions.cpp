@@ -1,19 +1,14 @@
 // What a person decides about findings: proposals carried out, dismissals, marks of what was looked at.
 #include "edit_scope.h"
 #include "error_line.h"
-#include "finding_rules.h"
+#include "half_links.h"
 #include "keygen.h"
 #include "long_run.h"
 #include "review.h"
 
 #include <algorithm>
-#include <array>
-#include <tuple>
 
 namespace {
-
-constexpr double reach_of_half = 1.5;        // sums of the radii, from a half to a free unit
-constexpr double middle_of_halves = 0.75;    // from their mother's centre, in her radii
 
 dismissal dismissal_of(const finding& f)
 {
@@ -82,11 +77,11 @@ bool review::carry_out(const finding& f, double offset)
     default:
         return carry_out_cut(f, offset);
     }
-    note_edited(f, rois);
+    note_edited(rois);
     return true;
 }
 
-void review::note_edited(const finding&, const std::set<std::string>& rois)
+void review::note_edited(const std::set<std::string>& rois)
 {
     std::set<std::string> heads;
     for (const std::string& key : rois)
@@ -159,12 +154,12 @@ bool review::carry_out_cut(const finding& f, double offset)
         const std::set<std::string> rois = _model.member(piece);
         _model.mergeUnits(f.with.front(), piece);
         _model.note_edited(halves->first);
-        note_edited(f, rois);
+        note_edited(rois);
         return true;
     }
     const int t = decode(f.unit).t();
-    relink(*halves, free, t - 1);
-    relink(*halves, free, t + 1);
+    half_links(_model, *halves, t - 1).give(free);
+    half_links(_model, *halves, t + 1).give(free);
     _model.note_edited(halves->first);
     _model.note_edited(halves->second);
     return true;
@@ -181,57 +176,6 @@ std::set<std::string> review::free_around(const std::string& unit) const
                     free.insert(other.head);
             });
     return free;
-}
-
-// Each half gets the nearest of the units that were linked to the whole, or are free; none is shared, unless
-// it is the mother of both.
-void review::relink(const std::pair<std::string, std::string>& halves, const std::set<std::string>& free,
-                    int t)
-{
-    const bool is_before = t < decode(halves.first).t();
-    const auto linked = [&](const std::string& half) {
-        return is_before ? _model.parents(half) : _model.children(half);
-    };
-    const auto shape = [this](const std::string& unit) {
-        return shape_of(_model.rasters_of(unit), _model.info().scale);
-    };
-    std::set<std::string> candidates = linked(halves.first);
-    candidates.merge(linked(halves.second));
-    for (const std::string& unit : free)
-        if (decode(unit).t() == t && (is_before ? _model.children(unit) : _model.parents(unit)).empty())
-            candidates.insert(unit);
-    const std::array<std::string, 2> both{halves.first, halves.second};
-    const std::array<unit_shape, 2> shapes{shape(both[0]), shape(both[1])};
-    std::vector<std::tuple<double, std::string, std::size_t>> pairs;
-    for (const std::string& unit : candidates)
-        for (const std::size_t half : {0, 1})
-            if (const double d = distance(shapes[half], shape(unit)); d <= reach_of_half)
-                pairs.emplace_back(d, unit, half);
-    std::ranges::sort(pairs);
-    std::array<std::string, 2> given;
-    std::set<std::string> taken;
-    for (const auto& [d, unit, half] : pairs)
-        if (given[half].empty() && taken.insert(unit).second)
-            given[half] = unit;
-    const auto is_mother = [&](const std::string& unit) {
-        const unit_shape mother = shape(unit);
-        const pos3d middle = (shapes[0].centre + shapes[1].centre) / 2;
-        const auto one =
-            find_two_ellipsoids(pixels_of(_model.rasters_of(unit), _model.info().scale.plane_step()));
-        return (!one || one->gain < least_gain_of_two) &&
-               (middle - mother.centre).size() <= middle_of_halves * mother.radius;
-    };
-    for (const std::size_t half : {0, 1}) {
-        for (const std::string& unit : linked(both[half]))
-            if (taken.contains(unit) && given[half] != unit) {
-                const bool is_shared = given[half].empty() && is_before && is_mother(unit);
-                if (!is_shared)
-                    is_before ? _model.release_child(unit, both[half])
-                              : _model.release_child(both[half], unit);
-            }
-        if (!given[half].empty())
-            _model.link(both[half], given[half]);
-    }
 }
 
 finding review::cut_by_hand(const std::string& unit) const

@@ -67,8 +67,8 @@ public:
     [[nodiscard]] int last_t() const noexcept { return _last_t; }
     [[nodiscard]] int next_t() const noexcept { return _next_t; }
 
-    // ---- Following; the heads, and keys of ROIs in no unit, whose findings may be others now: some may be
-    // gone. REQUIRES: is_loaded() Nothing when it has to be loaded anew.
+    // ---- Following (scene_following.cpp); the heads, and keys of ROIs in no unit, whose findings may be
+    // others now: some may be gone. REQUIRES: is_loaded() Nothing when it has to be loaded anew.
     [[nodiscard]] std::optional<std::set<std::string>> follow(const scene_changes& changes);
 
     // ---- Asking
@@ -100,6 +100,7 @@ private:
         mutable std::optional<double> median;
     };
 
+    [[nodiscard]] static bool lies_left_of(const scene_unit* a, const scene_unit* b);
     [[nodiscard]] const time_point* at(int t) const;
     [[nodiscard]] const std::vector<keyed_raster>& rasters_of(const std::string& head);
     scene_unit* add_unit(const std::string& head);
