@@ -78,7 +78,7 @@ struct finding {
 
 // How often a rule was right where the truth is known.
 struct rule_record {
-    finding_kind kind;    // `begins` and so on; pieces_of_one may also be others
+    finding_kind kind;    // of its findings, unless the place tells otherwise
     proposal_kind proposal;
     int right;
     int of;

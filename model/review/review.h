@@ -55,8 +55,7 @@ public:
     // ---- The list
     // Changes whenever anything below, counts included, may have changed.
     [[nodiscard]] unsigned long revision();
-    // Called after the list has changed, on the thread and in the call that changed it: be quick. What it is
-    // told to do with the findings is up to the one who listens.
+    // Called whenever revision() has changed, in the call that changed it: be quick, and edit nothing.
     std::function<void()> on_change;
 
     // Open findings, the best one of each unit, ranked: descending by score. The pointers are good until the
