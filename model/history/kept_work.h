@@ -34,6 +34,11 @@ public:
     // The recording that the curation has just opened is that of this file.
     void opened(const std::string& roi_file);
 
+    [[nodiscard]] const std::string& roi_file() const noexcept
+    {
+        return _names[0];
+    }    // "" while none is open
+
     // ---- Undo and redo; the step that was made, or null when there is none or something is going on
     const edit_step* undo();
     const edit_step* redo();

@@ -68,15 +68,14 @@ private:
         note("history");
         if (const char* const rule = _window->broken_rule_of_undo())
             return rule;
-        if (!_window->isOpen() || chance(0.7))
+        if (!_window->isOpen() || _window->work().roi_file() != _files.path("demo.roi") || chance(0.5))
             return nullptr;
         const auto now = state_of(*_window);
         const std::size_t unsaved = _window->unsaved_edits();
         _window.reset();
         CurationProbe afresh;
         if (!afresh.work.open(_files.path("demo.roi")) || afresh.work.offers().empty() || unsaved == 0 ||
-            afresh.work.offers().front().edits !=
-                unsaved)    // another recording was open, or its file is another now
+            afresh.work.offers().front().edits != unsaved)    // its file is another now
             return nullptr;
         if (!afresh.work.take_up())
             return "what is offered can be taken up";

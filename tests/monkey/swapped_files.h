@@ -2,8 +2,10 @@
 #pragma once
 #include "../support/failing_reads.h"
 #include "../support/temp_folder.h"
+#include "curation.h"
 #include "demo_files.h"
 #include "demo_random.h"
+#include "kept_work.h"
 #include "story.h"
 
 #include <QRegularExpression>
@@ -37,6 +39,8 @@ public:
     void restore()
     {
         _fault.reset();
+        const curation somebody_else;    // no window takes it for a save of its own
+        const kept_work::Writing writing(somebody_else);
         for (const char* name : {"demo", "other", "demo.roi", "other.roi", "variant.roi", "home"})
             fs::remove_all(path(name));
         for (std::uint64_t seed = 1; const char* name : {"demo", "other"})
