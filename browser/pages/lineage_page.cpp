@@ -5,7 +5,7 @@
 #include "file_dialogs.h"
 #include "help_window.h"
 #include "import_dialog.h"
-#include "places.h"
+#include "message_line.h"
 #include "scale_dialog.h"
 #include "tree_window.h"
 
@@ -13,13 +13,14 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
-#include <iostream>
+#include <utility>
 
 namespace {
 
 // By unit_rule: these give the best units on recordings whose truth is known (docs/units.md).
 constexpr double default_shares[] = {nearest_rule().share, 0};
 constexpr int count_after_ms = 300;    // several changes are counted in one go
+constexpr int idle_look_ms = 450;      // two idle passes of the automatic split, and a little
 
 struct button_row {
     QPushButton* LineagePage::*button;
@@ -47,23 +48,6 @@ const button_row buttons[] = {
      QT_TRANSLATE_NOOP(
          "LineagePage",
          "Mark all units of this time point as known to be right, or unmark them (one unit: E)")},
-    {&LineagePage::doubtful,
-     "doubtful",
-     QT_TRANSLATE_NOOP("LineagePage", "Doubtful"),
-     {378, 4, 70, 26},
-     QT_TRANSLATE_NOOP("LineagePage", "Show the next unit with more than one parent")},
-    {&LineagePage::dead_end,
-     "dead_end",
-     QT_TRANSLATE_NOOP("LineagePage", "Dead end"),
-     {448, 4, 70, 26},
-     QT_TRANSLATE_NOOP("LineagePage",
-                       "Show the first unit without a child before the last time point (link it: A)")},
-    {&LineagePage::unlinked,
-     "unlinked",
-     QT_TRANSLATE_NOOP("LineagePage", "Unlinked"),
-     {518, 4, 70, 26},
-     QT_TRANSLATE_NOOP("LineagePage",
-                       "Show the first unit without a parent after the first time point (link it: A)")},
     {&LineagePage::split,
      "split",
      QT_TRANSLATE_NOOP("LineagePage", "Split"),
@@ -215,12 +199,6 @@ void LineagePage::connect_controls()
             [this](int chosen) { overlap->setValue(default_shares[chosen]); });
     connect(scale, &QPushButton::clicked, this, [this] { edit_scale(_window); });
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
-    connect(doubtful, &QPushButton::clicked, this, &LineagePage::show_next_doubtful);
-    connect(dead_end, &QPushButton::clicked, this,
-            [this] { show_reported(_window.first_dead_end(), &ORVBrowser::pushButton_dead_end_clicked); });
-    connect(unlinked, &QPushButton::clicked, this, [this] {
-        show_reported(_window.first_unlinked(), &ORVBrowser::pushButton_unlinked_unit_clicked);
-    });
     connect(split, &QPushButton::clicked, window, &ORVBrowser::pushButton_split_clicked);
     connect(auto_split, &QPushButton::toggled, this, &LineagePage::toggle_auto_split);
     connect(read_lineage_file, &QPushButton::clicked, this, &LineagePage::read_file);
@@ -313,38 +291,6 @@ void LineagePage::toggle_elite()
     _window.show_changes();
 }
 
-void LineagePage::show_next_doubtful()
-{
-    if (_walked_recording != _window.recording())
-        _last_doubtful.clear();
-    _walked_recording = _window.recording();
-    _window.search_doubt_units();
-    std::set<std::string> candidates = _window.doubtful();
-    std::erase_if(candidates, [this](const std::string& unit) { return _window.is_false(unit); });
-    if (candidates.empty()) {
-        std::cout << "Doubt units: none" << std::endl;
-        return;
-    }
-    const auto next = candidates.upper_bound(_last_doubtful);
-    _last_doubtful = next == candidates.end() ? *candidates.begin() : *next;
-    std::cout << "Doubt unit: " << _last_doubtful << std::endl;
-    const QPointer<LineagePage> self(this);
-    lead_to_unit(_window, _last_doubtful);
-    if (self)
-        _window.highlight(_last_doubtful);
-}
-
-// The report shows the plane of the unit's head; then the unit is shown.
-void LineagePage::show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)())
-{
-    const QPointer<Places> places(Places::of(_window));
-    if (places)
-        places->settle();
-    (_window.*report)();
-    if (places && unit)
-        places->show_unit(*unit);
-}
-
 // The passes begin once the switch itself is done: what goes on meanwhile may delete it.
 void LineagePage::toggle_auto_split(bool on)
 {
@@ -353,15 +299,47 @@ void LineagePage::toggle_auto_split(bool on)
         QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
 }
 
+// The window goes on looking for work until the switch is off: that is done once a pass has found none.
 void LineagePage::split_all()
 {
     if (!auto_split->isChecked() ||
         _window.is_running())    // a loop that is going on reads the switch itself
         return;
     const QPointer<LineagePage> self(this);
+    _splits = _merges = 0;
+    _edits_at_last_look = _window.edits();
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, [this] {
+        if (std::exchange(_edits_at_last_look, _window.edits()) == _window.edits())
+            auto_split->setChecked(false);
+    });
+    look.start(idle_look_ms);
     _window.pushButton_split_clicked();
-    if (self)    // the window may have ended the loop itself
-        auto_split->setChecked(false);
+    if (!self)
+        return;
+    auto_split->setChecked(false);    // the window may have ended the loop itself
+    tell_splits();
+}
+
+// What a pass of the automatic split has done, from its step.
+void LineagePage::step_ended(edit_step& step)
+{
+    if (!auto_split->isChecked() || !step.title().starts_with("Repair "))
+        return;
+    const bool has_cut = step.concerns(kept_in::rois);
+    _splits += has_cut;
+    _merges += !has_cut && step.changes().find("+unit ") != std::string::npos;
+}
+
+void LineagePage::tell_splits()
+{
+    if (!_window.isOpen())
+        return;
+    _window.search_doubt_units();
+    std::set<std::string> left = _window.doubtful();
+    std::erase_if(left, [this](const std::string& unit) { return _window.is_false(unit); });
+    if (MessageLine* const line = MessageLine::of(_window))
+        line->say(tr("%1 split, %2 merged, %3 left").arg(_splits).arg(_merges).arg(left.size()));
 }
 
 void LineagePage::read_file()

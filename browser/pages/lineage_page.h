@@ -36,9 +36,6 @@ public:
     QPushButton* scale = nullptr;
     QPushButton* make_links = nullptr;
     QPushButton* elite = nullptr;
-    QPushButton* doubtful = nullptr;
-    QPushButton* dead_end = nullptr;
-    QPushButton* unlinked = nullptr;
     QPushButton* split = nullptr;
     QPushButton* auto_split = nullptr;
     QPushButton* read_lineage_file = nullptr;
@@ -58,6 +55,7 @@ protected:
 
 private:
     void state_changed() override;
+    void step_ended(edit_step& step) override;
     void recording_changed() override;
     void waiting_changed() override;
 
@@ -70,10 +68,9 @@ private:
     void make_all_units();
     void make_all_links();
     void toggle_elite();
-    void show_next_doubtful();
-    void show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)());
     void toggle_auto_split(bool on);
     void split_all();
+    void tell_splits();
     void read_file();
     void save_file();
     void show_tree();
@@ -90,8 +87,9 @@ private:
     QTimer _count_soon;    // runs while the numbers are out of date
     std::map<int, tally> _tallies;
     bool _stop_asked = false;
-    std::string _last_doubtful;
-    unsigned long _walked_recording = 0;    // the one that it belongs to
+    unsigned long _edits_at_last_look = 0;    // while the automatic split works
+    int _splits = 0;                          // of this run of it
+    int _merges = 0;
     QPointer<TreeWindow> _tree_window;
     QPointer<HelpWindow> _help_window;
 };

@@ -1,6 +1,7 @@
 #include "window_input.h"
 
 #include "edit_step.h"
+#include "review_walk.h"
 #include "status_text.h"
 
 #include <QAbstractSpinBox>
@@ -77,6 +78,8 @@ bool WindowInput::take_key(QKeyEvent& e)
         return true;
     if (e.isAutoRepeat())
         return false;
+    if (is_plain && !_is_unlinking && _window.armed_mode() == ORVBrowser::armed::none && review_takes(key))
+        return true;
     return press_sign(key) || (is_plain && (press_once(key) || hold_key(key)));
 }
 
@@ -86,6 +89,13 @@ void WindowInput::explain_key(int key)
         _edits.say_none_is_chosen();
         _has_said = true;
     }
+}
+
+// What it says of a finding is the result of the key.
+bool WindowInput::review_takes(int key)
+{
+    ReviewWalk* const walk = ReviewWalk::of(_window);
+    return walk && walk->take_key(key);
 }
 
 // Whatever the keyboard needs for the sign.

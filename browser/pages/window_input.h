@@ -35,6 +35,7 @@ private:
     void step_ended(edit_step& step) override;
     void recording_changed() override;
 
+    [[nodiscard]] bool review_takes(int key);
     [[nodiscard]] bool press_sign(int key);
     [[nodiscard]] bool press_stepping_key(int key);
     [[nodiscard]] bool press_once(int key);

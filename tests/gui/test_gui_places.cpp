@@ -104,7 +104,8 @@ private slots:
         const SmallRecording recording;
         PagedWindow w(recording);
         const Family family(w);
-        const std::string far = put_unit(w, {put_roi(w, {900, 800, 40, 2})});
+        const std::string far =
+            put_unit(w, {put_roi(w, {900, 800, 40, 2}), put_roi(w, {900, 800, 41, 2})});
         const CapturedLines out(std::cout);
         w.findChild<QPushButton*>("unlinked")->click();
         QCOMPARE(w.here(), (place{2, 40}));

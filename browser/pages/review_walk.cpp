@@ -1,0 +1,297 @@
+#include "review_walk.h"
+
+#include "edit_scope.h"
+#include "keygen.h"
+#include "message_line.h"
+#include "places.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+constexpr double step_of_cut = 1;    // pixel widths, for each press of a key
+
+// "Nothing to do" cannot be told from the outside by the one who looks for it: a cut can.
+bool is_cut(const finding& f)
+{
+    return f.proposal == proposal_kind::cut || f.proposal == proposal_kind::cut_outline ||
+           f.proposal == proposal_kind::cut_between;
+}
+
+}    // namespace
+
+ReviewWalk::ReviewWalk(ORVBrowser& window) : QObject(&window), _window(window), _review(window)
+{
+    setObjectName("reviewWalk");
+    connect(&_making, &QTimer::timeout, this, &ReviewWalk::make_on);
+    _tell_soon.setSingleShot(true);
+    connect(&_tell_soon, &QTimer::timeout, this, &ReviewWalk::list_changed);
+    _review.on_change = [this] { _tell_soon.start(0); };
+}
+
+ReviewWalk* ReviewWalk::of(const ORVBrowser& window)
+{
+    return window.findChild<ReviewWalk*>("reviewWalk", Qt::FindDirectChildrenOnly);
+}
+
+void ReviewWalk::recording_changed()
+{
+    _making.stop();
+    show(std::nullopt);
+    _tell_soon.start(0);
+}
+
+// ---- The list
+
+void ReviewWalk::begin()
+{
+    if (_window.isOpen() && !is_made() && !_making.isActive())
+        _making.start(0);
+}
+
+void ReviewWalk::make_on()
+{
+    if (_window.is_busy())    // what goes on makes it stale
+        return;
+    if (!_window.isOpen() || !_review.advance())
+        _making.stop();
+    emit list_changed();
+}
+
+void ReviewWalk::set_filter(std::optional<finding_kind> kind)
+{
+    _filter = kind;
+    _listed_at = 0;
+    _row = -1;
+    emit list_changed();
+}
+
+void ReviewWalk::set_order(order wanted)
+{
+    _order = wanted;
+    _listed_at = 0;
+    _row = -1;
+    emit list_changed();
+}
+
+const std::vector<const finding*>& ReviewWalk::listed()
+{
+    if (!is_made())
+        _listed.clear();
+    else if (_listed_at != _review.revision())
+        update_list();
+    return _listed;
+}
+
+void ReviewWalk::update_list()
+{
+    _listed = _review.ranked();
+    _listed_at = _review.revision();
+    if (_filter)
+        std::erase_if(_listed, [this](const finding* f) { return f->kind != *_filter; });
+    if (_order == order::time)
+        std::ranges::stable_sort(_listed, {}, [](const finding* f) { return f->unit; });
+    if (_order != order::lineage)
+        return;
+    std::map<std::string, std::string> roots;
+    for (const finding* const f : _listed)
+        roots.emplace(f->unit, _review.root_of(f->unit));
+    std::ranges::stable_sort(_listed, {},
+                             [&](const finding* f) { return std::pair(roots.at(f->unit), f->unit); });
+}
+
+// ---- The finding on view
+
+void ReviewWalk::go_to(int row)
+{
+    if (row < 0 || row >= static_cast<int>(listed().size()))
+        return;
+    _row = row;
+    show(*_listed[static_cast<std::size_t>(row)]);
+}
+
+void ReviewWalk::next()
+{
+    begin();
+    const auto& all = listed();
+    const bool is_there = _row >= 0 && _row < static_cast<int>(all.size()) && _current &&
+                          *all[static_cast<std::size_t>(_row)] == *_current;
+    show_next_after(is_there ? _row : _row - 1);    // where it is settled, the next has its row
+}
+
+void ReviewWalk::previous()
+{
+    begin();
+    const int rows = static_cast<int>(listed().size());
+    if (rows > 0)
+        go_to(_row <= 0 ? rows - 1 : std::min(_row, rows) - 1);
+}
+
+void ReviewWalk::show_next_after(int row)
+{
+    const int rows = static_cast<int>(listed().size());
+    if (rows > 0)
+        return go_to(row < -1 || row + 1 >= rows ? 0 : row + 1);
+    show(std::nullopt);
+    say(is_made() ? tr("Nothing left") : tr("The list is being made"));
+}
+
+void ReviewWalk::show(std::optional<finding> f)
+{
+    _current = std::move(f);
+    _parting.reset();
+    _offset = 0;
+    if (_current) {
+        lead_to(*_current);
+        show_cut();
+    }
+    emit shown();
+}
+
+void ReviewWalk::lead_to(const finding& f)
+{
+    if (_window.head_members().contains(f.unit))
+        _window.choose(f.unit);
+    lead_to_unit(_window, f.unit);
+    if (f.proposal == proposal_kind::cut_outline || f.proposal == proposal_kind::cut_between)
+        _window.setCurrentFocalPlane(f.plane);
+    say(QString::fromStdString(reason_of(f) + ". " + proposal_of(f)) + tr("? Return"));
+}
+
+void ReviewWalk::show_cut()
+{
+    if (_current && is_cut(*_current))
+        _parting = _review.preview(*_current, _offset);
+}
+
+void ReviewWalk::move_cut(double pixels)
+{
+    if (!_parting)
+        return;
+    _offset += pixels;
+    show_cut();
+    emit shown();
+}
+
+// ---- Decisions
+
+void ReviewWalk::accept()
+{
+    if (!_current)
+        return say(tr("No finding is shown. N: the next one"));
+    const finding f = *_current;
+    if (!_review.accept(f, _offset))    // which says why
+        return;
+    _window.show_changes();
+    next();
+}
+
+void ReviewWalk::dismiss()
+{
+    if (!_current)
+        return say(tr("No finding is shown. N: the next one"));
+    const finding f = *_current;
+    _review.dismiss(f);
+    next();
+}
+
+review::alike ReviewWalk::alike() { return _current ? _review.all_like(*_current) : review::alike(); }
+
+void ReviewWalk::accept_all()
+{
+    if (!_current || !alike().is_offered())
+        return;
+    const finding f = *_current;
+    const QPointer<ReviewWalk> self(this);
+    const review_summary summary = _review.accept_all_like(f);
+    if (!self)
+        return;
+    _window.show_changes();
+    next();
+    say(tr("%1 accepted, %2 left").arg(summary.accepted).arg(summary.left));
+}
+
+std::string ReviewWalk::unit_on_view()
+{
+    return _current && _window.head_members().contains(_current->unit) ? _current->unit : _window.chosen();
+}
+
+void ReviewWalk::toggle_reviewed()
+{
+    const std::string unit = unit_on_view();
+    if (!_window.head_members().contains(unit))
+        return say(tr("No nucleus is chosen"));
+    _review.set_reviewed(unit, !_review.is_reviewed(unit));
+    _window.show_changes();
+}
+
+void ReviewWalk::cut_unit()
+{
+    const std::string unit = unit_on_view();
+    if (!_window.head_members().contains(unit))
+        return say(tr("No nucleus is chosen"));
+    show(_review.cut_by_hand(unit));
+    say(_parting ? tr("Cut it here? Return; comma and full stop move the cut; Esc: no")
+                 : tr("There are no two sides to it"));
+    if (!_parting)
+        show(std::nullopt);
+}
+
+void ReviewWalk::walk(finding_kind kind, bool forth)
+{
+    begin();
+    if (!is_made())
+        _review.finish();
+    const std::set<std::string>& units = _review.units_with(kind);
+    if (units.empty())
+        return say(tr("%1: none").arg(QString::fromStdString(name_of(kind))));
+    const std::string chosen = _window.chosen();
+    const bool is_here = is_roi_key(chosen) && decode(chosen).t() == _window.time_point();
+    const std::string from = is_here ? chosen : time_key(_window.time_point());
+    auto found = forth ? units.upper_bound(from) : units.lower_bound(from);
+    if (forth && found == units.end())
+        found = units.begin();
+    if (!forth)
+        found = std::prev(found == units.begin() ? units.end() : found);
+    const std::string unit = *found;
+    _window.choose(unit);
+    lead_to_unit(_window, unit);
+    say(tr("%1: %2").arg(QString::fromStdString(name_of(kind)), QString::fromStdString(unit)));
+}
+
+bool ReviewWalk::take_key(int key)
+{
+    switch (key) {
+    case Qt::Key_N:
+        return next(), true;
+    case Qt::Key_P:
+        return previous(), true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return accept(), true;
+    case Qt::Key_I:
+        return dismiss(), true;
+    case Qt::Key_V:
+        return toggle_reviewed(), true;
+    case Qt::Key_K:
+        return cut_unit(), true;
+    case Qt::Key_Comma:
+    case Qt::Key_Period:
+        if (!_parting)
+            return false;
+        return move_cut(key == Qt::Key_Comma ? -step_of_cut : step_of_cut), true;
+    case Qt::Key_Escape:
+        if (!_current)
+            return false;
+        return show(std::nullopt), true;
+    default:
+        return false;
+    }
+}
+
+void ReviewWalk::say(const QString& text)
+{
+    if (MessageLine* const line = MessageLine::of(_window))
+        line->say(text);
+}
