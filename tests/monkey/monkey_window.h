@@ -6,6 +6,7 @@
 #include "history_page.h"
 #include "lineage_page.h"
 #include "pages.h"
+#include "review_page.h"
 
 #include <algorithm>
 
@@ -77,7 +78,8 @@ private:
 
     [[nodiscard]] bool may_be_used(const QWidget* w) const
     {
-        if (qobject_cast<const HistoryPage*>(w->parentWidget()))    // tests of its own
+        if (qobject_cast<const HistoryPage*>(w->parentWidget()) ||
+            qobject_cast<const ReviewPage*>(w->parentWidget()))    // tests of their own
             return w->isEnabled();
         const bool is_button = qobject_cast<const QPushButton*>(w);
         if (w == lineEdit_dataset || w == page->stop)
