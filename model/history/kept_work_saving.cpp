@@ -11,10 +11,44 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+// As many bytes as tell what a file holds.
+std::string beginning_of(const std::string& filename)
+{
+    std::string text(512, '\0');
+    std::ifstream file(filename, std::ios::binary);
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    return text;
+}
+
+// Whether the content is what this file keeps, and not something else that a person saves under its name. An
+// empty one is, where there is nothing to keep.
+bool is_of_kind(kept_in file, std::string_view content, const curation& model)
+{
+    if (file == kept_in::recording)
+        return content.starts_with('{');
+    if (file == kept_in::rois)
+        return content.starts_with(model.dataset() + '\n');
+    const std::string name = "NAME " + model.dataset() + '\n';
+    if (!content.starts_with(name))
+        return false;
+    const std::string_view rest = content.substr(name.size());
+    switch (file) {
+    case kept_in::lineage:
+        return rest.empty() ? model.head_members().empty() : rest.starts_with("UNIT ");
+    case kept_in::info:
+        return rest.empty() ? model.selected().empty() : rest.starts_with("SELECT ");
+    default:
+        return rest.empty() ? model.false_positives().empty() : rest.starts_with("FP ");
+    }
+}
 
 // All of it or nothing, and one line.
 bool keep_copy(const std::string& name, const std::string& as)
@@ -120,9 +154,11 @@ void kept_work::before_replacing(const std::string& target, const std::string& c
         return;
     _coming = hash_of_file(content);
     _model.end_step_so_far();
-    if (!_writer)    // nothing was edited
-        return;
     const auto file = static_cast<kept_in>(i);
+    if (!is_of_kind(file, beginning_of(content), _model))
+        _coming.clear();
+    if (!_writer || _coming.empty())    // nothing was edited, or nothing is kept
+        return;
     note(journal_text::saving(file, _coming, rest_of_file(file, _model)));
     if (!_writer->sync())
         tell_failure();
@@ -135,6 +171,8 @@ void kept_work::after_replacing(const std::string& target, bool is_replaced)
         return;
     const auto file = static_cast<kept_in>(i);
     _known[i] = _coming;
+    if (_coming.empty())
+        return;
     if (file == kept_in::rois && !_writer)    // what is edited from now on stands on it
         _base_hash = _coming;
     _history.state().saved(bit_of(file));
