@@ -10,24 +10,7 @@
 
 namespace {
 
-using pairs = std::vector<std::pair<std::string, std::string>>;
-
 constexpr int per_time_point = 1000;    // numbers of units count up from so many times their time point
-
-// The notes of a kind, as the unit that they begin with and the rest.
-pairs notes_of_kind(const curation& model, const std::string& kind, const std::string& unit = {})
-{
-    const std::string begin = kind + ' ' + unit + (unit.empty() ? "" : " ");
-    pairs found;
-    for (auto note = model.notes().lower_bound(begin);
-         note != model.notes().end() && note->starts_with(begin); ++note) {
-        const std::size_t head = kind.size() + 1;
-        const std::size_t end = note->find(' ', head);
-        if (end != std::string::npos)
-            found.emplace_back(note->substr(head, end - head), note->substr(end + 1));
-    }
-    return found;
-}
 
 bool has_names(const curation& model)
 {
@@ -44,7 +27,7 @@ std::string namesake_of(const curation& model, const std::string& unit)
         if (first.empty() || entry->second < first)
             first = entry->second;
     if (first.empty())
-        for (const auto& [earlier, later] : notes_of_kind(model, "GAP"))
+        for (const auto& [earlier, later] : notes_of_kind(model.notes(), "GAP"))
             if (later == unit && (first.empty() || earlier < first))
                 first = earlier;
     return first < unit ? first : std::string();
@@ -57,7 +40,7 @@ std::vector<std::string> heirs_of(const curation& model, const std::string& unit
     for (auto link = first; link != last; ++link)
         if (link->second == unit && namesake_of(model, link->first) == unit)
             heirs.push_back(link->first);
-    for (const auto& gap : notes_of_kind(model, "GAP", unit))
+    for (const auto& gap : notes_of_kind(model.notes(), "GAP", unit))
         if (namesake_of(model, gap.second) == unit)
             heirs.push_back(gap.second);
     std::ranges::sort(heirs);
@@ -85,7 +68,7 @@ std::map<std::string, std::string> all_namesakes(const curation& model)
     };
     for (const auto& [child, parent] : model.links())
         add(child, parent);
-    for (const auto& [earlier, later] : notes_of_kind(model, "GAP"))
+    for (const auto& [earlier, later] : notes_of_kind(model.notes(), "GAP"))
         if (!model.links().contains(later))
             add(later, earlier);
     std::erase_if(namesakes, [](const auto& entry) { return entry.second >= entry.first; });
@@ -111,7 +94,7 @@ std::optional<std::string> unit_of_number(curation& model, const std::string& te
 
 std::string own_name(const curation& model, const std::string& unit)
 {
-    const pairs names = notes_of_kind(model, "CALLED", unit);
+    const auto names = notes_of_kind(model.notes(), "CALLED", unit);
     return names.empty() ? std::string() : names.front().second;
 }
 
@@ -137,7 +120,7 @@ std::string name_of(const curation& model, const std::string& unit)
 std::unordered_map<std::string, std::string> names_of_all(const curation& model)
 {
     std::unordered_map<std::string, std::string> names;
-    for (auto& [unit, name] : notes_of_kind(model, "CALLED"))
+    for (auto& [unit, name] : notes_of_kind(model.notes(), "CALLED"))
         names.emplace(unit, std::move(name));
     if (names.empty())
         return names;

@@ -262,7 +262,7 @@ private slots:
         for (QPushButton* button : {tree->save_svg, tree->save_png, tree->save_newick})
             button->click();
         const QString svg = QString::fromStdString(s.recording.folder.contents("t.svg"));
-        QCOMPARE(svg.count("<circle") + svg.count("<ellipse"), 6 + 1 + 5);    // units, the lit one, legend
+        QCOMPARE(svg.count("<circle") + svg.count("<ellipse"), 6 + 1 + 6);    // units, the chosen one, legend
         QVERIFY(!QImage(s.recording.path("t.png")).isNull());
         QCOMPARE(s.recording.folder.contents("t.nwk"), newick(tree->tree()));
 
@@ -271,7 +271,8 @@ private slots:
                  "(('002020102050':1,'002020122050':1)'001020101050':1)'000020100050';\n"
                  "('001020121050':1)'000020120050';\n");
         s.w.release_child("001020101050", "002020122050");
-        s.w.m_lineage_mode_roi_set = {"000020100050"};    // from now on the tree of one nucleus
+        s.w.m_lineage_mode_roi_set = {"000020100050"};
+        tree->one_lineage->click();    // from now on the tree of one nucleus
         s.w.mergeUnits("002020102050", "002020122050");
         s.page->elite->click();
         QTRY_COMPARE(tree->tree().nodes.size(), 3U);    // itself, its child, and the merged unit
