@@ -4,6 +4,7 @@
 #include "error_line.h"
 #include "kept_work.h"
 #include "keygen.h"
+#include "link_making.h"
 #include "review.h"
 #include "scoring.h"
 #include "true_cuts.h"

@@ -1,6 +1,6 @@
 #include "unit_rules.h"
 
-#include "curation.h"
+#include "link_making.h"
 
 #include <charconv>
 #include <iostream>

@@ -122,7 +122,8 @@ const help_row mouse[] = {
     {QT_TRANSLATE_NOOP("HelpWindow", "in the tree"),
      QT_TRANSLATE_NOOP(
          "HelpWindow",
-         "wheel zooms, drag pans, a click on a unit shows it in the main window; keys act there")},
+         "wheel zooms, drag pans, a click on a unit shows and chooses it, a double click asks for its name; "
+         "keys act in the main window")},
 };
 
 const help_row modes[] = {

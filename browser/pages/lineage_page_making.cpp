@@ -3,6 +3,7 @@
 #include "busy_run.h"
 #include "edit_scope.h"
 #include "lineage_page.h"
+#include "link_making.h"
 #include "making_dialog.h"
 #include "orvbrowser.h"
 

@@ -5,9 +5,12 @@
 
 namespace {
 
-constexpr double margin = 40;              // pixels around the tree
 constexpr double smallest_radius = 1.5;    // pixels; smaller units are not drawn one by one
 constexpr double click_distance = 8;       // pixels
+constexpr double between_numbers = 22;     // pixels, of the time axis
+constexpr double smallest_name = 7;        // pixels of height
+constexpr double largest_name = 12;
+constexpr QColor time_point_color(0x22, 0x88, 0x44);
 
 struct legend_row {
     const char* color;
@@ -15,27 +18,29 @@ struct legend_row {
 };
 
 constexpr legend_row legend[] = {
-    {"#5577aa", "unit"},     {"#e0b000", "elite"},    {"#dd2222", "doubtful"},
-    {"#ff8800", "dead end"}, {"#9933cc", "unlinked"},
+    {"#5577aa", "unit"},     {"#11a0a0", "reviewed"}, {"#e0b000", "elite"},
+    {"#dd2222", "doubtful"}, {"#ff8800", "dead end"}, {"#9933cc", "unlinked"},
 };
 
-// The first finding that holds gives the colour.
+// The first that holds gives the colour: findings, then what was decided.
 QColor color_of(const tree_node& node)
 {
     if (node.is_doubtful)
-        return legend[2].color;
-    if (node.is_unlinked)
-        return legend[4].color;
-    if (node.is_dead_end)
         return legend[3].color;
-    return node.is_elite ? legend[1].color : legend[0].color;
+    if (node.is_unlinked)
+        return legend[5].color;
+    if (node.is_dead_end)
+        return legend[4].color;
+    if (node.is_elite)
+        return legend[2].color;
+    return node.is_reviewed ? legend[1].color : legend[0].color;
 }
 
 bool needs_a_look(const tree_node& node) { return node.is_doubtful || node.is_dead_end || node.is_unlinked; }
 
 double radius_of(const tree_view& view)
 {
-    return std::min({5.0, view.column_width / 3, view.row_height / 3});
+    return std::min({5.0, view.column_width / 4, view.row_height / 3});
 }
 
 // The rows that a strip of the paper shows.
@@ -104,13 +109,69 @@ void paint_branches(QPainter& painter, const lineage_tree& tree, const tree_view
     painter.drawLines(lines);
 }
 
-void paint_time_point(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& area,
-                      int t)
+double height_of(const lineage_tree& tree, const tree_view& view, int t)
 {
-    const double y = view.origin.y() + (t - tree.first_t) * view.row_height;
-    painter.setPen(QPen(QColor("#22aa44"), 1, Qt::DashLine));
+    return view.origin.y() + (t - tree.first_t) * view.row_height;
+}
+
+void paint_time_point(QPainter& painter, const QRectF& area, double y)
+{
+    painter.setPen(QPen(time_point_color, 1, Qt::DashLine));
     painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
-    painter.drawText(QPointF(area.left() + 4, y - 3), QString::number(t));
+}
+
+// 1, 2, 5, 10, 20, 50 ... time points, so that their numbers stand apart.
+int time_points_per_number(double row_height)
+{
+    int decade = 1;
+    for (;; decade *= 10)
+        for (const int step : {decade, 2 * decade, 5 * decade})
+            if (step * row_height >= between_numbers)
+                return step;
+}
+
+void paint_number(QPainter& painter, double right, double y, int t)
+{
+    const QRectF box(right - tree_view::axis_width, y - 10, tree_view::axis_width - 8, 20);
+    painter.drawText(box, Qt::AlignRight | Qt::AlignVCenter, QString::number(t));
+    painter.drawLine(QPointF(right - 5, y), QPointF(right, y));
+}
+
+// The time point on view has its number always, and the others where they leave it room.
+void paint_axis(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& part,
+                int time_point)
+{
+    const double now = height_of(tree, view, time_point);
+    const int step = time_points_per_number(view.row_height);
+    const auto is_shown = [&](double y) { return y >= part.top() && y <= part.bottom(); };
+    const int end = tree.first_t + static_cast<int>(tree.rows.size());
+    painter.setPen(Qt::black);
+    painter.drawLine(part.topLeft(), part.bottomLeft());
+    for (int t = (tree.first_t + step - 1) / step * step; t < end; t += step)
+        if (const double y = height_of(tree, view, t);
+            is_shown(y) && std::abs(y - now) > between_numbers * 0.7)
+            paint_number(painter, part.left(), y, t);
+    painter.setPen(time_point_color);
+    if (is_shown(now))
+        paint_number(painter, part.left(), now, time_point);
+}
+
+// Along its branch, downwards: there names of neighbours have room.
+void paint_name(QPainter& painter, const tree_view& view, const QPointF& at, double radius,
+                const tree_node& node)
+{
+    const int pixels = static_cast<int>(std::min(largest_name, view.column_width - 2 * radius));
+    if (node.name.empty() || pixels < smallest_name)
+        return;
+    painter.save();
+    QFont font = painter.font();
+    font.setPixelSize(pixels);
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    painter.translate(at + QPointF(radius + 1, -radius));
+    painter.rotate(90);
+    painter.drawText(QPointF(0, 0), QString::fromStdString(node.name));
+    painter.restore();
 }
 
 void paint_node(QPainter& painter, const QPointF& at, double radius, const tree_node& node,
@@ -128,7 +189,7 @@ void paint_node(QPainter& painter, const QPointF& at, double radius, const tree_
 
 void paint_legend(QPainter& painter, const QRectF& area)
 {
-    double x = area.left() + 40;
+    double x = area.left() + 12;
     const double y = area.top() + 16;
     for (const auto& [color, text] : legend) {
         painter.setPen(Qt::NoPen);
@@ -149,23 +210,48 @@ QPointF tree_view::place(const lineage_tree& tree, const tree_node& node) const
 
 QSizeF tree_view::size_of(const lineage_tree& tree) const
 {
-    return {2 * margin + tree.columns * column_width,
-            2 * margin + static_cast<double>(tree.rows.size()) * row_height};
+    return {axis_width + 2 * margin + tree.columns * column_width,
+            legend_height + 2 * margin + static_cast<double>(tree.rows.size()) * row_height};
+}
+
+QRectF tree_view::part_for_tree(const QRectF& paper)
+{
+    return paper.adjusted(axis_width, legend_height, 0, 0);
+}
+
+tree_view tree_view::fitted(const lineage_tree& tree, const QRectF& paper, double smallest)
+{
+    const QRectF part = part_for_tree(paper).adjusted(margin, margin, -margin, -margin);
+    const auto step = [&](double length, double steps) {
+        return std::clamp(length / std::max(1.0, steps), smallest, largest_fitted_step);
+    };
+    tree_view view;
+    view.column_width = step(part.width(), tree.columns);
+    view.row_height = step(part.height(), static_cast<double>(tree.rows.size()));
+    view.origin = part.topLeft();
+    return view;
 }
 
 void paint_tree(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& area,
                 const tree_marks& marks)
 {
     painter.fillRect(area, Qt::white);
-    const row_range rows = rows_in(tree, view, area.top(), area.bottom());
-    paint_branches(painter, tree, view, area, rows);
+    const QRectF part = tree_view::part_for_tree(area);
+    painter.save();
+    painter.setClipRect(part, Qt::IntersectClip);
+    const row_range rows = rows_in(tree, view, part.top(), part.bottom());
+    paint_branches(painter, tree, view, part, rows);
+    paint_time_point(painter, part, height_of(tree, view, marks.time_point));
     const double radius = radius_of(view);
     for (std::size_t row = rows.first; row < rows.last; ++row)
-        for_each_in(tree, view, row, area.left(), area.right(), [&](const tree_node& node) {
+        for_each_in(tree, view, row, part.left(), part.right(), [&](const tree_node& node) {
+            const QPointF at = view.place(tree, node);
             if (radius >= smallest_radius || needs_a_look(node) || node.unit == marks.marked_unit)
-                paint_node(painter, view.place(tree, node), std::max(radius, smallest_radius), node, marks);
+                paint_node(painter, at, std::max(radius, smallest_radius), node, marks);
+            paint_name(painter, view, at, radius, node);
         });
-    paint_time_point(painter, tree, view, area, marks.time_point);
+    painter.restore();
+    paint_axis(painter, tree, view, part, marks.time_point);
     paint_legend(painter, area);
 }
 

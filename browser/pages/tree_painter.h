@@ -7,11 +7,23 @@
 
 #include <optional>
 
-// How the tree lies on the paper: pixels per column and per time point, and where (0, first_t) is.
+// How the tree lies on the paper: pixels per column and per time point, and where (0, first_t) is. The legend
+// runs along the top of the paper and the time axis along its left edge; the tree has the rest.
 struct tree_view {
-    QPointF origin{40, 40};
-    double column_width = 14;
+    static constexpr double legend_height = 24;    // pixels
+    static constexpr double axis_width = 44;
+    static constexpr double margin = 30;    // around the tree
+    static constexpr double smallest_step = 0.2;
+    static constexpr double readable_step = 3.6;
+    static constexpr double largest_fitted_step = 36;
+
+    QPointF origin{axis_width + margin, legend_height + margin};
+    double column_width = 18;
     double row_height = 14;
+
+    // That shows all of the tree on a paper, or its beginning where steps would be smaller than the smallest.
+    [[nodiscard]] static tree_view fitted(const lineage_tree& tree, const QRectF& paper, double smallest);
+    [[nodiscard]] static QRectF part_for_tree(const QRectF& paper);
 
     [[nodiscard]] QPointF place(const lineage_tree& tree, const tree_node& node) const;
     [[nodiscard]] QSizeF size_of(const lineage_tree& tree) const;    // of the whole tree, with its margins

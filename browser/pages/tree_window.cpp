@@ -5,6 +5,8 @@
 #include "file_io.h"
 #include "keyboard_rules.h"
 #include "places.h"
+#include "typed_field.h"
+#include "unit_names.h"
 
 #include <QBuffer>
 #include <QMouseEvent>
@@ -15,22 +17,32 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace {
 
 constexpr int follow_after_ms = 200;    // several changes in one go
 constexpr int button_height = 26;
-constexpr int drag_distance = 4;         // pixels; a shorter way is a click
-constexpr double smallest_step = 0.2;    // pixels per column or time point
-constexpr double largest_step = 200;
+constexpr int drag_distance = 4;            // pixels; a shorter way is a click
+constexpr double largest_step = 200;        // pixels per column or time point
 constexpr double largest_png_area = 1e8;    // pixels
 
-QPushButton* add_button(QWidget* parent, const char* name, const QString& text, int x)
+QPushButton* add_button(QWidget* parent, const char* name, const QString& text, int x, int width = 110)
 {
     auto* const button = new QPushButton(text, parent);
     button->setObjectName(name);
-    button->setGeometry(x, 4, 110, button_height);
+    button->setGeometry(x, 4, width, button_height);
     return button;
+}
+
+TypedField* add_field(QWidget* parent, const char* name, int x, int width,
+                      const std::function<void(const QString&)>& take)
+{
+    auto* const field = new TypedField(parent, take);
+    field->setObjectName(name);
+    field->setGeometry(x, 4, width, button_height);
+    field->setMaxLength(60);
+    return field;
 }
 
 }    // namespace
@@ -40,9 +52,30 @@ TreeWindow::TreeWindow(ORVBrowser& window) : QWidget(&window, Qt::Window), _wind
     setObjectName("treeWindow");
     setWindowTitle(tr("Nuclear Detector: lineage"));
     resize(900, 700);
+    add_controls();
+    setFocusPolicy(Qt::StrongFocus);
+    new KeyboardRules(_window, *this, *this);
+    _follow_soon.setSingleShot(true);
+    connect(&_follow_soon, &QTimer::timeout, this, &TreeWindow::follow);
+    connect(_window.slider_time_point, &QSlider::valueChanged, this, qOverload<>(&QWidget::update));
+}
+
+void TreeWindow::add_controls()
+{
     save_svg = add_button(this, "save_svg", tr("Save SVG"), 4);
     save_png = add_button(this, "save_png", tr("Save PNG"), 118);
     save_newick = add_button(this, "save_newick", tr("Save Newick"), 232);
+    fit = add_button(this, "fit", tr("Fit"), 346, 50);
+    fit->setToolTip(tr("Show the whole tree"));
+    one_lineage = add_button(this, "one_lineage", tr("One lineage"), 400, 100);
+    one_lineage->setCheckable(true);
+    one_lineage->setToolTip(tr("Only the ancestors and descendants of the chosen nucleus"));
+    find = add_field(this, "find", 504, 180, [this](const QString& text) { go_to_typed(text); });
+    find->setPlaceholderText(tr("Find: key, number, name"));
+    name = add_field(this, "name", 688, 200, [this](const QString& text) {
+        (void)_window.call(_window.chosen(), text.toStdString());
+        show_name();
+    });
     connect(save_svg, &QPushButton::clicked, this,
             [this] { save("svg file (*.svg)", "save svg-file", ".svg", [this] { return as_svg(); }); });
     connect(save_png, &QPushButton::clicked, this,
@@ -51,11 +84,11 @@ TreeWindow::TreeWindow(ORVBrowser& window) : QWidget(&window, Qt::Window), _wind
         save("newick file (*.nwk)", "save newick-file", ".nwk",
              [this] { return QByteArray::fromStdString(newick(_tree)); });
     });
-    setFocusPolicy(Qt::StrongFocus);
-    new KeyboardRules(_window, *this, *this);
-    _follow_soon.setSingleShot(true);
-    connect(&_follow_soon, &QTimer::timeout, this, &TreeWindow::follow);
-    connect(_window.slider_time_point, &QSlider::valueChanged, this, qOverload<>(&QWidget::update));
+    connect(fit, &QPushButton::clicked, this, [this] {
+        show_fitted(tree_view::smallest_step);
+        _is_placed = true;
+    });
+    connect(one_lineage, &QPushButton::toggled, this, &TreeWindow::follow);
 }
 
 void TreeWindow::state_changed()
@@ -64,7 +97,22 @@ void TreeWindow::state_changed()
         _follow_soon.start(follow_after_ms);
 }
 
+void TreeWindow::hear_of(const edit_step& step)
+{
+    _is_stale = _is_stale || step.concerns(kept_in::lineage) || step.concerns(kept_in::false_positives);
+}
+
 void TreeWindow::showEvent(QShowEvent*) { follow(); }
+
+// The lineage that is shown stays for as long as the chosen nucleus is in it.
+std::string TreeWindow::unit_to_show() const
+{
+    if (!one_lineage->isChecked())
+        return {};
+    const bool stays =
+        _window.head_members().contains(_seen_head) && _tree.find(_window.chosen()) < _tree.nodes.size();
+    return stays ? _seen_head : _window.chosen();
+}
 
 void TreeWindow::follow()
 {
@@ -72,51 +120,75 @@ void TreeWindow::follow()
         state_changed();
     if (!isVisible() || _window.is_making_units())
         return;
-    const std::string head = _window.chosen();
+    const std::string head = unit_to_show();
     const bool is_another_tree = _seen_recording != _window.recording() || _seen_head != head;
-    if (_seen_edits == _window.edits() && !is_another_tree)
-        return;
-    if (is_another_tree) {
-        _is_placed = false;
-        _marked_unit.clear();
+    if (_seen_edits != _window.edits() || _is_stale || is_another_tree) {
+        _is_placed = _is_placed && !is_another_tree;
+        _is_stale = false;
+        _seen_edits = _window.edits();
+        _seen_recording = _window.recording();
+        _seen_head = head;
+        _tree = _window.isOpen() ? make_tree(_window, head) : lineage_tree();
+        for (QWidget* control : std::initializer_list<QWidget*>{save_svg, save_png, save_newick, fit, find})
+            control->setEnabled(_window.isOpen());
+        if (!_is_placed)
+            show_fitted(tree_view::readable_step);
     }
-    _seen_edits = _window.edits();
-    _seen_recording = _window.recording();
-    _seen_head = head;
-    _tree = _window.isOpen() ? make_tree(_window, head) : lineage_tree();
-    for (QPushButton* button : {save_svg, save_png, save_newick})
-        button->setEnabled(_window.isOpen());
-    if (!_is_placed)
-        show_whole_tree();
+    follow_chosen();
     update();
 }
 
-// As much of the tree as fits at a size that can be read.
-void TreeWindow::show_whole_tree()
+void TreeWindow::follow_chosen()
 {
-    const tree_view readable;
-    const QSizeF full = readable.size_of(_tree);
-    _view = readable;
-    _view.origin += QPointF(0, button_height);
-    _view.column_width *= std::clamp(width() / full.width(), 0.2, 2.0);
-    _view.row_height *= std::clamp((height() - button_height) / full.height(), 0.2, 2.0);
+    const std::string chosen = _window.chosen();
+    if (chosen != _seen_chosen)
+        bring_into_view(chosen);
+    _seen_chosen = chosen;
+    show_name();
 }
 
-tree_marks TreeWindow::marks() const { return {_window.time_point(), _marked_unit}; }
+void TreeWindow::show_name()
+{
+    const std::string chosen = _window.chosen();
+    const bool is_unit = _window.head_members().contains(chosen);
+    name->setEnabled(is_unit);
+    name->setPlaceholderText(!is_unit ? tr("Name: choose a nucleus")
+                                      : tr("Name: %1").arg(QString::fromStdString(name_of(_window, chosen))));
+    name->show_text(is_unit ? QString::fromStdString(own_name(_window, chosen)) : QString());
+}
+
+void TreeWindow::bring_into_view(const std::string& unit)
+{
+    const std::size_t node = _tree.find(unit);
+    if (node == _tree.nodes.size())
+        return;
+    const QRectF part = tree_view::part_for_tree(paper());
+    const QPointF at = _view.place(_tree, _tree.nodes[node]);
+    if (!part.contains(at))
+        _view.origin += part.center() - at;
+}
+
+QRectF TreeWindow::paper() const { return QRectF(rect()).adjusted(0, button_height + 8, 0, 0); }
+
+void TreeWindow::show_fitted(double smallest_step)
+{
+    _view = tree_view::fitted(_tree, paper(), smallest_step);
+    update();
+}
+
+tree_marks TreeWindow::marks() const { return {_window.time_point(), _window.chosen()}; }
 
 void TreeWindow::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, _view.column_width > 6);
-    const QRectF area = QRectF(rect()).adjusted(0, button_height + 8, 0, 0);
-    painter.setClipRect(area);
-    paint_tree(painter, _tree, _view, area, marks());
+    paint_tree(painter, _tree, _view, paper(), marks());
 }
 
 void TreeWindow::resizeEvent(QResizeEvent*)
 {
     if (!_is_placed)
-        show_whole_tree();
+        show_fitted(tree_view::readable_step);
 }
 
 void TreeWindow::keyPressEvent(QKeyEvent* e) { _window.keyPressEvent(e); }
@@ -126,7 +198,7 @@ void TreeWindow::wheelEvent(QWheelEvent* e)
     const double wanted = std::pow(1.0015, e->angleDelta().y());
     const double smaller = std::min(_view.column_width, _view.row_height);
     const double larger = std::max(_view.column_width, _view.row_height);
-    const double factor = std::clamp(wanted, smallest_step / smaller, largest_step / larger);
+    const double factor = std::clamp(wanted, tree_view::smallest_step / smaller, largest_step / larger);
     _view.origin = e->position() + (_view.origin - e->position()) * factor;
     _view.column_width *= factor;
     _view.row_height *= factor;
@@ -160,17 +232,37 @@ void TreeWindow::mouseReleaseEvent(QMouseEvent* e)
         go_to(_tree.nodes[*node].unit);
 }
 
+void TreeWindow::mouseDoubleClickEvent(QMouseEvent* e)
+{
+    _is_drag = true;    // the click before has shown and chosen it
+    if (!node_at(_tree, _view, e->position()))
+        return;
+    name->setFocus();
+    name->selectAll();
+}
+
 // By value: the tree may be made anew while the main window moves there.
 void TreeWindow::go_to(std::string unit)
 {
     if (!_window.isOpen())
         return;
-    _marked_unit = unit;
-    update();
     const QPointer<TreeWindow> self(this);
     lead_to_unit(_window, unit);
-    if (self && _window.isOpen())
-        _window.highlight(unit);
+    if (!self || !_window.isOpen())
+        return;
+    _window.choose(unit);
+    _window.highlight(unit);
+    follow();
+}
+
+void TreeWindow::go_to_typed(const QString& text)
+{
+    if (text.isEmpty() || !_window.isOpen())
+        return;
+    if (const auto unit = find_unit(_window, text.toStdString()))
+        go_to(*unit);
+    else
+        error_line("There is no such unit: ", text.toStdString());
 }
 
 QByteArray TreeWindow::as_svg() const

@@ -9,6 +9,7 @@
 #include <functional>
 
 class QPushButton;
+class TypedField;
 
 class TreeWindow : public QWidget, private curation_observer {
     Q_OBJECT
@@ -19,6 +20,10 @@ public:
     QPushButton* save_svg = nullptr;
     QPushButton* save_png = nullptr;
     QPushButton* save_newick = nullptr;
+    QPushButton* fit = nullptr;
+    QPushButton* one_lineage = nullptr;    // checkable: of the chosen nucleus alone
+    TypedField* find = nullptr;            // a ROI key, a unit's number or a name
+    TypedField* name = nullptr;            // of the chosen nucleus
 
     [[nodiscard]] const lineage_tree& tree() const noexcept { return _tree; }
     [[nodiscard]] const tree_view& view() const noexcept { return _view; }
@@ -32,13 +37,24 @@ protected:
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
     void mouseReleaseEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;    // asks for a name
 
 private:
     void state_changed() override;
+    void step_ended(edit_step& step) override { hear_of(step); }
+    void step_replayed(const edit_step& step, bool) override { hear_of(step); }
     void recording_changed() override { state_changed(); }
+    void hear_of(const edit_step& step);
+    void add_controls();
     void follow();    // takes over what has changed in the main window
-    void show_whole_tree();
+    void follow_chosen();
+    void show_name();
+    [[nodiscard]] std::string unit_to_show() const;    // whose lineage is shown; "" for all
+    [[nodiscard]] QRectF paper() const;                // below the buttons
+    void show_fitted(double smallest_step);
     void go_to(std::string unit);
+    void go_to_typed(const QString& text);
+    void bring_into_view(const std::string& unit);
     [[nodiscard]] tree_marks marks() const;
     [[nodiscard]] QByteArray as_svg() const;
     [[nodiscard]] QByteArray as_png() const;
@@ -52,9 +68,10 @@ private:
     QTimer _follow_soon;    // runs while the tree is out of date
     unsigned long _seen_edits = 0;
     unsigned long _seen_recording = 0;
-    bool _is_placed = false;    // the person has not moved or zoomed yet
-    std::string _marked_unit;
-    std::string _seen_head;    // the chosen nucleus
+    bool _is_placed = false;     // the person has not moved or zoomed yet
+    bool _is_stale = false;      // what the tree shows beside units and links has changed
+    std::string _seen_head;      // whose lineage is shown
+    std::string _seen_chosen;    // the chosen nucleus
     QPointF _drag_from;
     bool _is_drag = false;
 };

@@ -14,7 +14,6 @@
 #include "curation_observer.h"
 #include "edit_step.h"
 #include "lineage_file.h"
-#include "linking.h"
 #include "long_run.h"
 #include "making.h"
 #include "q_roiimgdb.h"
@@ -119,7 +118,10 @@ public:
     [[nodiscard]] bool is_reviewed(const string& unit) const;    // so noted, or elite
     void set_dismissed(const dismissal& d, bool on);             // that a finding is none
     void set_gap(const string& earlier, const string& later, bool on);    // that both are one nucleus
-    [[nodiscard]] bool is_touched(const string& unit);                    // so noted, or elite
+    // Names a nucleus; "" takes its name away. False, one line and nothing changed when it is no unit, or
+    // this is no name (is_unit_name()).
+    bool call(const string& unit, const string& name);
+    [[nodiscard]] bool is_touched(const string& unit);    // so noted, or elite
     void set_elite(const set<string>& units, bool on);
     void choose(const string& unit);    // "": no nucleus
     void select_all(int t);             // but for false positives
@@ -392,34 +394,4 @@ private:
     std::shared_ptr<open_step> m_open_step;    // null between steps
     unsigned long m_recording = 0;
     unsigned long m_edits = 0;
-};
-
-// Makes the links of one time point after the other. Between the steps the recording may be edited.
-class link_making {
-public:
-    link_making(curation& model, const making& how);
-
-    // The links of the units of time point t to those of the one before, in place of those that are not
-    // spared. Time points are taken in ascending order, without a gap. False when the recording was closed
-    // meanwhile.
-    bool step(int t);
-
-    // How many links into time point t there would be then; the same order of time points.
-    [[nodiscard]] std::optional<std::size_t> count(int t);
-
-private:
-    using link_set = std::set<std::pair<std::string, std::string>>;    // child, parent
-    [[nodiscard]] std::optional<link_set> find(int t);
-    [[nodiscard]] std::optional<link_set> find_by_nearest(int t);
-    [[nodiscard]] kept_links kept(int t, const std::vector<std::string>& heads) const;
-    [[nodiscard]] std::vector<std::string> units_at(int t) const;
-    [[nodiscard]] std::vector<unit_rasters> rasters_of(const std::vector<std::string>& units, int t) const;
-
-    curation& _model;
-    unsigned long _recording;
-    unsigned long _releases = 0;    // of rasters, when those of the time point before were collected
-    making _how;
-    unit_linker _linker;
-    std::vector<std::string> _before;    // the heads of the time point before
-    bool _has_begun = false;
 };

@@ -124,6 +124,28 @@ void curation::set_gap(const string& earlier, const string& later, bool on)
     set_note("GAP " + earlier + ' ' + later, on);
 }
 
+bool curation::call(const string& unit, const string& name)
+{
+    if (!m_head_members.contains(unit)) {
+        error_line("No unit to be named: ", unit);
+        return false;
+    }
+    if (!name.empty() && !is_unit_name(name)) {
+        error_line("A name has no blank at its ends and no control characters");
+        return false;
+    }
+    const string named = "CALLED " + unit + ' ' + name;
+    if (!name.empty() && m_unit_notes.contains(named))
+        return true;
+    const EditScope step(*this, name.empty() ? "No name" : "Name", unit);
+    for (const string& note : notes_about(unit))
+        if (note.starts_with("CALLED "))
+            remove_note(note);
+    if (!name.empty())
+        add_note(named);
+    return true;
+}
+
 void curation::set_note(const string& note, bool on)
 {
     if (on)

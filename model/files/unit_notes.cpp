@@ -1,5 +1,6 @@
 #include "unit_notes.h"
 
+#include <algorithm>
 #include <sstream>
 #include <vector>
 
@@ -67,4 +68,17 @@ std::string about_another(const std::string& note, const std::string& from, cons
         changed += (i > 0 ? " " : "") + (i > 0 && word == from ? to : word);
     }
     return has_name ? changed + ' ' + name_in(note) : changed;
+}
+
+std::vector<std::pair<std::string, std::string>>
+notes_of_kind(const unit_notes& notes, const std::string& kind, const std::string& first)
+{
+    const std::string begin = kind + ' ' + first + (first.empty() ? "" : " ");
+    std::vector<std::pair<std::string, std::string>> found;
+    for (auto note = notes.lower_bound(begin); note != notes.end() && note->starts_with(begin); ++note) {
+        const std::size_t word = kind.size() + 1;
+        const std::size_t end = std::min(note->find(' ', word), note->size());
+        found.emplace_back(note->substr(word, end - word), note->substr(std::min(end + 1, note->size())));
+    }
+    return found;
 }

@@ -5,6 +5,8 @@
 
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 using unit_notes = std::set<std::string>;
 
@@ -16,3 +18,8 @@ void put_notes(const unit_notes& notes, lineage& units);
 // The note, about the unit `to` where it was about `from`; "" when it has no unit any more (`to` is "").
 [[nodiscard]] std::string about_another(const std::string& note, const std::string& from,
                                         const std::string& to);
+
+// The notes of a kind ("CALLED"), as the word that follows it and the rest; with `first`, those where it is
+// this word.
+[[nodiscard]] std::vector<std::pair<std::string, std::string>>
+notes_of_kind(const unit_notes& notes, const std::string& kind, const std::string& first = {});

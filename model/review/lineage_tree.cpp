@@ -1,13 +1,19 @@
 #include "lineage_tree.h"
 
+#include "branch_order.h"
+#include "finding.h"
 #include "keygen.h"
 #include "lineage_file.h"
+#include "unit_names.h"
+#include "unit_notes.h"
 
 #include <algorithm>
 #include <set>
 #include <utility>
 
 namespace {
+
+constexpr double between_roots = 0.5;    // columns, beside the one that every branch has
 
 using key_set = std::set<std::string>;
 
@@ -76,12 +82,50 @@ void set_lone_ones_aside(lineage_tree& tree)
     }
 }
 
+// A finding that a person has dismissed is none, nor is one on either side of a gap.
+void take_notes(lineage_tree& tree, const unit_notes& notes)
+{
+    tree_node of_no_unit;
+    const auto node = [&](const std::string& unit) -> tree_node& {
+        const std::size_t i = tree.find(unit);
+        return i < tree.nodes.size() ? tree.nodes[i] : of_no_unit;
+    };
+    for (const auto& [unit, rest] : notes_of_kind(notes, "REVIEWED"))
+        node(unit).is_reviewed = true;
+    for (const auto& [earlier, later] : notes_of_kind(notes, "GAP")) {
+        node(earlier).is_dead_end = false;
+        node(later).is_unlinked = false;
+    }
+    for (const auto& [kind, is] : {std::pair(finding_kind::doubtful, &tree_node::is_doubtful),
+                                   {finding_kind::dead_end, &tree_node::is_dead_end},
+                                   {finding_kind::unlinked, &tree_node::is_unlinked}})
+        for (const auto& [word, unit] : notes_of_kind(notes, "DISMISSED", word_of(kind)))
+            node(unit.substr(0, unit.find(' '))).*is = false;
+}
+
+void name_nodes(lineage_tree& tree, const curation& model)
+{
+    const auto names = names_of_all(model);
+    const auto name_of_node = [&](const tree_node& node) {
+        const auto name = names.find(node.unit);
+        return name == names.end() ? std::string() : name->second;
+    };
+    for (std::size_t i = 0; !names.empty() && i < tree.nodes.size(); ++i) {
+        tree_node& node = tree.nodes[i];
+        const std::string name = name_of_node(node);
+        if (node.parent == i || name != name_of_node(tree.nodes[node.parent]))
+            node.name = name;
+    }
+}
+
 void order_nodes(lineage_tree& tree)
 {
-    std::vector<std::size_t> to_visit;
-    for (std::size_t i = tree.nodes.size(); i-- > 0;)
+    std::vector<std::size_t> roots;
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i)
         if (tree.nodes[i].parent == i)
-            to_visit.push_back(i);
+            roots.push_back(i);
+    order_branches(tree, roots);
+    std::vector<std::size_t> to_visit(roots.rbegin(), roots.rend());
     while (!to_visit.empty()) {
         const std::size_t i = to_visit.back();
         to_visit.pop_back();
@@ -94,9 +138,12 @@ void order_nodes(lineage_tree& tree)
 // Leaves get the columns in order; a node stands above the middle of what hangs under it.
 void set_columns(lineage_tree& tree)
 {
-    for (const std::size_t i : tree.order)
+    for (const std::size_t i : tree.order) {
+        if (tree.nodes[i].parent == i && i != tree.order.front())
+            tree.columns += between_roots;
         if (tree.nodes[i].children.empty())
             tree.nodes[i].column = tree.columns++;
+    }
     for (auto i = tree.order.rbegin(); i != tree.order.rend(); ++i) {
         tree_node& node = tree.nodes[*i];
         if (!node.children.empty())
@@ -141,6 +188,8 @@ lineage_tree make_tree(curation& model, const std::string& chosen)
     tree.nodes = make_nodes(model, chosen);
     hang_children(tree, model);
     set_lone_ones_aside(tree);
+    take_notes(tree, model.notes());
+    name_nodes(tree, model);
     order_nodes(tree);
     set_columns(tree);
     set_rows(tree);

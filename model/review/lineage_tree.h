@@ -9,11 +9,13 @@
 struct tree_node {
     std::string unit;     // its head
     int t = 0;            // time point
-    double column = 0;    // a whole number for a branch without branches; between its branches otherwise
+    double column = 0;    // between those of its branches where it has any
+    std::string name;     // where what it is called begins: inherited names stand on the first unit alone
     bool is_elite = false;
     bool is_doubtful = false;
     bool is_dead_end = false;
     bool is_unlinked = false;
+    bool is_reviewed = false;
     bool is_small = false;     // one ROI alone
     std::size_t parent = 0;    // the parent with the smallest key, under which it hangs; itself for a root
     std::vector<std::size_t> children;    // those that hang under it
@@ -31,7 +33,7 @@ struct lineage_tree {
     std::vector<std::vector<std::size_t>> rows;    // by time point from first_t: indices of nodes, by column
     std::vector<tree_link> slanted;                // by child, so by time point
     int first_t = 0;
-    int columns = 0;
+    double columns = 0;    // its width
 
     // The node of a unit, or nodes.size().
     [[nodiscard]] std::size_t find(const std::string& unit) const;

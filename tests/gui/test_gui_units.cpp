@@ -4,6 +4,7 @@
 #include "../support/scripted_dialogs.h"
 #include "lineage_page.h"
 #include "tree_window.h"
+#include "typed_field.h"
 
 namespace {
 
@@ -254,7 +255,7 @@ private slots:
         for (QPushButton* button : {tree->save_svg, tree->save_png, tree->save_newick})
             button->click();
         const QString svg = QString::fromStdString(s.recording.folder.contents("t.svg"));
-        QCOMPARE(svg.count("<circle") + svg.count("<ellipse"), 6 + 1 + 5);    // units, the lit one, legend
+        QCOMPARE(svg.count("<circle") + svg.count("<ellipse"), 6 + 1 + 6);    // units, the chosen one, legend
         QVERIFY(!QImage(s.recording.path("t.png")).isNull());
         QCOMPARE(s.recording.folder.contents("t.nwk"), newick(tree->tree()));
 
@@ -263,11 +264,60 @@ private slots:
                  "(('002020102050':1,'002020122050':1)'001020101050':1)'000020100050';\n"
                  "('001020121050':1)'000020120050';\n");
         s.w.release_child("001020101050", "002020122050");
-        s.w.m_lineage_mode_roi_set = {"000020100050"};    // from now on the tree of one nucleus
+        s.w.m_lineage_mode_roi_set = {"000020100050"};
+        tree->one_lineage->click();    // from now on the tree of one nucleus
         s.w.mergeUnits("002020102050", "002020122050");
         s.page->elite->click();
-        QTRY_COMPARE(tree->tree().nodes.size(), 3U);    // itself, its child, and the merged unit
-        QVERIFY(tree->tree().nodes[tree->tree().find("002020102050")].is_doubtful);
+        QTRY_VERIFY(tree->tree().nodes[tree->tree().find("002020102050")].is_doubtful);
+        QCOMPARE(tree->tree().nodes.size(), 3U);    // itself, its child, and the merged unit
+    }
+
+    void treeNamesAndFindsUnits()
+    {
+        LinkedNuclei s;
+        s.page->tree->click();
+        auto* const tree = s.w.findChild<TreeWindow*>();
+        QVERIFY(tree && QTest::qWaitForWindowExposed(tree));
+        const auto type = [](QLineEdit* field, const QString& text, Qt::Key end = Qt::Key_Return) {
+            field->setFocus();
+            field->selectAll();
+            QTest::keyClicks(field, text);
+            QTest::keyClick(field, end);
+        };
+        type(tree->find, QString::number(s.w.ID("000020100050")));
+        QCOMPARE(s.w.chosen(), "000020100050");
+        s.w.release_child("001020121050", "002020122050");
+        s.w.link("001020101050", "002020122050");    // now the root has two granddaughters
+        type(tree->name, "never", Qt::Key_Escape);
+        type(tree->name, " AB ");
+        QCOMPARE(s.w.notes(), (keys{"CALLED 000020100050 AB"}));
+        type(tree->find, "none such");
+        QCOMPARE(s.w.chosen(), "000020100050");
+        const auto node = [&](const char* unit) { return tree->tree().nodes[tree->tree().find(unit)]; };
+        QTRY_COMPARE(node("000020100050").name, "AB");
+        QCOMPARE(node("001020101050").name, "");    // called the same, which need not be told again
+        QCOMPARE(node("002020122050").name, "ABb");
+        type(tree->find, "ABb");
+        QCOMPARE(s.w.chosen(), "002020122050");
+        QCOMPARE(tree->name->text(), "");
+        QVERIFY(tree->name->placeholderText().endsWith("ABb"));
+
+        QVERIFY(node("001020121050").is_dead_end && !node("001020121050").is_reviewed);
+        s.w.set_dismissed({"dead_end", "001020121050", ""}, true);
+        s.w.set_reviewed("001020121050", true);
+        QTRY_VERIFY(!node("001020121050").is_dead_end && node("001020121050").is_reviewed);
+        s.w.undo();
+        QTRY_VERIFY(!node("001020121050").is_reviewed);
+
+        QWheelEvent zoom({5, 690}, tree->mapToGlobal(QPointF(5, 690)), {}, {0, 1200}, Qt::NoButton,
+                         Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(tree, &zoom);    // what was in the middle is out of view
+        s.w.choose("000020100050");
+        const auto place = [&] { return tree->view().place(tree->tree(), node("000020100050")).toPoint(); };
+        QTRY_VERIFY(tree->rect().contains(place()));
+        tree->fit->click();
+        for (const tree_node& each : tree->tree().nodes)
+            QVERIFY(tree->rect().contains(tree->view().place(tree->tree(), each).toPoint()));
     }
 };
 

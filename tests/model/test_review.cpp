@@ -5,6 +5,7 @@
 #include "demo_presets.h"
 #include "edit_scope.h"
 #include "keygen.h"
+#include "link_making.h"
 #include "review.h"
 
 #include "ORV_outline.h"

@@ -1,6 +1,7 @@
 // A day's work in a program that has no window and needs no display: it links the model alone.
 #include "../support/kept_history.h"
 #include "lineage_file.h"
+#include "link_making.h"
 
 #include <QCoreApplication>
 

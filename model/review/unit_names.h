@@ -1,0 +1,23 @@
+// unit_names.h - what nuclei are called, and finding them by it.
+//
+// A unit that a person named has that name. Any other has the name of its parent, of several the one with the
+// smallest key; where that has several children, each adds a letter, "a", "b" and so on in the order of their
+// keys. A nucleus that is not shown for some time points (a gap) has its name on both sides.
+#pragma once
+#include "curation.h"
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+// The name a person gave to this very unit, or "".
+[[nodiscard]] std::string own_name(const curation& model, const std::string& unit);
+
+// What a unit is called, or "". Costs one walk over the units of each time point back to where it was named.
+[[nodiscard]] std::string name_of(const curation& model, const std::string& unit);
+
+// The same of all units that are called anything.
+[[nodiscard]] std::unordered_map<std::string, std::string> names_of_all(const curation& model);
+
+// The unit that a person means by a ROI key, a unit's number or a name; the earliest of several.
+[[nodiscard]] std::optional<std::string> find_unit(curation& model, const std::string& text);
