@@ -43,6 +43,15 @@ QRect text_place(const QPainter& painter, QPoint corner, const QString& text)
 
 }    // namespace
 
+std::map<int, int> rois_by_plane(const roidb_plus& rois, int t)
+{
+    std::map<int, int> found;
+    const auto [first, last] = at_time_point(rois.tz_xy_db, t);
+    for (auto entry = first; entry != last; ++entry)
+        ++found[decode(entry->first).z()];
+    return found;
+}
+
 CanvasMarks::CanvasMarks(ORVBrowser& window, CanvasView& view)
     : QObject(&window), _window(window), _view(view)
 {
@@ -132,17 +141,29 @@ void CanvasMarks::paint_crosses(QPainter& painter)
 // The parents picked for a split, and the number of the chosen nucleus, which "go to" takes.
 void CanvasMarks::paint_numbers(QPainter& painter)
 {
-    int number = 0;
-    for (const std::string& parent : _window.split_parents())
-        paint_label(painter, parent, QString::number(++number));
+    follow_split_parents();
+    for (std::size_t i = 0; i < _picked.size(); ++i)
+        paint_label(painter, _picked[i], QString::number(i + 1));
     const std::string chosen = _window.chosen();
     if (is_roi_key(chosen) && !_window.split_parents().contains(chosen))
         paint_label(painter, chosen, QString::number(_window.ID(chosen)));
 }
 
+// The window knows which they are; they are numbered as they came.
+void CanvasMarks::follow_split_parents()
+{
+    const std::set<std::string>& parents = _window.split_parents();
+    std::erase_if(_picked, [&parents](const std::string& unit) { return !parents.contains(unit); });
+    for (const std::string& unit : parents)
+        if (std::ranges::find(_picked, unit) == _picked.end())
+            _picked.push_back(unit);
+}
+
 // At the corner of its ROI of the plane on view; none where it has none.
 void CanvasMarks::paint_label(QPainter& painter, const std::string& unit, const QString& text)
 {
+    if (!is_roi_key(unit))
+        return;
     _window.visit_shown_rois([&](const plane_roi& r, const QColor&) {
         if (_window.head(*r.key) != unit)
             return;
@@ -188,7 +209,7 @@ void CanvasMarks::paint_tails(QPainter& painter)
     else if (is_roi_key(chosen))
         units = {chosen};
     const auto place = [this](pos3d p) { return _view.view().screen_point({p.x() + 0.5, p.y() + 0.5}); };
-    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps)) {
+    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps, t)) {
         const QColor color(segment.of == tail_segment::part::before  ? "#60a0ff"
                            : segment.of == tail_segment::part::after ? "#ff9040"
                                                                      : "#ffff60");
@@ -208,25 +229,18 @@ void CanvasMarks::paint_scale_bar(QPainter& painter)
     painter.drawText(back.adjusted(-20, 0, 20, -8), Qt::AlignCenter, text);
 }
 
-QString CanvasMarks::planes_with_rois()
-{
-    const auto [first, last] = at_time_point(_window.rois().tz_xy_db, _window.time_point());
-    if (first == last)
-        return tr("No ROIs at this time point.");
-    const int low = decode(first->first).z();
-    const int high = decode(std::prev(last)->first).z();
-    return tr("ROIs lie on planes %1 to %2: press Home.").arg(low).arg(high);
-}
-
 QString CanvasMarks::notice()
 {
     if (!_window.isOpen() || _window.image_on_view())
         return {};
-    bool has_rois = false;
-    _window.visit_shown_rois([&has_rois](const plane_roi&, const QColor&) { has_rois = true; });
     QStringList lines;
-    if (!has_rois)
-        lines << tr("Nothing on focal plane %1. %2").arg(_window.focal_plane()).arg(planes_with_rois());
+    const std::map<int, int> planes = rois_by_plane(_window.rois(), _window.time_point());
+    if (!planes.contains(_window.focal_plane()))
+        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' +
+                     (planes.empty() ? tr("No ROIs at this time point.")
+                                     : tr("ROIs lie on planes %1 to %2: press Home.")
+                                           .arg(planes.begin()->first)
+                                           .arg(planes.rbegin()->first));
     const QString folder = QFileInfo(QFile::decodeName(_window.image_filename().c_str())).path();
     if (!QDir(folder).exists())
         lines << tr("There is no image folder %1").arg(folder)

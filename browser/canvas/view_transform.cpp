@@ -111,6 +111,10 @@ void view_transform::center_on(QPointF picture, QSize canvas) noexcept
 
 void view_transform::keep_in_view(QSize picture, QSize canvas) noexcept
 {
+    if (picture.isEmpty()) {
+        _corner = {0, 0};
+        return;
+    }
     _corner = {kept_in_view(_corner.x(), picture.width() * _scale, canvas.width()),
                kept_in_view(_corner.y(), picture.height() * _scale, canvas.height())};
 }

@@ -216,10 +216,12 @@ void LineagePage::connect_controls()
     connect(scale, &QPushButton::clicked, this, [this] { edit_scale(_window); });
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
     connect(doubtful, &QPushButton::clicked, this, &LineagePage::show_next_doubtful);
-    connect(dead_end, &QPushButton::clicked, this,
-            [this] { show_reported(_window.first_dead_end(), &ORVBrowser::pushButton_dead_end_clicked); });
+    connect(dead_end, &QPushButton::clicked, this, [this] {
+        show_reported(walk::dead_end, _window.first_dead_end(), &ORVBrowser::pushButton_dead_end_clicked);
+    });
     connect(unlinked, &QPushButton::clicked, this, [this] {
-        show_reported(_window.first_unlinked(), &ORVBrowser::pushButton_unlinked_unit_clicked);
+        show_reported(walk::unlinked, _window.first_unlinked(),
+                      &ORVBrowser::pushButton_unlinked_unit_clicked);
     });
     connect(split, &QPushButton::clicked, window, &ORVBrowser::pushButton_split_clicked);
     connect(auto_split, &QPushButton::toggled, this, &LineagePage::toggle_auto_split);
@@ -323,6 +325,7 @@ void LineagePage::show_next_doubtful()
     std::erase_if(candidates, [this](const std::string& unit) { return _window.is_false(unit); });
     if (candidates.empty()) {
         std::cout << "Doubt units: none" << std::endl;
+        say_finding(_window, walk::doubtful, {});
         return;
     }
     const auto next = candidates.upper_bound(_last_doubtful);
@@ -330,19 +333,25 @@ void LineagePage::show_next_doubtful()
     std::cout << "Doubt unit: " << _last_doubtful << std::endl;
     const QPointer<LineagePage> self(this);
     lead_to_unit(_window, _last_doubtful);
-    if (self)
-        _window.highlight(_last_doubtful);
+    if (!self)
+        return;
+    _window.highlight(_last_doubtful);
+    say_finding(_window, walk::doubtful, _last_doubtful);
 }
 
 // The report shows the plane of the unit's head; then the unit is shown.
-void LineagePage::show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)())
+void LineagePage::show_reported(walk what, const std::optional<std::string>& unit,
+                                void (ORVBrowser::*report)())
 {
+    const QPointer<LineagePage> self(this);
     const QPointer<Places> places(Places::of(_window));
     if (places)
         places->settle();
     (_window.*report)();
     if (places && unit)
         places->show_unit(*unit);
+    if (self)
+        say_finding(_window, what, unit);
 }
 
 // The passes begin once the switch itself is done: what goes on meanwhile may delete it.

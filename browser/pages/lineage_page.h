@@ -3,6 +3,7 @@
 #pragma once
 #include "lineage_tally.h"
 #include "orvbrowser.h"
+#include "say_finding.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -71,7 +72,7 @@ private:
     void make_all_links();
     void toggle_elite();
     void show_next_doubtful();
-    void show_reported(const std::optional<std::string>& unit, void (ORVBrowser::*report)());
+    void show_reported(walk what, const std::optional<std::string>& unit, void (ORVBrowser::*report)());
     void toggle_auto_split(bool on);
     void split_all();
     void read_file();
