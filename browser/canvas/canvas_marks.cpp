@@ -34,11 +34,15 @@ void draw_text(QPainter& painter, QRect place, const QString& text, int flags = 
     painter.drawText(place, flags, text);
 }
 
-// As large as the text, its bottom-left corner here.
-QRect text_place(const QPainter& painter, QPoint corner, const QString& text)
+// As large as the text, its bottom-left corner here; moved into the canvas where a part of what it belongs to
+// is seen.
+QRect text_place(const QPainter& painter, QPoint corner, const QString& text, const QRect& canvas)
 {
     const QSize size = painter.fontMetrics().size(Qt::TextSingleLine, text) + QSize(6, 0);
-    return {corner - QPoint(0, size.height()), size};
+    const auto within = [](int at, int length, int room) { return std::max(0, std::min(at, room - length)); };
+    return {QPoint(within(corner.x(), size.width(), canvas.width()),
+                   within(corner.y() - size.height(), size.height(), canvas.height())),
+            size};
 }
 
 }    // namespace
@@ -113,8 +117,8 @@ void CanvasMarks::paint(QPainter& painter)
     painter.setRenderHint(QPainter::Antialiasing);
     paint_tails(painter);
     if (_choice.has_marks) {
-        paint_numbers(painter);
         paint_rings(painter);
+        paint_numbers(painter);    // a ring must not hide one
     }
     if (_choice.has_scale_bar)
         paint_scale_bar(painter);
@@ -168,7 +172,9 @@ void CanvasMarks::paint_label(QPainter& painter, const std::string& unit, const 
         if (_window.head(*r.key) != unit)
             return;
         const QRect box = _view.view().screen_area(rect_of(r.box));
-        draw_text(painter, text_place(painter, box.topRight() + QPoint(2, 0), text), text);
+        const QRect canvas = _window.frame_canvas->rect();
+        if (box.intersects(canvas))
+            draw_text(painter, text_place(painter, box.topRight() + QPoint(2, 0), text, canvas), text);
     });
 }
 
@@ -193,8 +199,9 @@ void CanvasMarks::paint_ring(QPainter& painter, const std::string& unit, const Q
     const QRect ring = _view.view().screen_area(box).adjusted(-distance, -distance, distance, distance);
     draw_twice(painter, letter.isEmpty() ? 3 : 2, QColor(letter.isEmpty() ? "#ffffff" : "#ffd060"),
                [&] { painter.drawRoundedRect(ring, distance * 2, distance * 2); });
-    if (!letter.isEmpty())
-        draw_text(painter, text_place(painter, ring.topLeft(), letter), letter);
+    const QRect canvas = _window.frame_canvas->rect();
+    if (!letter.isEmpty() && ring.intersects(canvas))
+        draw_text(painter, text_place(painter, ring.topLeft(), letter, canvas), letter);
 }
 
 void CanvasMarks::paint_tails(QPainter& painter)

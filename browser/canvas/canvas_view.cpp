@@ -72,10 +72,12 @@ CanvasView* CanvasView::of(const ORVBrowser& window)
     return window.findChild<CanvasView*>("canvas_view", Qt::FindDirectChildrenOnly);
 }
 
+// What is pointed at stays where it is, even where the canvas then shows more than the picture.
 void CanvasView::zoom_by(int steps, QPoint about)
 {
+    const bool is_on_picture = QRect({0, 0}, _extent).contains(_view.picture_pixel(about));
     _view.zoom_by(steps, about);
-    view_changed();
+    is_on_picture ? view_changed() : keep_in_view();
 }
 
 void CanvasView::zoom_by(int steps) { zoom_by(steps, _canvas->rect().center()); }
@@ -92,12 +94,12 @@ void CanvasView::fit()
     if (!_plane_area.isEmpty())
         _extent = extent_of(_plane_area);
     _view.fit(_extent, canvas_size());
-    view_changed();
+    keep_in_view();
 }
 
 void CanvasView::pan_by(QPoint way)
 {
-    _view.pan_by(way);
+    _view.pan_by(way, _extent, canvas_size());
     view_changed();
 }
 
@@ -108,7 +110,7 @@ void CanvasView::reveal(const QRect& picture)
     if (picture.isEmpty() || _canvas->rect().contains(wanted))
         return;
     _view.center_on(QRectF(picture).center(), canvas_size());
-    view_changed();
+    keep_in_view();
 }
 
 void CanvasView::set_range(const display_range& range)
@@ -166,9 +168,14 @@ void CanvasView::picture_changed()
     place_scroll_bars();
 }
 
-void CanvasView::view_changed()
+void CanvasView::keep_in_view()
 {
     _view.keep_in_view(_extent, canvas_size());
+    view_changed();
+}
+
+void CanvasView::view_changed()
+{
     place_scroll_bars();
     update_canvas();
 }
@@ -245,7 +252,7 @@ QRect CanvasView::screen_area(const QRect& picture) const
 bool CanvasView::eventFilter(QObject* watched, QEvent* e)
 {
     if (e->type() == QEvent::Resize)
-        view_changed();
+        keep_in_view();
     return QObject::eventFilter(watched, e);
 }
 

@@ -64,6 +64,7 @@ private:
     void recording_changed() override;
     [[nodiscard]] QSize canvas_size() const { return _canvas->size(); }
     [[nodiscard]] bool shows_plain_picture() const;
+    void keep_in_view();
     void view_changed();
     void place_scroll_bar(QScrollBar& bar, double picture, double canvas, double corner);
     void place_scroll_bars();

@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 #include <QSlider>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -85,13 +86,19 @@ void Places::back() { leave_for(_before, _after); }
 
 void Places::forward() { leave_for(_after, _before); }
 
+// Of several, the one in the middle: nuclei are sharper there.
 void Places::go_to_fullest_plane()
 {
-    std::pair<int, int> fullest{_window.focal_plane(), 0};
-    for (const auto& plane : rois_by_plane(_window.rois(), _window.time_point()))
-        if (plane.second > fullest.second)
-            fullest = plane;
-    go_to({_window.time_point(), fullest.first});
+    std::vector<int> fullest{_window.focal_plane()};
+    int most = 0;
+    for (const auto& [z, rois] : rois_by_plane(_window.rois(), _window.time_point())) {
+        if (rois > most)
+            fullest.clear();
+        if (rois >= most)
+            fullest.push_back(z);
+        most = std::max(most, rois);
+    }
+    go_to({_window.time_point(), fullest[(fullest.size() - 1) / 2]});
 }
 
 void Places::go_to_next_plane(int step)

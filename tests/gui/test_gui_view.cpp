@@ -239,6 +239,11 @@ private slots:
         QCOMPARE(w.shown_by(), fitted);
         turn_wheel(w, {5, 5}, 80, Qt::ControlModifier);
         QVERIFY(w.shown_by().scale() > fitted.scale());
+        w.press(Qt::Key_0);
+        for (const int notches : {1, 3, -2, 4}) {    // also while the picture is smaller than the canvas
+            turn_wheel(w, {50, 30}, 120 * notches, Qt::ControlModifier);
+            QCOMPARE(w.shown_by().picture_pixel({50, 30}), QPoint(50, 30));
+        }
         const struct {
             QPoint turn;
             Qt::KeyboardModifiers held;
