@@ -1,6 +1,6 @@
 // Steps at other zooms and ranges than the plain ones, zooming and panning over a crowded plane.
 //
-// A step is compared with the same step at 1:1, on a canvas of the same size; an event with the time of one
+// A step is compared with the same step at 1:1 in a window of the same size; an event with the time of one
 // frame.
 #include "bench_window.h"
 #include "topics.h"
@@ -23,6 +23,7 @@ constexpr int events = 60;
 constexpr double frame_seconds = 0.016;
 constexpr QSize usual_window(620, 878);      // a canvas as large as the demo's pictures
 constexpr QSize large_window(1219, 1477);    // a canvas of 1200 x 1200
+constexpr QSize small_window(620, 560);      // a canvas half as high
 
 class ViewedWindow : public BenchWindow {
 public:
@@ -52,9 +53,11 @@ double seconds_of_steps(ViewedWindow& window)
     });
 }
 
-comparison step_at(const char* work, const window_pointer& window, int zoom, const display_range& range)
+comparison step_at(const char* work, const window_pointer& window, int zoom, const display_range& range,
+                   QSize size = usual_window)
 {
-    const auto at = [window](int zoom_steps, const display_range& in_range) {
+    const auto at = [window, size](int zoom_steps, const display_range& in_range) {
+        window->resize(size);
         window->canvas().show_original();
         window->canvas().zoom_by(zoom_steps, {0, 0});
         window->canvas().set_range(in_range);
@@ -117,6 +120,8 @@ std::vector<comparison> view_comparisons(const bench_data& data)
             step_at("step at 1:1.4", demo, -1, {}),
             step_at("step at 1:2", demo, -2, {}),
             step_at("step at 1:1, in a range", demo, 0, narrow),
+            step_at("step at 4:1, in a range, canvas of 1200 x 1200", demo, 4, narrow, large_window),
+            step_at("step at 1:1.4, canvas half as high", demo, -1, {}, small_window),
             event("zoom about 1,000 outlines", crowded,
                   [](CanvasView& view, int i) {
                       view.zoom_by(i % 4 < 2 ? -1 : 1, {600, 600});

@@ -6,8 +6,10 @@
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QChildEvent>
+#include <QDoubleSpinBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSpinBox>
 #include <QTabBar>
 
 namespace {
@@ -22,6 +24,15 @@ bool is_tool(const QObject* widget)
 {
     return qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QAbstractSlider*>(widget) ||
            qobject_cast<const QTabBar*>(widget);
+}
+
+// What was typed and does not hold yet is gone.
+void put_back(QObject* field)
+{
+    if (auto* const whole = qobject_cast<QSpinBox*>(field))
+        whole->setValue(whole->value());
+    if (auto* const real = qobject_cast<QDoubleSpinBox*>(field))
+        real->setValue(real->value());
 }
 
 using shortcut = void (*)(ORVBrowser&);
@@ -75,8 +86,8 @@ bool KeyboardRules::eventFilter(QObject* watched, QEvent* e)
             child && !child->isWindow())
             watch(*child);
         return false;
-    case QEvent::MouseButtonPress:
-        if (is_tool(watched))
+    case QEvent::MouseButtonPress:    // the arrows of a field are tools
+        if (is_tool(watched) || qobject_cast<const QAbstractSpinBox*>(watched))
             hand_back();
         return false;
     case QEvent::ShortcutOverride:    // else a field would take Ctrl+Z for its own
@@ -107,7 +118,7 @@ bool KeyboardRules::take_key(QObject* watched, QKeyEvent& e)
         return true;
     }
     if (is_field(watched))
-        return take_key_of_field(e);
+        return take_key_of_field(watched, e);
     const bool is_walk = e.key() == Qt::Key_Tab || e.key() == Qt::Key_Backtab;
     if (!is_tool(watched) || is_walk || is_use(watched, e.key()))
         return false;
@@ -115,12 +126,14 @@ bool KeyboardRules::take_key(QObject* watched, QKeyEvent& e)
     return true;
 }
 
-bool KeyboardRules::take_key_of_field(QKeyEvent& e)
+bool KeyboardRules::take_key_of_field(QObject* field, QKeyEvent& e)
 {
     switch (e.key()) {
+    case Qt::Key_Escape:
+        put_back(field);
+        [[fallthrough]];
     case Qt::Key_Return:
     case Qt::Key_Enter:
-    case Qt::Key_Escape:
         hand_back();
         return true;
     case Qt::Key_Up:

@@ -24,7 +24,7 @@ private:
     void watch(QWidget& widget);
     void hand_back();
     [[nodiscard]] bool take_key(QObject* watched, QKeyEvent& e);
-    [[nodiscard]] bool take_key_of_field(QKeyEvent& e);
+    [[nodiscard]] bool take_key_of_field(QObject* field, QKeyEvent& e);
 
     ORVBrowser& _window;
     QWidget& _home;

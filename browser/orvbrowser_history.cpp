@@ -1,4 +1,5 @@
 // Undo and redo, saving everything, taking up what was not saved.
+#include "keygen.h"
 #include "orvbrowser.h"
 #include "replay.h"
 
@@ -56,12 +57,16 @@ void ORVBrowser::show_step(const edit_step* step)
     if (m_roidb && step->concerns(kept_in::rois))
         take_time_bounds();
     take_focal_planes();
-    step_place place;
-    if (find_place(*step, {m_time_point, m_focal_plane}, place)) {
-        if (place.t != m_time_point)
-            setCurrentTimePoint(place.t);
-        if (place.z != m_focal_plane)
-            setCurrentFocalPlane(place.z);
-    }
+    if (m_further_input)
+        m_further_input->step_shows();
+    const std::string key = find_place(*step, m_time_point, m_focal_plane);
+    const pos4i there = key.empty() ? pos4i(0, 0, m_focal_plane, m_time_point) : decode(key);
+    const bool is_on_view = there.t() == m_time_point && there.z() == m_focal_plane;
+    if (there.t() != m_time_point)
+        setCurrentTimePoint(there.t());
+    if (there.z() != m_focal_plane)
+        setCurrentFocalPlane(there.z());
+    if (m_further_input && !key.empty())
+        m_further_input->step_shown(key, is_on_view);
     show_changes();
 }

@@ -196,14 +196,23 @@ void ORVBrowser::toggle_lineage_mode()
     show_changes();
 }
 
+// The toolkit turns a wheel sideways while Alt is held.
 void ORVBrowser::wheelEvent(QWheelEvent* e)
 {
-    if (!m_imgdb || (m_further_input && m_further_input->take_wheel(*e)))
+    if (!m_imgdb)
         return;
-    if (e->angleDelta().y() > 0)
+    const QPoint turn = e->angleDelta();
+    const bool is_sideways = turn.y() == 0 && (e->modifiers() & Qt::AltModifier);
+    if (m_further_input && m_further_input->take_wheel(*e)) {
+        m_further_input->pointer_moved();
+        return;
+    }
+    if ((is_sideways ? turn.x() : turn.y()) > 0)
         focusUp();
     else
         focusDown();
+    if (m_further_input)
+        m_further_input->pointer_moved();
     processEvents();
 }
 

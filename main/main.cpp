@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QScreen>
+#include <QWindow>
 
 #include <csignal>
 
@@ -76,6 +77,37 @@ request read_command_line(int argc, char* argv[])
     return parse_arguments(QCoreApplication::arguments());
 }
 
+// Makes the window no larger than the screen, with its frame, whose size the window system tells once the
+// window is shown.
+class ScreenBound : public QObject {
+public:
+    explicit ScreenBound(QWidget& window) : _window(window)
+    {
+        keep();
+        window.createWinId();
+        window.windowHandle()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* e) override
+    {
+        if (e->type() == QEvent::Expose) {
+            watched->removeEventFilter(this);
+            keep();
+        }
+        return false;
+    }
+
+private:
+    void keep()
+    {
+        const QSize frame = _window.frameGeometry().size() - _window.size();
+        _window.resize(_window.size().boundedTo(_window.screen()->availableSize() - frame));
+    }
+
+    QWidget& _window;
+};
+
 }    // namespace
 
 int main(int argc, char* argv[])
@@ -98,7 +130,7 @@ int main(int argc, char* argv[])
     const bool is_open = !wanted.roi_file.empty() && window.openRoiFile(wanted.roi_file);    // says why not
     if (is_open && wanted.take_up)
         (void)window.take_up_work();
-    window.resize(window.size().boundedTo(window.screen()->availableSize()));
+    const ScreenBound bound(window);
     window.show();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, &QApplication::quit);
     return QApplication::exec();

@@ -34,14 +34,27 @@ void draw_text(QPainter& painter, QRect place, const QString& text, int flags = 
     painter.drawText(place, flags, text);
 }
 
-// As large as the text, its bottom-left corner here.
-QRect text_place(const QPainter& painter, QPoint corner, const QString& text)
+// As large as the text, its bottom-left corner here; moved into the canvas where a part of what it belongs to
+// is seen.
+QRect text_place(const QPainter& painter, QPoint corner, const QString& text, const QRect& canvas)
 {
     const QSize size = painter.fontMetrics().size(Qt::TextSingleLine, text) + QSize(6, 0);
-    return {corner - QPoint(0, size.height()), size};
+    const auto within = [](int at, int length, int room) { return std::max(0, std::min(at, room - length)); };
+    return {QPoint(within(corner.x(), size.width(), canvas.width()),
+                   within(corner.y() - size.height(), size.height(), canvas.height())),
+            size};
 }
 
 }    // namespace
+
+std::map<int, int> rois_by_plane(const roidb_plus& rois, int t)
+{
+    std::map<int, int> found;
+    const auto [first, last] = at_time_point(rois.tz_xy_db, t);
+    for (auto entry = first; entry != last; ++entry)
+        ++found[decode(entry->first).z()];
+    return found;
+}
 
 CanvasMarks::CanvasMarks(ORVBrowser& window, CanvasView& view)
     : QObject(&window), _window(window), _view(view)
@@ -104,8 +117,8 @@ void CanvasMarks::paint(QPainter& painter)
     painter.setRenderHint(QPainter::Antialiasing);
     paint_tails(painter);
     if (_choice.has_marks) {
-        paint_numbers(painter);
         paint_rings(painter);
+        paint_numbers(painter);    // a ring must not hide one
     }
     if (_choice.has_scale_bar)
         paint_scale_bar(painter);
@@ -132,22 +145,36 @@ void CanvasMarks::paint_crosses(QPainter& painter)
 // The parents picked for a split, and the number of the chosen nucleus, which "go to" takes.
 void CanvasMarks::paint_numbers(QPainter& painter)
 {
-    int number = 0;
-    for (const std::string& parent : _window.split_parents())
-        paint_label(painter, parent, QString::number(++number));
+    follow_split_parents();
+    for (std::size_t i = 0; i < _picked.size(); ++i)
+        paint_label(painter, _picked[i], QString::number(i + 1));
     const std::string chosen = _window.chosen();
     if (is_roi_key(chosen) && !_window.split_parents().contains(chosen))
         paint_label(painter, chosen, QString::number(_window.ID(chosen)));
 }
 
+// The window knows which they are; they are numbered as they came.
+void CanvasMarks::follow_split_parents()
+{
+    const std::set<std::string>& parents = _window.split_parents();
+    std::erase_if(_picked, [&parents](const std::string& unit) { return !parents.contains(unit); });
+    for (const std::string& unit : parents)
+        if (std::ranges::find(_picked, unit) == _picked.end())
+            _picked.push_back(unit);
+}
+
 // At the corner of its ROI of the plane on view; none where it has none.
 void CanvasMarks::paint_label(QPainter& painter, const std::string& unit, const QString& text)
 {
+    if (!is_roi_key(unit))
+        return;
     _window.visit_shown_rois([&](const plane_roi& r, const QColor&) {
         if (_window.head(*r.key) != unit)
             return;
         const QRect box = _view.view().screen_area(rect_of(r.box));
-        draw_text(painter, text_place(painter, box.topRight() + QPoint(2, 0), text), text);
+        const QRect canvas = _window.frame_canvas->rect();
+        if (box.intersects(canvas))
+            draw_text(painter, text_place(painter, box.topRight() + QPoint(2, 0), text, canvas), text);
     });
 }
 
@@ -172,8 +199,9 @@ void CanvasMarks::paint_ring(QPainter& painter, const std::string& unit, const Q
     const QRect ring = _view.view().screen_area(box).adjusted(-distance, -distance, distance, distance);
     draw_twice(painter, letter.isEmpty() ? 3 : 2, QColor(letter.isEmpty() ? "#ffffff" : "#ffd060"),
                [&] { painter.drawRoundedRect(ring, distance * 2, distance * 2); });
-    if (!letter.isEmpty())
-        draw_text(painter, text_place(painter, ring.topLeft(), letter), letter);
+    const QRect canvas = _window.frame_canvas->rect();
+    if (!letter.isEmpty() && ring.intersects(canvas))
+        draw_text(painter, text_place(painter, ring.topLeft(), letter, canvas), letter);
 }
 
 void CanvasMarks::paint_tails(QPainter& painter)
@@ -188,7 +216,7 @@ void CanvasMarks::paint_tails(QPainter& painter)
     else if (is_roi_key(chosen))
         units = {chosen};
     const auto place = [this](pos3d p) { return _view.view().screen_point({p.x() + 0.5, p.y() + 0.5}); };
-    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps)) {
+    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps, t)) {
         const QColor color(segment.of == tail_segment::part::before  ? "#60a0ff"
                            : segment.of == tail_segment::part::after ? "#ff9040"
                                                                      : "#ffff60");
@@ -208,25 +236,18 @@ void CanvasMarks::paint_scale_bar(QPainter& painter)
     painter.drawText(back.adjusted(-20, 0, 20, -8), Qt::AlignCenter, text);
 }
 
-QString CanvasMarks::planes_with_rois()
-{
-    const auto [first, last] = at_time_point(_window.rois().tz_xy_db, _window.time_point());
-    if (first == last)
-        return tr("No ROIs at this time point.");
-    const int low = decode(first->first).z();
-    const int high = decode(std::prev(last)->first).z();
-    return tr("ROIs lie on planes %1 to %2: press Home.").arg(low).arg(high);
-}
-
 QString CanvasMarks::notice()
 {
     if (!_window.isOpen() || _window.image_on_view())
         return {};
-    bool has_rois = false;
-    _window.visit_shown_rois([&has_rois](const plane_roi&, const QColor&) { has_rois = true; });
     QStringList lines;
-    if (!has_rois)
-        lines << tr("Nothing on focal plane %1. %2").arg(_window.focal_plane()).arg(planes_with_rois());
+    const std::map<int, int> planes = rois_by_plane(_window.rois(), _window.time_point());
+    if (!planes.contains(_window.focal_plane()))
+        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' +
+                     (planes.empty() ? tr("No ROIs at this time point.")
+                                     : tr("ROIs lie on planes %1 to %2: press Home.")
+                                           .arg(planes.begin()->first)
+                                           .arg(planes.rbegin()->first));
     const QString folder = QFileInfo(QFile::decodeName(_window.image_filename().c_str())).path();
     if (!QDir(folder).exists())
         lines << tr("There is no image folder %1").arg(folder)

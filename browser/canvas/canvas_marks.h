@@ -6,8 +6,13 @@
 
 #include <QObject>
 
+#include <map>
 #include <set>
 #include <string>
+#include <vector>
+
+// How many ROIs each focal plane of a time point has, of those that have any.
+[[nodiscard]] std::map<int, int> rois_by_plane(const roidb_plus& rois, int t);
 
 enum class tail_choice { none, of_chosen, of_near };
 
@@ -57,7 +62,7 @@ private:
     void paint_scale_bar(QPainter& painter);
     void paint_notice(QPainter& painter);
     void paint_label(QPainter& painter, const std::string& unit, const QString& text);
-    [[nodiscard]] QString planes_with_rois();
+    void follow_split_parents();
 
     ORVBrowser& _window;
     CanvasView& _view;
@@ -65,4 +70,5 @@ private:
     tails _tails{_window};
     mark_choice _choice;
     std::string _ringed;
+    std::vector<std::string> _picked;    // parents for a split
 };

@@ -27,6 +27,12 @@ void copy_area(const QImage& from, const QRect& area, QImage& to)
                     reinterpret_cast<QRgb*>(to.scanLine(y)) + area.left());
 }
 
+// From the corner of the picture.
+QSize extent_of(const QRect& area)
+{
+    return area.isEmpty() ? QSize() : QSize(area.right() + 1, area.bottom() + 1);
+}
+
 QScrollBar* thin_bar(Qt::Orientation orientation, const char* name, QWidget* parent)
 {
     auto* const bar = new QScrollBar(orientation, parent);
@@ -66,10 +72,12 @@ CanvasView* CanvasView::of(const ORVBrowser& window)
     return window.findChild<CanvasView*>("canvas_view", Qt::FindDirectChildrenOnly);
 }
 
+// What is pointed at stays where it is, even where the canvas then shows more than the picture.
 void CanvasView::zoom_by(int steps, QPoint about)
 {
+    const bool is_on_picture = QRect({0, 0}, _extent).contains(_view.picture_pixel(about));
     _view.zoom_by(steps, about);
-    view_changed();
+    is_on_picture ? view_changed() : keep_in_view();
 }
 
 void CanvasView::zoom_by(int steps) { zoom_by(steps, _canvas->rect().center()); }
@@ -80,15 +88,18 @@ void CanvasView::show_original()
     view_changed();
 }
 
+// What other planes had to show, a slip in the file among it, makes it no smaller.
 void CanvasView::fit()
 {
+    if (!_plane_area.isEmpty())
+        _extent = extent_of(_plane_area);
     _view.fit(_extent, canvas_size());
-    view_changed();
+    keep_in_view();
 }
 
 void CanvasView::pan_by(QPoint way)
 {
-    _view.pan_by(way);
+    _view.pan_by(way, _extent, canvas_size());
     view_changed();
 }
 
@@ -99,7 +110,7 @@ void CanvasView::reveal(const QRect& picture)
     if (picture.isEmpty() || _canvas->rect().contains(wanted))
         return;
     _view.center_on(QRectF(picture).center(), canvas_size());
-    view_changed();
+    keep_in_view();
 }
 
 void CanvasView::set_range(const display_range& range)
@@ -141,25 +152,30 @@ void CanvasView::recording_changed()
     emit opened_or_closed();
 }
 
-// An area that grows with what is seen, so that stepping never moves the view of a person.
+// The area grows with what is seen, so that stepping never moves the view of a person. The picture of a plane
+// without an image is as large as a canvas, and shows no more than the ROIs.
 void CanvasView::picture_changed()
 {
-    _plane_area = _canvas->picture().rect();
-    if (const QPixmap* const image = _window.image_on_view())
-        _plane_area |= image->rect();
+    const QPixmap* const image = _window.image_on_view();
+    _plane_area = image ? image->rect() : QRect();
     const QRect possible(0, 0, largest_side, largest_side);
     _window.visit_shown_rois(
         [&](const plane_roi& r, const QColor&) { _plane_area |= rect_of(r.box) & possible; });
-    const QSize extent = _extent.expandedTo(_plane_area.size());
+    const QSize extent = _extent.expandedTo(extent_of(_plane_area));
     if (extent == _extent)
         return;
     _extent = extent;
+    place_scroll_bars();
+}
+
+void CanvasView::keep_in_view()
+{
+    _view.keep_in_view(_extent, canvas_size());
     view_changed();
 }
 
 void CanvasView::view_changed()
 {
-    _view.keep_in_view(_extent, canvas_size());
     place_scroll_bars();
     update_canvas();
 }
@@ -167,8 +183,9 @@ void CanvasView::view_changed()
 // Its own picture ends where the canvas does in a window of the usual size.
 bool CanvasView::shows_plain_picture() const
 {
+    const QRect needed = _plane_area & _canvas->rect();
     return _view.is_plain() && _range.is_plain() && _outline_width == 1 && !_are_outlines_hidden &&
-           _canvas->picture().rect().contains(_plane_area & _canvas->rect());
+           (needed.isEmpty() || _canvas->picture().rect().contains(needed));
 }
 
 bool CanvasView::paint_picture(QPainter& painter, const QRect& area)
@@ -199,13 +216,17 @@ bool CanvasView::paint_picture(QPainter& painter, const QRect& area)
 void CanvasView::paint_lineage(QPainter& painter)
 {
     constexpr int radius = lineage_stroke::radius;
+    constexpr int full_turn = 360 * 16;
     const auto place = [this](pos3d p) {
-        return _view.screen_point(QPointF(p.x() + 0.5, p.y() + 0.5)).toPoint();
+        const QPoint pixel(static_cast<int>(p.x()), static_cast<int>(p.y()));
+        return _view.screen_area({pixel, QSize(1, 1)}).center();
     };
     for (const lineage_stroke& stroke : _window.lineage_strokes()) {
         painter.setPen(QPen(stroke.color, 1));
         if (stroke.is_circle)
-            painter.drawEllipse(place(stroke.from), radius, radius);
+            painter.drawChord(
+                QRect(place(stroke.from) - QPoint(radius, radius), QSize(2 * radius + 1, 2 * radius + 1)), 0,
+                full_turn);
         else
             painter.drawLine(place(stroke.from), place(stroke.to));
     }
@@ -231,14 +252,14 @@ QRect CanvasView::screen_area(const QRect& picture) const
 bool CanvasView::eventFilter(QObject* watched, QEvent* e)
 {
     if (e->type() == QEvent::Resize)
-        view_changed();
+        keep_in_view();
     return QObject::eventFilter(watched, e);
 }
 
 void CanvasView::place_scroll_bar(QScrollBar& bar, double picture, double canvas, double corner)
 {
     const QSignalBlocker quiet(bar);
-    const int hidden = static_cast<int>(std::ceil(picture - canvas));
+    const int hidden = static_cast<int>(std::lround(picture - canvas));    // half a pixel is worth no bar
     bar.setRange(0, std::max(0, hidden));
     bar.setPageStep(static_cast<int>(canvas));
     bar.setSingleStep(margin);

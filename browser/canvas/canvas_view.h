@@ -32,8 +32,8 @@ public:
     void zoom_by(int steps, QPoint about);    // a point of the canvas
     void zoom_by(int steps);                  // about the middle of the canvas
     void show_original();                     // 1:1, from the corner
-    void fit();
-    void pan_by(QPoint way);    // screen pixels
+    void fit();                               // all of this plane
+    void pan_by(QPoint way);                  // screen pixels
     // Puts an area of the picture in the middle, unless it is well within view.
     void reveal(const QRect& picture);
 
@@ -64,6 +64,7 @@ private:
     void recording_changed() override;
     [[nodiscard]] QSize canvas_size() const { return _canvas->size(); }
     [[nodiscard]] bool shows_plain_picture() const;
+    void keep_in_view();
     void view_changed();
     void place_scroll_bar(QScrollBar& bar, double picture, double canvas, double corner);
     void place_scroll_bars();

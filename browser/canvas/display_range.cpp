@@ -62,9 +62,16 @@ void range_painter::copy(const QRgb* from, int count, QRgb* to) const noexcept
         std::copy_n(from, from == to ? 0 : count, to);
         return;
     }
+    QRgb colors = 0;
+    for (int i = 0; i < count; ++i)
+        colors |= (from[i] ^ from[i] >> 8) & 0xffff;
+    if (colors == 0) {    // as nearly every row is
+        for (int i = 0; i < count; ++i)
+            to[i] = _grey[from[i] & 255];
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         const QRgb p = from[i];
-        const bool is_grey = ((p ^ p >> 8) & 0xffff) == 0;    // as nearly every pixel is
-        to[i] = is_grey ? _grey[p & 255] : _red[p >> 16 & 255] | _green[p >> 8 & 255] | _blue[p & 255];
+        to[i] = _red[p >> 16 & 255] | _green[p >> 8 & 255] | _blue[p & 255];
     }
 }

@@ -1,9 +1,28 @@
 #include "outline_painter.h"
 
+#include <QPainter>
+
 #include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+bool touch(QPoint a, QPoint b) { return std::abs(a.x() - b.x()) <= 1 && std::abs(a.y() - b.y()) <= 1; }
+
+// As of every outline that returns to its start in steps of one pixel.
+bool do_points_touch(const QPolygon& polygon)
+{
+    for (qsizetype i = 1; i < polygon.size(); ++i)
+        if (!touch(polygon[i - 1], polygon[i]))
+            return false;
+    return polygon.isEmpty() || touch(polygon.first(), polygon.last());
+}
+
+}    // namespace
 
 outline_painter::outline_painter(QImage& onto, const QRect& area, const view_transform& view, int width)
-    : _onto(onto), _area(area), _view(view), _width(width)
+    : _onto(onto), _pixels(reinterpret_cast<QRgb*>(onto.bits())), _row(onto.bytesPerLine() / 4), _area(area),
+      _view(view), _width(width)
 {
 }
 
@@ -15,23 +34,29 @@ void outline_painter::draw(const q_roiimg& raster, const QColor& color)
         return;
     if (_view.scale() > 1 && raster.size() > 0)
         draw_mask(raster, color.rgb());
+    else if (do_points_touch(raster.qpointarray()))
+        draw_points(raster.qpointarray(), color.rgb());
     else
-        draw_polygon(raster.qpointarray(), color);
+        draw_lines(raster.qpointarray(), color);
 }
 
-void outline_painter::draw_polygon(const QPolygon& polygon, const QColor& color)
+void outline_painter::draw_points(const QPolygon& polygon, QRgb color)
 {
-    if (!_painter.isActive()) {
-        _painter.begin(&_onto);
-        _painter.setClipRect(_area);
+    const int before = (_width - 1) / 2;
+    for (const QPoint p : polygon) {
+        const QPoint at = _view.screen_pixel(p) - QPoint(before, before);
+        fill(at.x(), at.y(), at.x() + _width - 1, at.y() + _width - 1, color);
     }
-    _painter.setPen(QPen(color, _width));
+}
+
+void outline_painter::draw_lines(const QPolygon& polygon, const QColor& color)
+{
+    QPainter painter(&_onto);
+    painter.setClipRect(_area);
+    painter.setPen(QPen(color, _width));
     QPolygon shown(polygon.size());
     std::ranges::transform(polygon, shown.begin(), [this](QPoint p) { return _view.screen_pixel(p); });
-    if (std::ranges::all_of(shown, [&shown](QPoint p) { return p == shown.first(); }))
-        _painter.drawPoint(shown.first());
-    else
-        _painter.drawPolygon(shown);
+    painter.drawPolygon(shown);
 }
 
 void outline_painter::draw_mask(const q_roiimg& raster, QRgb color)
@@ -78,8 +103,8 @@ void outline_painter::fill(int left, int top, int right, int bottom, QRgb color)
     left = std::max(left, _area.left());
     right = std::min(right, _area.right());
     bottom = std::min(bottom, _area.bottom());
-    for (int y = std::max(top, _area.top()); y <= bottom && left <= right; ++y) {
-        auto* const line = reinterpret_cast<QRgb*>(_onto.scanLine(y));
-        std::fill(line + left, line + right + 1, color);
-    }
+    if (left > right)
+        return;
+    for (int y = std::max(top, _area.top()); y <= bottom; ++y)
+        std::fill(_pixels + y * _row + left, _pixels + y * _row + right + 1, color);
 }

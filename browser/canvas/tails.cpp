@@ -1,14 +1,18 @@
 #include "tails.h"
 
+#include "keygen.h"
+
 #include <utility>
 
-std::vector<tail_segment> tails::of(const std::set<std::string>& units, int steps)
+std::vector<tail_segment> tails::of(const std::set<std::string>& units, int steps, int t)
 {
     forget_old_centroids();
     std::vector<tail_segment> found;
-    follow(found, units, steps, tail_segment::part::before, &curation::parents);
-    follow(found, units, steps, tail_segment::part::after, &curation::children);
-    join_daughters(found, units);
+    std::set<std::string> reached =
+        follow(found, units, steps, tail_segment::part::before, &curation::parents);
+    reached.merge(follow(found, units, steps, tail_segment::part::after, &curation::children));
+    const auto [first, last] = at_time_point(reached, t);
+    join_daughters(found, {first, last});
     return found;
 }
 
@@ -21,9 +25,10 @@ std::set<std::string> tails::near_plane(int t, int z, int planes)
     return near;
 }
 
-void tails::follow(std::vector<tail_segment>& found, std::set<std::string> units, int steps,
-                   tail_segment::part part, relatives next)
+std::set<std::string> tails::follow(std::vector<tail_segment>& found, std::set<std::string> units, int steps,
+                                    tail_segment::part part, relatives next)
 {
+    std::set<std::string> all = units;
     for (int step = 0; step < steps && !units.empty(); ++step) {
         std::set<std::string> reached;
         for (const std::string& unit : units) {
@@ -32,8 +37,10 @@ void tails::follow(std::vector<tail_segment>& found, std::set<std::string> units
                 reached.insert(relative);
             }
         }
+        all.insert(reached.begin(), reached.end());
         units = std::move(reached);
     }
+    return all;
 }
 
 void tails::join_daughters(std::vector<tail_segment>& found, const std::set<std::string>& units)

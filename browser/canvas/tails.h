@@ -19,9 +19,9 @@ class tails {
 public:
     explicit tails(curation& model) : _model(model) {}
 
-    // Of units of one time point, `steps` time points back and forward; and a line between daughters of one
-    // mother one time point before.
-    [[nodiscard]] std::vector<tail_segment> of(const std::set<std::string>& units, int steps);
+    // Of units of one time point, `steps` time points back and forward; and lines between those at time
+    // point t and their sisters, the other daughters of a mother one time point before.
+    [[nodiscard]] std::vector<tail_segment> of(const std::set<std::string>& units, int steps, int t);
 
     // Those of time point t that lie within `planes` of focal plane z.
     [[nodiscard]] std::set<std::string> near_plane(int t, int z, int planes);
@@ -29,8 +29,9 @@ public:
 private:
     using relatives = std::set<std::string> (curation::*)(std::string);
 
-    void follow(std::vector<tail_segment>& found, std::set<std::string> units, int steps,
-                tail_segment::part part, relatives next);
+    // All that were reached, the units among them.
+    std::set<std::string> follow(std::vector<tail_segment>& found, std::set<std::string> units, int steps,
+                                 tail_segment::part part, relatives next);
     void join_daughters(std::vector<tail_segment>& found, const std::set<std::string>& units);
     void add(std::vector<tail_segment>& found, tail_segment::part part, const std::string& from,
              const std::string& to);

@@ -109,8 +109,24 @@ void view_transform::center_on(QPointF picture, QSize canvas) noexcept
     _corner = {std::round(corner.x()), std::round(corner.y())};
 }
 
+void view_transform::pan_by(QPoint way, QSize picture, QSize canvas) noexcept
+{
+    const QPointF before = _corner;
+    _corner += way;
+    const QPointF wanted = _corner;
+    keep_in_view(picture, canvas);
+    const auto between = [](double at, double a, double b) {
+        return std::clamp(at, std::min(a, b), std::max(a, b));
+    };
+    _corner = {between(wanted.x(), before.x(), _corner.x()), between(wanted.y(), before.y(), _corner.y())};
+}
+
 void view_transform::keep_in_view(QSize picture, QSize canvas) noexcept
 {
+    if (picture.isEmpty()) {
+        _corner = {0, 0};
+        return;
+    }
     _corner = {kept_in_view(_corner.x(), picture.width() * _scale, canvas.width()),
                kept_in_view(_corner.y(), picture.height() * _scale, canvas.height())};
 }

@@ -39,9 +39,10 @@ public:
     void fit(QSize picture, QSize canvas) noexcept;
 
     void pan_by(QPoint way) noexcept { _corner += way; }
+    void pan_by(QPoint way, QSize picture, QSize canvas) noexcept;    // wastes no more border than before
 
     // The nearest place where no border of the canvas is wasted: a picture larger than the canvas fills it,
-    // a smaller one lies within it.
+    // a smaller one lies within it. The corner where there is no picture.
     void keep_in_view(QSize picture, QSize canvas) noexcept;
 
     // Puts this place in the middle of the canvas.

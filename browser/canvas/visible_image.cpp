@@ -1,34 +1,64 @@
 #include "visible_image.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
 
 QImage as_rgb(const QPixmap& image) { return image.toImage().convertToFormat(QImage::Format_RGB32); }
 
-// For each screen pixel of one axis the picture pixel it shows; -1 beyond the image.
-std::vector<int> owners(int screen_pixels, int image_pixels, const auto& owner_of)
+QSize size_of(const QPixmap& image, double scale)
 {
-    std::vector<int> found(static_cast<std::size_t>(screen_pixels));
-    for (int s = 0; s < screen_pixels; ++s) {
-        const int p = owner_of(s);
-        found[static_cast<std::size_t>(s)] = p < image_pixels ? std::max(p, -1) : -1;
-    }
-    return found;
+    const auto length = [scale](int pixels) {
+        return std::max(1, static_cast<int>(std::lround(pixels * scale)));
+    };
+    return {length(image.width()), length(image.height())};
 }
 
-// Owners rise: those within the image stand together.
-void copy_row(const QRgb* from, const std::vector<int>& columns, QRgb* to, const range_painter& range)
+// The screen pixels of one axis that show the image: the first of them, and for each its picture pixel.
+struct shown_axis {
+    int first = 0;
+    std::vector<int> owners;
+};
+
+shown_axis shown_of(int screen_pixels, int image_pixels, const auto& owner_of)
 {
-    const auto first = std::ranges::find_if(columns, [](int p) { return p >= 0; });
-    QRgb* const start = to + (first - columns.begin());
-    QRgb* next = start;
-    for (auto p = first; p != columns.end() && *p >= 0; ++p)
-        *next++ = from[*p];
-    range.copy(start, static_cast<int>(next - start), start);
+    shown_axis axis;
+    for (int s = 0; s < screen_pixels; ++s) {
+        const int p = owner_of(s);
+        if (p < 0)
+            axis.first = s + 1;
+        else if (p < image_pixels)
+            axis.owners.push_back(p);
+    }
+    return axis;
+}
+
+const QRgb* row_of(const QImage& image, int y)
+{
+    return reinterpret_cast<const QRgb*>(image.constScanLine(y));
+}
+
+QRgb* row_of(QImage& image, int y) { return reinterpret_cast<QRgb*>(image.scanLine(y)); }
+
+// What an image does not cover.
+void fill_around(QImage& onto, const QRect& covered, QRgb blank)
+{
+    if (covered.isEmpty()) {
+        onto.fill(blank);
+        return;
+    }
+    for (int y = 0; y < onto.height(); ++y) {
+        QRgb* const row = row_of(onto, y);
+        const bool is_beside = covered.top() <= y && y <= covered.bottom();
+        std::fill(row, row + (is_beside ? covered.left() : onto.width()), blank);
+        if (is_beside)
+            std::fill(row + covered.right() + 1, row + onto.width(), blank);
+    }
 }
 
 // The mean of four pixels, colour by colour.
@@ -49,10 +79,9 @@ QImage halved(const QImage& image)
     const int pairs = image.width() / 2;
     QImage half((image.width() + 1) / 2, (image.height() + 1) / 2, QImage::Format_RGB32);
     for (int y = 0; y < half.height(); ++y) {
-        const auto* const upper = reinterpret_cast<const QRgb*>(image.constScanLine(2 * y));
-        const auto* const lower =
-            reinterpret_cast<const QRgb*>(image.constScanLine(std::min(2 * y + 1, image.height() - 1)));
-        auto* const to = reinterpret_cast<QRgb*>(half.scanLine(y));
+        const QRgb* const upper = row_of(image, 2 * y);
+        const QRgb* const lower = row_of(image, std::min(2 * y + 1, image.height() - 1));
+        QRgb* const to = row_of(half, y);
         for (int x = 0; x < pairs; ++x)
             to[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
         if (pairs < half.width())
@@ -61,26 +90,33 @@ QImage halved(const QImage& image)
     return half;
 }
 
-// Rows that show the same row of the image are copies of the first.
-void show_pixels(const QImage& image, const view_transform& view, const range_painter& range, QImage& onto)
+// Each row of the image is put into its range once; rows that show the same one are copies of the first.
+// The screen pixels that show the image.
+QRect show_pixels(const QImage& image, const view_transform& view, const range_painter& range, QImage& onto)
 {
-    const auto columns = owners(onto.width(), image.width(), [&view](int s) {
+    const shown_axis columns = shown_of(onto.width(), image.width(), [&view](int s) {
         return view.picture_pixel({s, 0}).x();
     });
-    const auto rows = owners(onto.height(), image.height(), [&view](int s) {
+    const shown_axis rows = shown_of(onto.height(), image.height(), [&view](int s) {
         return view.picture_pixel({0, s}).y();
     });
-    for (std::size_t s = 0; s < rows.size(); ++s) {
-        const int line = static_cast<int>(s);
-        if (rows[s] < 0)
+    const std::size_t width = columns.owners.size();
+    if (width == 0 || rows.owners.empty())
+        return {};
+    const int first = columns.owners.front();
+    std::vector<QRgb> shown(static_cast<std::size_t>(columns.owners.back() - first + 1));
+    for (std::size_t s = 0; s < rows.owners.size(); ++s) {
+        const int line = rows.first + static_cast<int>(s);
+        QRgb* const to = row_of(onto, line) + columns.first;
+        if (s > 0 && rows.owners[s] == rows.owners[s - 1]) {
+            std::memcpy(to, row_of(std::as_const(onto), line - 1) + columns.first, width * sizeof(QRgb));
             continue;
-        if (s > 0 && rows[s] == rows[s - 1])
-            std::memcpy(onto.scanLine(line), onto.constScanLine(line - 1),
-                        static_cast<std::size_t>(onto.width()) * sizeof(QRgb));
-        else
-            copy_row(reinterpret_cast<const QRgb*>(image.constScanLine(rows[s])), columns,
-                     reinterpret_cast<QRgb*>(onto.scanLine(line)), range);
+        }
+        range.copy(row_of(image, rows.owners[s]) + first, static_cast<int>(shown.size()), shown.data());
+        for (std::size_t x = 0; x < width; ++x)
+            to[x] = shown[static_cast<std::size_t>(columns.owners[x] - first)];
     }
+    return {columns.first, rows.first, static_cast<int>(width), static_cast<int>(rows.owners.size())};
 }
 
 // The mean of two pixels, colour by colour.
@@ -97,12 +133,23 @@ QRgb between(QRgb a, QRgb b)
 }
 
 template <int quarters>
-void blend_rows(const QRgb* a, const QRgb* b, std::vector<QRgb>& to)
+void blend_rows(const QRgb* a, const QRgb* b, std::size_t count, QRgb* to)
 {
-    const std::size_t count = to.size();
-    QRgb* const out = to.data();
     for (std::size_t x = 0; x < count; ++x)
-        out[x] = between<quarters>(a[x], b[x]);
+        to[x] = between<quarters>(a[x], b[x]);
+}
+
+// Pixels of a row that lie equally far on between two of another.
+struct blended_columns {
+    std::vector<int> from;
+    std::vector<int> to;
+};
+
+template <int quarters>
+void blend_columns(const blended_columns& columns, const QRgb* from, QRgb* to)
+{
+    for (std::size_t i = 0; i < columns.to.size(); ++i)
+        to[columns.to[i]] = between<quarters>(from[columns.from[i]], from[columns.from[i] + 1]);
 }
 
 // Where the centre of pixel i of `to` lies between pixels of `from`: the one before, and how far on.
@@ -118,47 +165,76 @@ sample sample_of(int i, int to, int from)
     return {quarters / 4, quarters % 4};
 }
 
-QRgb blended(QRgb a, QRgb b, int quarters)
+// The pixels of an image of size `from` that these of the same one of size `to` lie between.
+QRect sampled_area(const QRect& area, QSize to, QSize from)
 {
-    const QRgb middle = mean(a, b);
-    const QRgb near[] = {a, mean(a, middle), middle, mean(middle, b)};
-    return near[quarters];
+    const QPoint first(sample_of(area.left(), to.width(), from.width()).before,
+                       sample_of(area.top(), to.height(), from.height()).before);
+    const QPoint last(sample_of(area.right(), to.width(), from.width()).before + 1,
+                      sample_of(area.bottom(), to.height(), from.height()).before + 1);
+    return QRect(first, last) & QRect({0, 0}, from);
 }
 
-// Made smaller by less than half: between neighbours, which leaves no pixel out.
-QImage interpolated(const QImage& image, QSize size)
+// An area of an image of size `whole` made smaller by less than half, to `size`: between neighbours, which
+// leaves no pixel out. `image` begins at `corner` of the whole one and holds what is needed.
+QImage interpolated(const QImage& image, QPoint corner, QSize whole, QSize size, const QRect& area)
 {
-    constexpr void (*blends[])(const QRgb*, const QRgb*, std::vector<QRgb>&) = {blend_rows<0>, blend_rows<1>,
-                                                                                blend_rows<2>, blend_rows<3>};
-    QImage smaller(size, QImage::Format_RGB32);
-    std::vector<sample> columns;
-    for (int x = 0; x < size.width(); ++x)
-        columns.push_back(sample_of(x, size.width(), image.width()));
-    std::vector<QRgb> row(static_cast<std::size_t>(image.width()));
-    for (int y = 0; y < size.height(); ++y) {
-        const sample rows = sample_of(y, size.height(), image.height());
-        const int below = std::min(rows.before + 1, image.height() - 1);
-        blends[rows.quarters](reinterpret_cast<const QRgb*>(image.constScanLine(rows.before)),
-                              reinterpret_cast<const QRgb*>(image.constScanLine(below)), row);
-        auto* to = reinterpret_cast<QRgb*>(smaller.scanLine(y));
-        const QRgb* const last = &row.back();
-        for (const sample& column : columns) {
-            const QRgb* const at = row.data() + column.before;
-            *to++ = blended(*at, at == last ? *at : at[1], column.quarters);
-        }
+    constexpr void (*row_blends[])(const QRgb*, const QRgb*, std::size_t,
+                                   QRgb*) = {blend_rows<0>, blend_rows<1>, blend_rows<2>, blend_rows<3>};
+    std::array<blended_columns, 4> columns;
+    for (int x = 0; x < area.width(); ++x) {
+        const sample at = sample_of(area.left() + x, size.width(), whole.width());
+        columns[static_cast<std::size_t>(at.quarters)].from.push_back(at.before - corner.x());
+        columns[static_cast<std::size_t>(at.quarters)].to.push_back(x);
+    }
+    QImage smaller(area.size(), QImage::Format_RGB32);
+    const auto width = static_cast<std::size_t>(image.width());
+    std::vector<QRgb> row(width + 1);    // the last pixel has a neighbour, which counts for nothing
+    for (int y = 0; y < area.height(); ++y) {
+        const sample at = sample_of(area.top() + y, size.height(), whole.height());
+        const int above = at.before - corner.y();
+        row_blends[at.quarters](row_of(image, above), row_of(image, std::min(above + 1, image.height() - 1)),
+                                width, row.data());
+        QRgb* const to = row_of(smaller, y);
+        blend_columns<0>(columns[0], row.data(), to);
+        blend_columns<1>(columns[1], row.data(), to);
+        blend_columns<2>(columns[2], row.data(), to);
+        blend_columns<3>(columns[3], row.data(), to);
     }
     return smaller;
 }
 
-// The part of a whole image whose top-left corner lies at `corner` of the canvas.
-void copy_part(const QImage& image, QPoint corner, const range_painter& range, QImage& onto)
+// An area of an image without a copy of it.
+QImage part_of(const QImage& image, const QRect& area)
+{
+    return {image.constScanLine(area.top()) + static_cast<qsizetype>(area.left()) * 4, area.width(),
+            area.height(), image.bytesPerLine(), image.format()};
+}
+
+// Whole halves by means of four, the rest between neighbours.
+QImage made_smaller(const QImage& image, double scale, QSize size, const QRect& area)
+{
+    int unit = 1;    // pixels of the image that are halved into one
+    QSize whole = image.size();
+    for (; scale * unit <= 0.5; unit *= 2)
+        whole = {(whole.width() + 1) / 2, (whole.height() + 1) / 2};
+    const QRect needed = scale * unit < 1 ? sampled_area(area, size, whole) : area & QRect({0, 0}, whole);
+    const QRect source = QRect(needed.topLeft() * unit, needed.size() * unit) & image.rect();
+    QImage part = part_of(image, source);
+    for (int done = 1; done < unit; done *= 2)
+        part = halved(part);
+    return scale * unit < 1 ? interpolated(part, needed.topLeft(), whole, size, area) : part;
+}
+
+// As much of it as the canvas shows; its top-left corner lies at `corner` of the canvas. The screen pixels
+// that show it.
+QRect copy_part(const QImage& image, QPoint corner, const range_painter& range, QImage& onto)
 {
     const QRect part = image.rect().translated(corner) & onto.rect();
-    for (int y = part.top(); y <= part.bottom(); ++y) {
-        const auto* const from = reinterpret_cast<const QRgb*>(image.constScanLine(y - corner.y()));
-        auto* const to = reinterpret_cast<QRgb*>(onto.scanLine(y));
-        range.copy(from + part.left() - corner.x(), part.width(), to + part.left());
-    }
+    for (int y = part.top(); y <= part.bottom(); ++y)
+        range.copy(row_of(image, y - corner.y()) + part.left() - corner.x(), part.width(),
+                   row_of(onto, y) + part.left());
+    return part;
 }
 
 }    // namespace
@@ -172,33 +248,34 @@ QImage& visible_image::of(const QPixmap& image, const view_transform& view, QSiz
     _made_for = wanted;
     if (_shown.size() != canvas)
         _shown = QImage(canvas, QImage::Format_RGB32);
-    _shown.fill(blank);
-    if (image.isNull())
-        return _shown;
-    const range_painter shown_range(range);
-    if (view.scale() > 1)
-        show_pixels(as_rgb(image), view, shown_range, _shown);
-    else
-        copy_part(view.scale() < 1 ? made_smaller(image, view.scale()) : as_rgb(image),
-                  view.screen_pixel({0, 0}), shown_range, _shown);
+    fill_around(_shown, image.isNull() ? QRect() : show(image, view, range_painter(range)), blank);
     return _shown;
 }
 
-QImage visible_image::made_smaller(const QPixmap& image, double scale)
+// The screen pixels that show it.
+QRect visible_image::show(const QPixmap& image, const view_transform& view, const range_painter& range)
+{
+    const QPoint corner = view.screen_pixel({0, 0});
+    if (view.scale() > 1)
+        return show_pixels(as_rgb(image), view, range, _shown);
+    if (view.scale() == 1)
+        return copy_part(as_rgb(image), corner, range, _shown);
+    const QSize size = size_of(image, view.scale());
+    const QRect area = _shown.rect().translated(-corner) & QRect({0, 0}, size);
+    if (area.isEmpty())
+        return {};
+    make_smaller(image, view.scale(), size, area);
+    return copy_part(_smaller, corner + _smaller_area.topLeft(), range, _shown);
+}
+
+// Who steps needs what is seen; who pans over an image will need all of it.
+void visible_image::make_smaller(const QPixmap& image, double scale, QSize size, const QRect& area)
 {
     const std::pair wanted(image.cacheKey(), scale);
-    if (wanted != _smaller_of) {
-        const auto length = [scale](int pixels) {
-            return std::max(1, static_cast<int>(std::lround(pixels * scale)));
-        };
-        const QSize size(length(image.width()), length(image.height()));
-        _smaller = as_rgb(image);
-        double left_to_do = scale;
-        for (; left_to_do <= 0.5; left_to_do *= 2)
-            _smaller = halved(_smaller);
-        if (left_to_do < 1)
-            _smaller = interpolated(_smaller, size);
-        _smaller_of = wanted;
-    }
-    return _smaller;
+    const bool is_same = wanted == _smaller_of;
+    if (is_same && _smaller_area.contains(area))
+        return;
+    _smaller_area = is_same ? QRect({0, 0}, size) : area;
+    _smaller = made_smaller(as_rgb(image), scale, size, _smaller_area);
+    _smaller_of = wanted;
 }

@@ -28,10 +28,12 @@ private:
         bool operator==(const request&) const = default;
     };
 
-    [[nodiscard]] QImage made_smaller(const QPixmap& image, double scale);
+    [[nodiscard]] QRect show(const QPixmap& image, const view_transform& view, const range_painter& range);
+    void make_smaller(const QPixmap& image, double scale, QSize size, const QRect& area);
 
     request _made_for;
     QImage _shown;
-    QImage _smaller;
+    QImage _smaller;                          // an area of the image, made smaller
+    QRect _smaller_area;                      // in its own pixels
     std::pair<qint64, double> _smaller_of;    // its image and scale
 };

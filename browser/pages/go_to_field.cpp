@@ -20,6 +20,7 @@ void GoToField::open()
     setGeometry(canvas.left() + 10, canvas.top() + 10, 340, 26);
     show();
     raise();
+    _window.activateWindow();    // the key may come from the tree
     setFocus();
     removeEventFilter(this);
     installEventFilter(this);    // the last one comes first

@@ -52,8 +52,8 @@ void MessageLine::resizeEvent(QResizeEvent*) { show_first(); }
 void MessageLine::show_first()
 {
     const QString& said = !_error.isEmpty()    ? _error
-                          : !_mode.isEmpty()   ? _mode
                           : !_result.isEmpty() ? _result
+                          : !_mode.isEmpty()   ? _mode
                                                : _pointer;
     const QString fitting = fontMetrics().elidedText(said, Qt::ElideMiddle, width());
     QPalette colors = palette();

@@ -1,7 +1,8 @@
 // message_line.h - the line at the foot of the main window that says what is going on.
 //
-// What it says, the first that there is: an error, which stays in red until the next key or click; which mode
-// is armed and what it waits for; the result of the last action; what lies under the pointer.
+// What it says, the first that there is: an error, which stays in red until the next key or click; the result
+// of the last action, or why it was refused; which mode is armed and what it waits for; what lies under the
+// pointer.
 #pragma once
 #include "error_line.h"
 

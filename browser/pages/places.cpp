@@ -5,23 +5,14 @@
 #include <QRegularExpression>
 #include <QSlider>
 
+#include <algorithm>
 #include <cstdlib>
-#include <map>
 
 namespace {
 
 constexpr int stay_ms = 400;
 constexpr std::size_t most_places = 200;
 constexpr int per_time_point = 1000;    // numbers of units count up from so many times their time point
-
-std::map<int, int> rois_by_plane(const roidb_plus& rois, int t)
-{
-    std::map<int, int> found;
-    const auto [first, last] = at_time_point(rois.tz_xy_db, t);
-    for (auto entry = first; entry != last; ++entry)
-        ++found[decode(entry->first).z()];
-    return found;
-}
 
 }    // namespace
 
@@ -45,7 +36,8 @@ void Places::recording_changed()
 {
     _before.clear();
     _after.clear();
-    _here = here();
+    _here.reset();
+    _settle_soon.start();
 }
 
 // A step to a neighbour leads to no other place.
@@ -53,8 +45,8 @@ void Places::settle()
 {
     _settle_soon.stop();
     const place now = here();
-    if (std::abs(now.t - _here.t) + std::abs(now.z - _here.z) > 1) {
-        _before.push_back(_here);
+    if (_here && std::abs(now.t - _here->t) + std::abs(now.z - _here->z) > 1) {
+        _before.push_back(*_here);
         _after.clear();
         if (_before.size() > most_places)
             _before.erase(_before.begin());
@@ -82,7 +74,7 @@ void Places::leave_for(std::vector<place>& from, std::vector<place>& to)
     settle();
     if (from.empty())
         return;
-    to.push_back(_here);
+    to.push_back(here());
     const place there = from.back();
     from.pop_back();
     move(there);
@@ -94,13 +86,19 @@ void Places::back() { leave_for(_before, _after); }
 
 void Places::forward() { leave_for(_after, _before); }
 
+// Of several, the one in the middle: nuclei are sharper there.
 void Places::go_to_fullest_plane()
 {
-    std::pair<int, int> fullest{_window.focal_plane(), 0};
-    for (const auto& plane : rois_by_plane(_window.rois(), _window.time_point()))
-        if (plane.second > fullest.second)
-            fullest = plane;
-    go_to({_window.time_point(), fullest.first});
+    std::vector<int> fullest{_window.focal_plane()};
+    int most = 0;
+    for (const auto& [z, rois] : rois_by_plane(_window.rois(), _window.time_point())) {
+        if (rois > most)
+            fullest.clear();
+        if (rois >= most)
+            fullest.push_back(z);
+        most = std::max(most, rois);
+    }
+    go_to({_window.time_point(), fullest[(fullest.size() - 1) / 2]});
 }
 
 void Places::go_to_next_plane(int step)
@@ -130,9 +128,20 @@ std::string Places::middle_member(const std::string& unit)
 
 void Places::show_unit(const std::string& unit)
 {
-    if (!_window.has_rois() || !is_roi_key(unit))
-        return;
-    const pos4i at = decode(middle_member(unit));
+    if (_window.has_rois() && is_roi_key(unit))
+        show_unit_at(unit, middle_member(unit));
+}
+
+void Places::show_roi(const std::string& key)
+{
+    const std::string unit = _window.head(key);
+    if (_window.has_rois() && is_roi_key(key))
+        show_unit_at(is_roi_key(unit) ? unit : key, key);
+}
+
+void Places::show_unit_at(const std::string& unit, const std::string& member)
+{
+    const pos4i at = decode(member);
     move({at.t(), at.z()});
     settle();
     _view.reveal(_marks.box_of(unit, at.z()));
@@ -152,9 +161,9 @@ bool Places::go_to_typed(const std::string& text)
     static const QRegularExpression numbers("^\\s*(\\d{1,8})(?:\\s+(\\d{1,4}))?\\s*$");
     const QString typed = QString::fromStdString(text).trimmed();
     const std::string key = typed.toStdString();
+    settle();
     if (is_roi_key(key) && _window.rois().db.contains(key)) {
-        const std::string unit = _window.head(key);
-        show_unit(is_roi_key(unit) ? unit : key);
+        show_roi(key);
         return true;
     }
     const QRegularExpressionMatch match = numbers.match(typed);

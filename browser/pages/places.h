@@ -27,12 +27,13 @@ public:
     void go_to(place there);
     // The middle plane of a unit, or a ROI in none; within view and ringed.
     void show_unit(const std::string& unit);
-    void go_to_fullest_plane();         // of this time point
-    void go_to_next_plane(int step);    // with ROIs: 1 towards higher numbers, -1 towards lower ones
+    void show_roi(const std::string& key);    // its own plane; its unit within view and ringed
+    void go_to_fullest_plane();               // of this time point
+    void go_to_next_plane(int step);          // with ROIs: 1 towards higher numbers, -1 towards lower ones
     void go_to_time_end(bool last);
 
-    // What a person typed: a ROI key, a unit's number, or time point and focal plane. False when it names
-    // none.
+    // What a person typed: a ROI key, whose own plane is shown, a unit's number, or time point and focal
+    // plane. False when it names none.
     [[nodiscard]] bool go_to_typed(const std::string& text);
 
     // Where one has stayed before a jump, and back again from there; nothing at either end.
@@ -45,6 +46,7 @@ private:
     [[nodiscard]] place here() const { return {_window.time_point(), _window.focal_plane()}; }
     [[nodiscard]] std::string middle_member(const std::string& unit);
     [[nodiscard]] std::optional<std::string> unit_of_number(unsigned number);
+    void show_unit_at(const std::string& unit, const std::string& member);
     void leave_for(std::vector<place>& from, std::vector<place>& to);
     void move(place there);
 
@@ -55,7 +57,7 @@ private:
     QTimer _settle_soon;    // runs while a person may still be on the way
     std::vector<place> _before;
     std::vector<place> _after;
-    place _here{0, 0};
+    std::optional<place> _here;    // none while a recording is being opened
 };
 
 // Shows a unit as `view` of the window does and then as Places does, where there are any.

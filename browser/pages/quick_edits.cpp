@@ -3,6 +3,7 @@
 #include "edit_scope.h"
 
 #include "keygen.h"
+#include "status_text.h"
 
 #include <QCoreApplication>
 
@@ -21,7 +22,7 @@ QuickEdits::QuickEdits(ORVBrowser& window, Places& places, MessageLine& line)
 
 bool QuickEdits::has_chosen() const { return is_roi_key(_window.chosen()); }
 
-void QuickEdits::say_none_is_chosen() { _line.say(tr("No nucleus is chosen: press L and click one.")); }
+void QuickEdits::say_none_is_chosen() { _line.say(text_of_no_choice()); }
 
 std::set<std::string> QuickEdits::rois_of(const std::string& key, bool with_descendants)
 {
@@ -48,13 +49,11 @@ void QuickEdits::toggle_unit(const std::string& key, bool with_descendants)
 void QuickEdits::choose(const std::string& key)
 {
     const std::string unit = _window.head(key);
-    if (!is_roi_key(unit)) {
-        _line.say(tr("This ROI is in no unit: make units first (page Lineage)."));
-        return;
+    if (is_roi_key(unit)) {
+        _window.choose(unit);
+        _window.show_changes();
     }
-    _window.choose(unit);
-    _window.show_changes();
-    _line.say(tr("Chosen: %1").arg(_window.ID(unit)));
+    _line.say(text_of_choice(_window, unit));
 }
 
 void QuickEdits::unlink(const std::string& key)
@@ -68,10 +67,10 @@ void QuickEdits::unlink(const std::string& key)
     }
     {
         const EditScope edit(_window, "Unlink", chosen, unit);
-        if (is_parent)
-            _window.release_child(unit, chosen);
-        else
-            _window.release_child(chosen, unit);
+        const std::string& parent = is_parent ? unit : chosen;
+        const std::string& child = is_parent ? chosen : unit;
+        while (_window.parents(child).contains(parent))    // however often it is stored
+            _window.release_child(parent, child);
         _window.note_edited(chosen);
         _window.note_edited(unit);
     }
@@ -105,6 +104,8 @@ void QuickEdits::step_along_track(bool to_child)
     const std::string unit = *std::ranges::max_element(
         next, {}, [this](const std::string& relative) { return pixels_of(relative); });
     _window.choose(unit);
+    _places.settle();
     _places.show_unit(unit);
     _window.show_changes();
+    _line.say(text_of_choice(_window, unit));
 }

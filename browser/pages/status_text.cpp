@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
 
 QString tr(const char* text) { return QCoreApplication::translate("StatusText", text); }
@@ -24,7 +26,7 @@ QString numbers_of(ORVBrowser& window, const std::set<std::string>& units)
 
 struct step_text {
     const char* title;    // without its keys
-    const char* text;     // of them
+    const char* text;     // of them, in the order of time: a parent comes before its child
 };
 
 const step_text step_texts[] = {
@@ -80,6 +82,7 @@ QString text_of_step(ORVBrowser& window, const std::string& title)
     for (const auto& [of, text] : step_texts) {
         if (what != of)
             continue;
+        keys.sort();
         for (QString& key : keys)
             key = number_of(window, key.toStdString());
         return tr(text).arg(keys.value(0), keys.value(1)).trimmed();
@@ -87,14 +90,32 @@ QString text_of_step(ORVBrowser& window, const std::string& title)
     return (QStringList{what} + keys).join(' ');
 }
 
+QString text_of_choice(ORVBrowser& window, const std::string& unit)
+{
+    return is_roi_key(unit) ? tr("Chosen: %1").arg(number_of(window, unit)) : text_of_no_unit();
+}
+
+QString text_of_no_unit() { return tr("This ROI is in no unit: make units first (page Lineage)."); }
+
+QString text_of_no_choice() { return tr("No nucleus is chosen: press L and click one."); }
+
+QString text_of_failed_split(const std::string& chosen, const std::set<std::string>& parents)
+{
+    if (!is_roi_key(chosen))
+        return text_of_no_choice();
+    return std::ranges::all_of(parents, is_roi_key)
+               ? tr("Not split: no cut was found there.")
+               : tr("Not split: a parent is in no unit. Press S and click two units.");
+}
+
 QString text_of_refusal(ORVBrowser& window, ORVBrowser::armed mode, const std::string& clicked)
 {
     using armed = ORVBrowser::armed;
     const bool needs_unit = mode == armed::add || mode == armed::merge || mode == armed::remove;
     if (needs_unit && !is_roi_key(clicked))
-        return tr("This ROI is in no unit: make units first (page Lineage).");
+        return text_of_no_unit();
     if ((mode == armed::add || mode == armed::merge) && !is_roi_key(window.chosen()))
-        return tr("No nucleus is chosen: press L and click one.");
+        return text_of_no_choice();
     if (mode == armed::merge)
         return clicked == window.head(window.chosen())
                    ? tr("A nucleus cannot be merged with itself.")
@@ -103,7 +124,7 @@ QString text_of_refusal(ORVBrowser& window, ORVBrowser::armed mode, const std::s
         return tr("Not linked: the units are linked already, or not of successive time points.");
     if (mode == armed::remove)
         return tr("This nucleus has no parents.");
-    return mode == armed::split ? tr("Not split: no cut was found there.") : QString();
+    return {};
 }
 
 QString text_of_pixel(ORVBrowser& window, QPoint at)

@@ -2,11 +2,11 @@
 
 #include <QCoreApplication>
 #include <QLabel>
-#include <QLineEdit>
 #include <QSettings>
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <type_traits>
 
 namespace {
 
@@ -56,7 +56,7 @@ const button_row buttons[] = {
 // A program that has not named itself keeps nothing.
 bool has_settings() { return !QCoreApplication::organizationName().isEmpty(); }
 
-// Nothing here takes the keyboard from the canvas.
+// Only fields to type in take the keyboard from the canvas; what is typed holds once it is done.
 template <class Field>
 Field* place(Field* field, const char* name, QRect where, const QString& tip)
 {
@@ -64,8 +64,10 @@ Field* place(Field* field, const char* name, QRect where, const QString& tip)
     field->setGeometry(where);
     field->setToolTip(tip);
     field->setFocusPolicy(Qt::NoFocus);
-    for (QLineEdit* const edit : field->template findChildren<QLineEdit*>())
-        edit->setFocusPolicy(Qt::NoFocus);
+    if constexpr (std::is_base_of_v<QAbstractSpinBox, Field>) {
+        field->setFocusPolicy(Qt::StrongFocus);
+        field->setKeyboardTracking(false);
+    }
     return field;
 }
 
@@ -140,7 +142,9 @@ void ViewPage::connect_controls()
     connect(zoom_original, &QPushButton::clicked, &_view, &CanvasView::show_original);
     connect(range_auto, &QPushButton::clicked, this, [this] {
         const QPixmap* const image = _window.image_on_view();
-        _view.set_range(range_of(image ? image->toImage() : QImage()));
+        display_range range = range_of(image ? image->toImage() : QImage());
+        range.gamma = _view.range().gamma;
+        _view.set_range(range);
     });
     connect(range_reset, &QPushButton::clicked, this, [this] { _view.set_range({}); });
     connect(&_view, &CanvasView::range_changed, this, &ViewPage::show_range);

@@ -1,56 +1,33 @@
 #include "window_input.h"
 
-#include "edit_step.h"
+#include "input_kinds.h"
+#include "keygen.h"
 #include "review_walk.h"
-#include "status_text.h"
 
-#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QMouseEvent>
 #include <QWheelEvent>
-
-#include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr int turn_of_step = 120;    // of a wheel, in eighths of a degree
 constexpr auto command_modifiers = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
 
-bool is_typing()
-{
-    const QWidget* const focus = QApplication::focusWidget();
-    return qobject_cast<const QLineEdit*>(focus) || qobject_cast<const QAbstractSpinBox*>(focus);
-}
-
-// Keys that only look: what was pointed out stays so.
-bool is_looking(int key)
-{
-    static const int keys[] = {Qt::Key_Up,   Qt::Key_Down,  Qt::Key_PageUp, Qt::Key_PageDown,
-                               Qt::Key_Plus, Qt::Key_Minus, Qt::Key_0,      Qt::Key_1,
-                               Qt::Key_H,    Qt::Key_Space, Qt::Key_Shift,  Qt::Key_Control,
-                               Qt::Key_Alt,  Qt::Key_C,     Qt::Key_T};
-    return std::ranges::find(keys, key) != std::end(keys);
-}
-
-bool arms_a_mode(int key) { return key > 0 && key < 128 && std::strchr("AELMRSWX", key); }
-
 }    // namespace
 
 WindowInput::WindowInput(ORVBrowser& window, CanvasView& view, CanvasMarks& marks, Places& places,
                          MessageLine& line)
-    : QObject(&window), _window(window), _view(view), _marks(marks), _places(places), _line(line),
-      _edits(window, places, line), _go_to(new GoToField(window, places))
+    : QObject(&window), _window(window), _canvas(window.frame_canvas), _view(view), _marks(marks),
+      _places(places), _line(line), _report(window, line), _edits(window, places, line),
+      _go_to(new GoToField(window, places))
 {
     window.set_further_input(this);
-    window.installEventFilter(this);
-    window.frame_canvas->installEventFilter(this);
+    qApp->installEventFilter(this);    // keys may come from the tree, and clicks go to any control
     connect(qApp, &QApplication::focusChanged, this, &WindowInput::let_go_of_all);
 }
 
-QPoint WindowInput::canvas_point(QPointF at) const { return at.toPoint() - _window.frame_canvas->pos(); }
+QPoint WindowInput::canvas_point(QPointF at) const { return at.toPoint() - _canvas->pos(); }
 
 // ---- Keys
 
@@ -62,7 +39,7 @@ bool WindowInput::take_key(QKeyEvent& e)
     if (!is_looking(key))
         _marks.clear_rings();
     if ((key == Qt::Key_Left || key == Qt::Key_Right) &&
-        (e.modifiers() & command_modifiers) == Qt::ControlModifier) {
+        (e.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier) {
         if (_window.isOpen() && !_window.pushButton_auto->isChecked())
             _places.go_to_time_end(key == Qt::Key_Right);
         return true;
@@ -85,10 +62,8 @@ bool WindowInput::take_key(QKeyEvent& e)
 
 void WindowInput::explain_key(int key)
 {
-    if ((key == Qt::Key_A || key == Qt::Key_S) && _window.isOpen() && _window.chosen().empty()) {
+    if ((key == Qt::Key_A || key == Qt::Key_S) && _window.isOpen() && _window.chosen().empty())
         _edits.say_none_is_chosen();
-        _has_said = true;
-    }
 }
 
 // What it says of a finding is the result of the key.
@@ -170,7 +145,7 @@ bool WindowInput::hold_key(int key)
         return true;
     case Qt::Key_Space:
         _is_space_held = true;
-        _window.frame_canvas->setCursor(Qt::OpenHandCursor);
+        show_cursor();
         return true;
     default:
         return false;
@@ -184,22 +159,32 @@ void WindowInput::cancel()
         return;
     _window.disarm();
     _view.update_canvas();
-    _was_armed = ORVBrowser::armed::none;
+    _report.forget_mode();
 }
 
 void WindowInput::arm_unlinking(bool on)
 {
     if (on && !_edits.has_chosen()) {
         _edits.say_none_is_chosen();
-        _has_said = true;
         return;
     }
     if (on && _window.armed_mode() != ORVBrowser::armed::none)
         _window.disarm();
-    if (on == _is_unlinking)
-        return;
     _is_unlinking = on;
-    on ? _window.frame_canvas->setCursor(Qt::PointingHandCursor) : _window.frame_canvas->unsetCursor();
+    show_cursor();
+}
+
+// What the next press on the canvas does first; the window's own modes show theirs.
+void WindowInput::show_cursor()
+{
+    if (_is_panning)
+        _canvas->setCursor(Qt::ClosedHandCursor);
+    else if (_is_space_held)
+        _canvas->setCursor(Qt::OpenHandCursor);
+    else if (_is_unlinking)
+        _canvas->setCursor(Qt::PointingHandCursor);
+    else
+        _canvas->unsetCursor();
 }
 
 // ---- What is held
@@ -211,7 +196,7 @@ void WindowInput::let_go(int key)
     if (key != Qt::Key_Space || !_is_space_held)
         return;
     _is_space_held = false;
-    _window.frame_canvas->unsetCursor();
+    show_cursor();
 }
 
 void WindowInput::let_go_of_all()
@@ -226,18 +211,40 @@ void WindowInput::end_panning()
     if (!_is_panning)
         return;
     _is_panning = false;
-    _is_space_held ? _window.frame_canvas->setCursor(Qt::OpenHandCursor)
-                   : _window.frame_canvas->unsetCursor();
+    show_cursor();
 }
 
+// Of every window: before it gets the event.
 bool WindowInput::eventFilter(QObject* watched, QEvent* e)
 {
-    if (e->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(e)->isAutoRepeat())
-        let_go(static_cast<QKeyEvent*>(e)->key());
-    if (e->type() == QEvent::MouseButtonRelease)
-        end_panning();
-    if (e->type() == QEvent::Leave && watched == _window.frame_canvas)
-        _line.say_pointer({});
+    const bool is_widget = watched->isWidgetType();
+    switch (e->type()) {
+    case QEvent::KeyRelease:
+        if (is_widget && !static_cast<QKeyEvent*>(e)->isAutoRepeat())
+            let_go(static_cast<QKeyEvent*>(e)->key());
+        break;
+    case QEvent::MouseButtonRelease:
+        if (is_widget)
+            end_panning();
+        break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        if (is_widget && acts(static_cast<QWidget*>(watched)))
+            _marks.clear_rings();
+        [[fallthrough]];
+    case QEvent::KeyPress:
+        if (is_widget) {
+            _line.forget_error();
+            _line.forget_result();
+        }
+        break;
+    case QEvent::Leave:
+        if (watched == _canvas)
+            point_at({});
+        break;
+    default:
+        break;
+    }
     return QObject::eventFilter(watched, e);
 }
 
@@ -245,6 +252,10 @@ bool WindowInput::eventFilter(QObject* watched, QEvent* e)
 
 bool WindowInput::take_wheel(QWheelEvent& e)
 {
+    const QPoint at = _canvas->mapFromGlobal(e.globalPosition()).toPoint();
+    const bool is_on_canvas = _canvas->rect().contains(at);
+    if (is_on_canvas)
+        _report.point_at(at);
     if (e.modifiers() == Qt::ShiftModifier) {
         _view.pan_by(e.angleDelta() / 2);
         return true;
@@ -254,34 +265,35 @@ bool WindowInput::take_wheel(QWheelEvent& e)
     _wheel_turn += e.angleDelta().y();
     const int steps = _wheel_turn / turn_of_step;
     _wheel_turn %= turn_of_step;
-    const QPoint at = _window.frame_canvas->mapFromGlobal(e.globalPosition()).toPoint();
-    if (_window.frame_canvas->rect().contains(at))
+    if (steps == 0)
+        return true;
+    if (is_on_canvas)
         _view.zoom_by(steps, at);
     else
         _view.zoom_by(steps);
     return true;
 }
 
+// While a cut waits for its place, every press without modifiers is it.
 bool WindowInput::take_press(QMouseEvent& e)
 {
-    if (_window.is_cut_waiting() && e.modifiers() == Qt::NoModifier && !_is_space_held)
-        return false;
+    const bool is_cut = _window.is_cut_waiting() && e.modifiers() == Qt::NoModifier;
     const QPoint at = canvas_point(e.position());
-    const bool is_on_canvas = _window.frame_canvas->rect().contains(at);
-    if (is_on_canvas && take_grip(e, at))
+    const bool is_on_canvas = _canvas->rect().contains(at);
+    if (!is_cut && is_on_canvas && take_grip(e, at))
         return true;
     _marks.clear_rings();
-    if (e.button() == Qt::BackButton || e.button() == Qt::ForwardButton) {
+    if (!is_cut && (e.button() == Qt::BackButton || e.button() == Qt::ForwardButton)) {
         e.button() == Qt::BackButton ? _places.back() : _places.forward();
         return true;
     }
     const QPoint p = _view.picture_pixel(at);
     const std::string key = is_on_canvas ? _window.xyROI(p.x(), p.y()) : std::string();
-    _pointer_at = at;
-    _under = key;
-    if (take_click(e, key))
+    if (is_on_canvas)
+        _report.point_at(at);
+    if (!is_cut && take_click(e, key))
         return true;
-    _clicked = key.empty() ? key : _window.head(key);
+    _report.clicked(key.empty() ? key : _window.head(key));
     return false;
 }
 
@@ -292,22 +304,24 @@ bool WindowInput::take_grip(const QMouseEvent& e, QPoint at)
         return false;
     _is_panning = true;
     _pan_from = at;
-    _window.frame_canvas->setCursor(Qt::ClosedHandCursor);
+    show_cursor();
     return true;
 }
 
-// Those with modifiers, while no mode is armed; and the one that U waits for.
+// The one that U waits for, when no other does anything; those with modifiers, while no mode is armed.
 bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
 {
-    if (key.empty() || _window.armed_mode() != ORVBrowser::armed::none)
-        return false;
     const auto modifiers = e.modifiers();
-    if (_is_unlinking && e.button() == Qt::LeftButton && modifiers == Qt::NoModifier) {
+    if (_is_unlinking) {
+        if (e.button() != Qt::LeftButton || key.empty())
+            return true;
         arm_unlinking(false);
         _edits.unlink(key);
         return true;
     }
-    if (e.button() == Qt::RightButton && (modifiers & Qt::ShiftModifier) && !_is_unlinking) {
+    if (key.empty() || _window.armed_mode() != ORVBrowser::armed::none)
+        return false;
+    if (e.button() == Qt::RightButton && (modifiers & Qt::ShiftModifier)) {
         _edits.toggle_unit(key, modifiers & Qt::ControlModifier);
         return true;
     }
@@ -322,7 +336,7 @@ bool WindowInput::take_move(QMouseEvent& e)
     if (_is_panning && e.buttons() == Qt::NoButton)    // released where nobody heard of it
         end_panning();
     const QPoint at = canvas_point(e.position());
-    _pointer_at = at;
+    point_at(_canvas->rect().contains(at) ? std::optional(at) : std::nullopt);
     if (!_is_panning)
         return false;
     _view.pan_by(at - _pan_from);
@@ -330,58 +344,36 @@ bool WindowInput::take_move(QMouseEvent& e)
     return true;
 }
 
-// ---- What is said
+// ---- What is said and shown
 
-void WindowInput::input_begins()
+void WindowInput::point_at(std::optional<QPoint> at)
 {
-    _was_armed = _window.armed_mode();
-    _was_chosen = _window.chosen();
-    _clicked.clear();
-    _has_said = false;
-    _line.forget_error();
-    _line.forget_result();
+    _report.point_at(at);
+    if (!at)
+        _line.say_pointer({});
 }
+
+void WindowInput::input_begins() { _report.begins(); }
 
 void WindowInput::input_served()
 {
-    const bool has_ended = _was_armed != ORVBrowser::armed::none && _was_armed != _window.armed_mode();
-    // Merging with itself is a step, which leaves all as it was.
-    const bool is_refused = !_has_said || (_was_armed == ORVBrowser::armed::merge && _clicked == _was_chosen);
-    if (has_ended && !_clicked.empty() && is_refused)
-        _line.say(text_of_refusal(_window, _was_armed, _clicked));
-    say_mode();
-    if (_window.frame_canvas->underMouse())    // what lies there may be something else now
-        _line.say_pointer(text_of_pixel(_window, _view.picture_pixel(_pointer_at)));
-}
-
-void WindowInput::say_mode()
-{
-    _line.say_mode(_is_unlinking ? tr("Remove a link: click the nucleus that is linked to the chosen one. "
+    _report.served(_is_unlinking ? tr("Remove a link: click the nucleus that is linked to the chosen one. "
                                       "Esc: cancel")
-                                 : text_of_mode(_window));
+                                 : QString());
 }
 
-void WindowInput::step_ended(edit_step& step)
-{
-    _has_said = true;
-    _line.say(text_of_step(_window, step.title()));
-}
+void WindowInput::pointer_moved() { _report.pointer_moved(); }
 
-void WindowInput::recording_changed()
-{
-    arm_unlinking(false);
-    say_mode();
-    _line.forget_result();
-    _line.say_pointer({});
-}
+void WindowInput::recording_changed() { arm_unlinking(false); }
 
-// The result of an action stays until another ROI is pointed at.
-void WindowInput::pointer_moved()
+void WindowInput::step_shows() { _places.settle(); }
+
+// In the middle of its unit where one had to go there.
+void WindowInput::step_shown(const std::string& key, bool was_on_view)
 {
-    const QPoint pixel = _view.picture_pixel(_pointer_at);
-    const std::string under = _window.xyROI(pixel.x(), pixel.y());
-    if (under != _under && !under.empty())
-        _line.forget_result();
-    _under = under;
-    _line.say_pointer(text_of_pixel(_window, pixel));
+    const std::string unit = _window.head(key);
+    if (!was_on_view && is_roi_key(unit))
+        _places.show_unit(unit);
+    else
+        _places.show_roi(key);
 }

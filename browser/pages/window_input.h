@@ -6,12 +6,16 @@
 #include "canvas_view.h"
 #include "further_input.h"
 #include "go_to_field.h"
+#include "input_report.h"
 #include "message_line.h"
 #include "places.h"
 #include "quick_edits.h"
 
 #include <QObject>
 #include <QPoint>
+#include <QPointer>
+
+#include <optional>
 
 class WindowInput : public QObject, public FurtherInput, private curation_observer {
     Q_OBJECT
@@ -26,13 +30,14 @@ public:
     void input_begins() override;
     void input_served() override;
     void pointer_moved() override;
+    void step_shows() override;
+    void step_shown(const std::string& key, bool was_on_view) override;
 
 protected:
-    bool eventFilter(QObject* watched,
-                     QEvent* e) override;    // what is released, and where the pointer leaves
+    // What is released, where the pointer leaves, what is pressed elsewhere.
+    bool eventFilter(QObject* watched, QEvent* e) override;
 
 private:
-    void step_ended(edit_step& step) override;
     void recording_changed() override;
 
     [[nodiscard]] bool review_takes(int key);
@@ -48,14 +53,17 @@ private:
     void end_panning();
     [[nodiscard]] bool take_grip(const QMouseEvent& e, QPoint at);
     [[nodiscard]] bool take_click(const QMouseEvent& e, const std::string& key);
-    void say_mode();
+    void point_at(std::optional<QPoint> at);
+    void show_cursor();
     [[nodiscard]] QPoint canvas_point(QPointF at) const;
 
     ORVBrowser& _window;
+    const QPointer<PictureFrame> _canvas;
     CanvasView& _view;
     CanvasMarks& _marks;
     Places& _places;
     MessageLine& _line;
+    InputReport _report;
     QuickEdits _edits;
     GoToField* _go_to;    // the window's
     const Observing _observing{_window, *this};
@@ -63,11 +71,5 @@ private:
     bool _is_panning = false;
     bool _is_unlinking = false;
     QPoint _pan_from;
-    QPoint _pointer_at;     // on the canvas
-    std::string _under;     // the ROI there when something was said last
     int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
-    ORVBrowser::armed _was_armed = ORVBrowser::armed::none;    // when the input began
-    std::string _was_chosen;
-    std::string _clicked;      // the unit that a click was on, while it is served
-    bool _has_said = false;    // what came of the input
 };

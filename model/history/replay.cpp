@@ -299,22 +299,24 @@ bool amounts_to_nothing(const edit_step& step, const curation_tables& tables)
            std::ranges::equal(marks, marks_after);
 }
 
-bool find_place(const edit_step& step, step_place here, step_place& found)
+std::string find_place(const edit_step& step, int t, int z)
 {
     constexpr std::size_t shortest_key = 9;
-    bool is_found = false;
+    std::string first;
     for (const std::string_view line : lines_of(step.changes())) {
         const std::optional<change> c = read_change(line);
-        const std::string key = c && c->kind != change_kind::roi ? key_in(*c) : std::string();
-        if (!c || (c->kind != change_kind::roi && (key.size() < shortest_key || !is_roi_key(key))))
+        if (!c)
             continue;
-        const pos4i at = c->kind == change_kind::roi ? pos4i(0, 0, c->number(2), c->number(3)) : decode(key);
-        const step_place place{at.t(), at.z()};
-        if (!is_found || place == here)
-            found = place;
-        is_found = true;
-        if (place == here)
-            break;
+        const std::string key = c->kind == change_kind::roi
+                                    ? keygen({c->number(0), c->number(1), c->number(2), c->number(3)})
+                                    : key_in(*c);
+        if (key.size() < shortest_key || !is_roi_key(key))
+            continue;
+        const pos4i at = decode(key);
+        if (at.t() == t && at.z() == z)
+            return key;
+        if (first.empty())
+            first = key;
     }
-    return is_found;
+    return first;
 }

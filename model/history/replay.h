@@ -14,11 +14,6 @@ bool redo_step(const edit_step& step, const curation_tables& tables, file_set fi
 // True iff the tables, which are as the step has left them, were the same before it.
 [[nodiscard]] bool amounts_to_nothing(const edit_step& step, const curation_tables& tables);
 
-// Where the changes lie: the time point and focal plane of the first of them, or of one that lies at `here`
-// if any does. False when no change has a place.
-struct step_place {
-    int t = 0;
-    int z = 0;
-    bool operator==(const step_place&) const = default;
-};
-[[nodiscard]] bool find_place(const edit_step& step, step_place here, step_place& found);
+// Where the changes lie: the ROI key of the first of them, or of one that lies at time point t and focal
+// plane z if any does. "" when no change has a place.
+[[nodiscard]] std::string find_place(const edit_step& step, int t, int z);

@@ -54,6 +54,8 @@ TEST(scale_bar, is_a_round_length_that_fits)
 
 namespace {
 
+using keys = std::set<std::string>;
+
 // Squares whose corners lie at (10 t, 10 z): each a unit.
 class Squares : public curation {
 public:
@@ -91,12 +93,22 @@ TEST(tails, follow_links_both_ways_and_join_fresh_daughters)
     for (const auto& [parent, unit] : {std::pair(grandmother, mother), {mother, a}, {mother, b}, {a, child}})
         s.link(parent, unit);
     tails all(s);
-    EXPECT_EQ(text_of(all.of({a}, 1)), "<21,11-11,11 =21,11-31,11 >21,11-21,51 ");
-    EXPECT_EQ(text_of(all.of({b}, 9)), "<21,51-11,11 <11,11-1,11 >21,51-21,11 ");
-    EXPECT_EQ(text_of(all.of({a, b}, 0)), ">21,11-21,51 ");
-    EXPECT_EQ(text_of(all.of({mother}, 1)), "<11,11-1,11 =11,11-21,11 =11,11-21,51 ");
+    const struct {
+        keys units;
+        int steps, t;    // of the units, and on view
+        const char* drawn;
+    } cases[] = {
+        {{a}, 1, 2, "<21,11-11,11 =21,11-31,11 >21,11-21,51 "},
+        {{a}, 1, 3, "<21,11-11,11 =21,11-31,11 "},
+        {{b}, 9, 2, "<21,51-11,11 <11,11-1,11 >21,51-21,11 "},
+        {{a, b}, 0, 2, ">21,11-21,51 "},
+        {{mother}, 1, 1, "<11,11-1,11 =11,11-21,11 =11,11-21,51 "},
+        {{mother}, 1, 2, "<11,11-1,11 =11,11-21,11 =11,11-21,51 >21,11-21,51 "},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(text_of(all.of(c.units, c.steps, c.t)), c.drawn);
     s.release_child(a, child);
-    EXPECT_EQ(text_of(all.of({child}, 3)), "");
-    EXPECT_EQ(all.near_plane(2, 3, 2), (std::set<std::string>{a, b}));
-    EXPECT_EQ(all.near_plane(2, 4, 2), std::set<std::string>{b});
+    EXPECT_EQ(text_of(all.of({child}, 3, 3)), "");
+    EXPECT_EQ(all.near_plane(2, 3, 2), (keys{a, b}));
+    EXPECT_EQ(all.near_plane(2, 4, 2), keys{b});
 }

@@ -5,6 +5,9 @@
 
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTabBar>
+
+#include <functional>
 
 namespace {
 
@@ -49,6 +52,8 @@ private slots:
             {Qt::Key_Home, 0, {0, 20}},
             {Qt::Key_Right, Qt::ControlModifier, {4, 20}},
             {Qt::Key_Left, Qt::ControlModifier, {0, 20}},
+            {Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier, {1, 20}},    // as without
+            {Qt::Key_Left, 0, {0, 20}},
             {Qt::Key_Home, Qt::ShiftModifier, {0, 20}},
             {Qt::Key_PageDown, Qt::ControlModifier, {0, 20}},
             {Qt::Key_Backspace, 0, {4, 20}},
@@ -69,6 +74,39 @@ private slots:
         QCOMPARE(w.here(), (place{0, 3}));
     }
 
+    void theWayBackBeginsWhereTheRecordingOpened()
+    {
+        const SmallRecording recording;
+        (void)recording.folder.with("file.recording.json", R"({"focal_planes": [25, 30]})");
+        PagedWindow w(recording);
+        QCOMPARE(w.here(), (place{0, 25}));
+        w.press(Qt::Key_Right, Qt::ControlModifier);
+        w.press(Qt::Key_Backspace);
+        QCOMPARE(w.here(), (place{0, 25}));
+        w.press(Qt::Key_Backspace);
+        QCOMPARE(w.here(), (place{0, 25}));
+    }
+
+    void undoShowsWhatItChanged()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const std::string far = put_unit(
+            w, {put_roi(w, {900, 800, 39, 2}), put_roi(w, {900, 800, 40, 2}), put_roi(w, {900, 800, 41, 2})});
+        const CapturedLines out(std::cout), err(std::cerr);
+        w.set_elite({far}, true);
+        w.undo();
+        QCOMPARE(w.here(), (place{2, 40}));
+        QVERIFY(w.frame_canvas->rect().contains(w.shown_by().screen_area({900, 800, 4, 4})));
+        QCOMPARE(w.marks().ringed(), far);
+        w.press(Qt::Key_Up);
+        w.redo();
+        QCOMPARE(w.here(), (place{2, 39}));    // what changed was on view
+        w.press(Qt::Key_Backspace);
+        QCOMPARE(w.here(), (place{0, 20}));
+    }
+
     void goesToWhatIsTyped()
     {
         const SmallRecording recording;
@@ -85,6 +123,9 @@ private slots:
         QCOMPARE(w.here(), (place{3, 12}));
         go(QString::number(w.ID(family.large)));
         QCOMPARE(w.here(), (place{1, 21}));
+        QCOMPARE(w.marks().ringed(), family.large);
+        go("001022010005");    // of the same unit
+        QCOMPARE(w.here(), (place{1, 22}));
         QCOMPARE(w.marks().ringed(), family.large);
         go("004020030025");    // in no unit
         QCOMPARE(w.here(), (place{4, 20}));
@@ -186,8 +227,19 @@ private slots:
         QVERIFY(w.said().startsWith("Remove a link"));
         w.press(Qt::Key_Escape);
         QVERIFY(!w.said().startsWith("Remove a link"));
+        w.m_linkage_multimap.emplace(family.small, family.mother);    // stored twice
         w.press(Qt::Key_U);
+        const QCursor hand = w.frame_canvas->cursor();
+        QTest::keyPress(&w, Qt::Key_Space);
+        drag(w, Qt::LeftButton, {100, 100}, {120, 120});
+        QTest::keyRelease(&w, Qt::Key_Space);
+        w.press(Qt::Key_0);
+        QCOMPARE(w.frame_canvas->cursor().shape(), hand.shape());
+        for (const int held : {0, int(Qt::ShiftModifier)})
+            w.click_with(held, {11, 6}, Qt::RightButton);
+        QVERIFY(w.m_removed_roi_set.empty());
         click(w, 41, 21);
+        QCOMPARE(w.said(), QString("Removed links: %1 %2").arg(w.ID(family.mother)).arg(w.ID(family.small)));
         QVERIFY(!w.isLink(family.mother, family.small));
         QVERIFY(w.isLink(family.mother, family.large));
         w.press(Qt::Key_U);
@@ -244,6 +296,105 @@ private slots:
         QVERIFY(!w.said().startsWith("Cannot find "));
     }
 
+    void theMessageLineSaysWhatWasRefusedAndFound()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const CapturedLines out(std::cout), err(std::cerr);
+        const auto name = [&w](const std::string& unit) { return QString::number(w.ID(unit)); };
+        const auto find = [&w](const char* walk) { w.findChild<QPushButton*>(walk)->click(); };
+        w.press(Qt::Key_M);
+        for (const Qt::Key key : {Qt::Key_A, Qt::Key_S}) {
+            w.press(key);
+            QVERIFY(w.said().startsWith("No nucleus is chosen"));
+        }
+        w.press(Qt::Key_Escape);
+        w.press(Qt::Key_L);
+        click(w, 11, 6);
+        QCOMPARE(w.said(), "Chosen: " + name(family.mother));
+        w.press(Qt::Key_S);
+        click(w, 30, 25);    // in no unit
+        QVERIFY(w.said().contains("in no unit"));
+        click(w, 11, 6);
+        QVERIFY(w.said().startsWith("Split: click where to cut."));
+        click(w, 50, 35);    // on no ROI
+        QVERIFY(w.said().startsWith("Not split: a parent is in no unit"));
+        w.press(Qt::Key_BracketRight);
+        QCOMPARE(w.said(), "Chosen: " + name(family.large));
+        find("dead_end");
+        QVERIFY(w.said().startsWith("Dead end: unit " + name(family.large)));
+        w.release_child(family.mother, family.large);
+        find("unlinked");
+        QVERIFY(w.said().startsWith("Unlinked: unit " + name(family.large)));
+        find("doubtful");
+        QCOMPARE(w.said(), "No doubtful units");
+        w.link(family.large, family.mother);    // in whichever order
+        QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.large));
+    }
+
+    // Whatever the next press or key is meant for.
+    void errorsAndRingsEndWithTheNextInput()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        const Family family(w);
+        const CapturedLines out(std::cout), err(std::cerr);
+        w.tabWidget_control_panel->setCurrentWidget(w.mainPage);
+        const auto press = [&w](QWidget* on) { QTest::mousePress(on, Qt::LeftButton); };
+        const std::function<void()> inputs[] = {
+            [&] { press(w.pushButton_select_all); }, [&] { press(w.slider_time_point); },
+            [&] { press(w.tabWidget_control_panel->findChild<QTabBar*>()); },
+            [&] { QTest::keyClick(w.lineEdit_time_point, Qt::Key_1); }};
+        for (const auto& input : inputs) {
+            w.findChild<QPushButton*>("dead_end")->click();
+            QCOMPARE(w.marks().ringed(), family.large);
+            error_line("Something is wrong");
+            QCOMPARE(w.said(), QString("Something is wrong"));
+            input();
+            QVERIFY(w.said() != "Something is wrong");
+            QCOMPARE(w.marks().ringed().empty(), &input == &inputs[0]);
+        }
+    }
+
+    void whatLiesUnderThePointerFollowsTheWheel()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        move_pointer(w, 11, 6);
+        QVERIFY(w.said().contains("ROI 000020010005"));
+        turn_wheel(w, {11, 6}, -120, {});
+        QVERIFY(!w.said().contains("ROI"));
+        QVERIFY(w.said().contains(QString("grey %1").arg(SmallRecording::grey(0, 21))));
+        w.press(Qt::Key_1);
+        turn_wheel(w, {11, 6}, 120, Qt::ControlModifier);
+        turn_wheel(w, {11, 6}, -240, Qt::ShiftModifier);
+        const QPoint p = w.shown_by().picture_pixel({11, 6});
+        QVERIFY(w.said().startsWith(QString("x %1, y %2;").arg(p.x()).arg(p.y())));
+    }
+
+    // As in the main window, wherever the key is let go.
+    void keysOfTheTreeAreLetGoToo()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        w.findChild<QPushButton*>("tree")->click();
+        QWidget* tree = nullptr;
+        for (QWidget* const window : QApplication::topLevelWidgets())
+            if (window->objectName() == "treeWindow")
+                tree = window;
+        QVERIFY(tree && QTest::qWaitForWindowExposed(tree));
+        tree->activateWindow();
+        tree->setFocus();
+        const QImage before = w.seen();
+        QTest::keyPress(tree, Qt::Key_H);
+        QVERIFY(w.seen() != before);
+        QTest::keyRelease(tree, Qt::Key_H);
+        QCOMPARE(w.seen(), before);
+        QTest::keyClick(tree, Qt::Key_G);
+        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(field_of_go_to(w)));
+    }
+
     void emptyPlanesSayWhereTheRoisAre()
     {
         const SmallRecording recording;
@@ -256,6 +407,7 @@ private slots:
         QCOMPARE(w.marks().notice(), "Nothing on focal plane 40. ROIs lie on planes 20 to 20: press Home.");
         put_roi(w, {1, 1, 41, 0});
         w.setCurrentFocalPlane(41);
+        w.press(Qt::Key_T);    // hides it
         QCOMPARE(w.marks().notice(), QString());
         qputenv("ORVBROWSER_IMAGE_ROOT", recording.folder.path("nowhere").c_str());
         QVERIFY(w.openRoiFile(recording.file));

@@ -1,5 +1,6 @@
 // How the canvas shows the picture: zoom, place, range of grey, size of the window; what is under the
 // pointer.
+#include "../support/captured_lines.h"
 #include "../support/paged_window.h"
 #include "view_page.h"
 
@@ -99,9 +100,11 @@ private slots:
         std::mt19937 random(3);
         const auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
         const int zooming[] = {Qt::Key_Plus, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_0, Qt::Key_1};
+        const QSize sizes[] = {{620, 878}, {1600, 1200}, {620, 560}, {901, 777}};
         const QImage picture = w.frame_canvas->picture().toImage();
         int hits = 0;
         for (int i = 0; i < 300; ++i) {
+            w.resize(sizes[below(4)]);
             w.press(zooming[below(5)]);
             turn_wheel(w, {below(601), below(601)}, 120 * (below(5) - 2), Qt::ControlModifier);
             drag(w, Qt::MiddleButton, {300, 300}, {below(601), below(601)});
@@ -149,14 +152,124 @@ private slots:
         QVERIFY(!across->isVisible());
     }
 
+    // On a shallow recording that opens on a plane with nothing to show.
+    void allOfAPlaneFitsWhateverOthersShow()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        put_roi(w, {3000, 20, 40, 0});    // a slip
+        const CapturedLines err(std::cerr);
+        for (const int z : {50, 40, 20}) {
+            w.setCurrentFocalPlane(z);
+            w.press(Qt::Key_1);
+        }
+        const view_transform fitted = w.shown_by();
+        QCOMPARE(w.shown_by().scale(), 601 / 60.0);
+        put_roi(w, {3000, 20, 41, 0});
+        w.setCurrentFocalPlane(41);
+        w.setCurrentFocalPlane(20);
+        QCOMPARE(w.shown_by(), fitted);
+        w.press(Qt::Key_1);
+        QCOMPARE(w.shown_by(), fitted);
+        for (const char* bar : {"scroll_across", "scroll_down"})
+            QVERIFY(!w.findChild<QScrollBar*>(bar)->isVisible());
+    }
+
+    // Outlines and lineage, moved by whole pixels.
+    void pannedAtOneToOneEveryPixelIsThatOfThePicture()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        put_roi(w, {660, 640, 20, 1}, 30, 20);
+        put_roi(w, {33, 12, 20, 1}, 11, 5);
+        const std::string mother = put_unit(w, {"000020010005"});
+        w.link(mother, put_unit(w, {"001020010005", put_roi(w, {33, 22, 20, 1}, 8, 3)}));
+        w.setCurrentTimePoint(1);
+        w.press(Qt::Key_C);
+        w.canvas().pan_by({-9, -4});
+        w.canvas().set_outline_width(1);
+        QCOMPARE(w.shown_by().corner(), QPointF(-9, -4));
+        const QImage picture = w.frame_canvas->picture().toImage().convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(w.seen().convertToFormat(QImage::Format_RGB32).copy(1, 1, 40, 30),
+                 picture.copy(10, 5, 40, 30));
+    }
+
+    // Made smaller, in place or larger: a small canvas shows what a large one shows there, also after
+    // panning.
+    void onlyThePartThatIsSeenIsMade()
+    {
+        std::mt19937 random(5);
+        QImage image(157, 93, QImage::Format_RGB32);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                image.setPixel(x, y,
+                               0xff000000 | (x < 80 ? random() & 0xffffff : (random() & 255) * 0x10101));
+        const QPixmap picture = QPixmap::fromImage(image);
+        for (const int steps : {-5, -3, -2, -1, 0, 1, 4}) {
+            visible_image large, small;
+            for (const QPoint corner : {QPoint(0, 0), QPoint(-13, -5), QPoint(3, -20)}) {
+                view_transform view;
+                view.zoom_by(steps, {0, 0});
+                view.pan_by(corner);
+                const display_range range{20, 200, 1.5};
+                const QImage all = large.of(picture, view, {300, 200}, range, 0xff123456);
+                QCOMPARE(small.of(picture, view, {31, 17}, range, 0xff123456), all.copy(0, 0, 31, 17));
+                const QPoint p = view.picture_pixel({20, 10});
+                const grey_table table = table_of(range);
+                const QRgb there = image.rect().contains(p) ? image.pixel(p) : 0;
+                if (steps >= 0 && image.rect().contains(p))
+                    QCOMPARE(all.pixel(20, 10),
+                             qRgb(table[qRed(there)], table[qGreen(there)], table[qBlue(there)]));
+            }
+        }
+        image.fill(0xff808080);
+        view_transform half;
+        half.zoom_by(-3, {0, 0});
+        QCOMPARE(visible_image().of(QPixmap::fromImage(image), half, {40, 20}, {}, 0).pixel(39, 19),
+                 0xff808080);
+    }
+
+    void theWheelTurnsByWholeNotchesAndSidewaysUnderAlt()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        w.press(Qt::Key_1);
+        const view_transform fitted = w.shown_by();
+        turn_wheel(w, {5, 5}, 40, Qt::ControlModifier);
+        QCOMPARE(w.shown_by(), fitted);
+        turn_wheel(w, {5, 5}, 80, Qt::ControlModifier);
+        QVERIFY(w.shown_by().scale() > fitted.scale());
+        w.press(Qt::Key_0);
+        for (const int notches : {1, 3, -2, 4}) {    // also while the picture is smaller than the canvas
+            turn_wheel(w, {50, 30}, 120 * notches, Qt::ControlModifier);
+            QCOMPARE(w.shown_by().picture_pixel({50, 30}), QPoint(50, 30));
+        }
+        const struct {
+            QPoint turn;
+            Qt::KeyboardModifiers held;
+            int z;
+        } rows[] = {{{120, 0}, Qt::AltModifier, 19}, {{-120, 0}, Qt::AltModifier, 20}, {{120, 0}, {}, 21}};
+        for (const auto& row : rows) {
+            QWheelEvent e({300, 300}, w.mapToGlobal(QPointF(300, 300)), {}, row.turn, Qt::NoButton, row.held,
+                          Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(&w, &e);
+            QCOMPARE(w.focal_plane(), row.z);
+        }
+    }
+
     void theCutTakesEveryPlainPress()
     {
         const SmallRecording recording;
         PagedWindow w(recording);
-        w.m_split_mode = true;
-        w.m_split_parents = {"a", "b"};
-        click(w, 300, 300, Qt::MiddleButton);
-        QVERIFY(!w.m_split_mode && w.m_split_parents.empty());
+        for (const Qt::MouseButton button : {Qt::MiddleButton, Qt::LeftButton, Qt::BackButton}) {
+            w.m_split_mode = true;
+            w.m_split_parents = {"a", "b"};
+            QTest::keyPress(&w, Qt::Key_Space);
+            click(w, 300, 300, button);
+            QTest::keyRelease(&w, Qt::Key_Space);
+            QVERIFY(!w.m_split_mode && w.m_split_parents.empty());
+            QCOMPARE(w.said(), "No nucleus is chosen: press L and click one.");
+        }
     }
 
     void theCanvasTakesTheRoomThatIsAdded()
@@ -219,6 +332,22 @@ private slots:
             QCOMPARE(page->low->value(), 49);
             page->gamma->setValue(2);
             QCOMPARE(w.canvas().range().gamma, 2.0);
+            page->range_auto->click();
+            QCOMPARE(w.canvas().range(), (display_range{grey, grey + 1, 2}));
+            page->range_reset->click();
+            w.tabWidget_control_panel->setCurrentWidget(page);
+            for (const auto& [text, key, then] :
+                 {std::tuple("80", Qt::Key_Return, 80), {"90", Qt::Key_Escape, 80}}) {
+                auto* const field = page->high->findChild<QLineEdit*>();
+                QTest::mouseClick(field, Qt::LeftButton);
+                QVERIFY(page->high->hasFocus());
+                field->selectAll();
+                QTest::keyClicks(page->high, text);
+                QTest::keyClick(page->high, key);
+                QVERIFY(w.frame_canvas->hasFocus());
+                QCOMPARE(w.canvas().range(), (display_range{0, then, 1}));
+                QCOMPARE(page->high->value(), then);
+            }
             page->outline_width->setValue(3);
             page->scale_bar->click();
             page->tails->setCurrentIndex(2);

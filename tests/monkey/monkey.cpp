@@ -9,6 +9,7 @@
 #include "story.h"
 #include "swapped_files.h"
 
+#include <QComboBox>
 #include <QCommandLineParser>
 #include <QRegularExpression>
 #include <QTimer>
@@ -102,11 +103,17 @@ private:
             const char* name;
             int weight;    // in per cent
             void (Monkey::*act)();
-        } kinds[] = {{"key", 13, &Monkey::press_any_key},   {"widget", 16, &Monkey::click_widget},
-                     {"canvas", 14, &Monkey::click_canvas}, {"pointer", 9, &Monkey::move},
-                     {"wheel", 8, &Monkey::turn_wheel},     {"text", 8, &Monkey::type},
-                     {"steps", 25, &Monkey::take_steps},    {"swap", 3, &Monkey::swap_file},
-                     {"focus", 1, &Monkey::focus},          {"window", 3, &Monkey::handle_window}};
+        } kinds[] = {{"key", 11, &Monkey::press_any_key},
+                     {"hold", 2, &Monkey::hold_key},
+                     {"widget", 16, &Monkey::click_widget},
+                     {"canvas", 14, &Monkey::click_canvas},
+                     {"pointer", 9, &Monkey::move},
+                     {"wheel", 8, &Monkey::turn_wheel},
+                     {"text", 8, &Monkey::type},
+                     {"steps", 25, &Monkey::take_steps},
+                     {"swap", 3, &Monkey::swap_file},
+                     {"focus", 1, &Monkey::focus},
+                     {"window", 3, &Monkey::handle_window}};
         const auto* chosen = kinds;
         for (int number = below(100); (number -= chosen->weight) >= 0;)
             ++chosen;
@@ -201,8 +208,36 @@ private:
               chance(0.3) ? QApplication::focusWidget() : nullptr);
     }
 
+    // H or Space while the canvas is dragged, clicked, or another key pressed; sometimes let go elsewhere.
+    void hold_key()
+    {
+        const Qt::Key held = chance(0.5) ? Qt::Key_H : Qt::Key_Space;
+        QTest::keyPress(&window(), held);
+        const QPoint from = any_point(window().frame_canvas), to = any_point(window().frame_canvas);
+        const QPoint corner = window().frame_canvas->pos();
+        if (chance(0.7)) {
+            QTest::mousePress(&window(), Qt::LeftButton, {}, corner + from);
+            move_pointer(window(), to.x(), to.y());
+            QTest::mouseRelease(&window(), Qt::LeftButton, {}, corner + to);
+        }
+        if (chance(0.3))
+            press_any_key();
+        QTest::keyRelease(chance(0.8) ? &window() : any_widget(0), held);
+    }
+
+    // A choice of a list, as its window would open a list of its own.
+    void choose_any()
+    {
+        QComboBox* const list = any_of(window().findChildren<QComboBox*>());
+        note(list->objectName());
+        if (list->isEnabled() && list->count() > 0)
+            list->setCurrentIndex(below(list->count()));
+    }
+
     void click_widget()
     {
+        if (chance(0.05))
+            return choose_any();
         const QPointer<QWidget> widget = any_widget(0.2);
         const Qt::MouseButton button = any_button();
         const QPoint at = any_point(widget);
