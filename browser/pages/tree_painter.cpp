@@ -160,7 +160,7 @@ void paint_axis(QPainter& painter, const lineage_tree& tree, const tree_view& vi
 void paint_name(QPainter& painter, const tree_view& view, const QPointF& at, double radius,
                 const tree_node& node)
 {
-    const int pixels = static_cast<int>(std::min(largest_name, view.column_width - 2 * radius));
+    const int pixels = static_cast<int>(std::min(largest_name, view.column_width - radius - 1));
     if (node.name.empty() || pixels < smallest_name)
         return;
     painter.save();
