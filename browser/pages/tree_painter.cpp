@@ -7,6 +7,7 @@ namespace {
 
 constexpr double smallest_radius = 1.5;    // pixels; smaller units are not drawn one by one
 constexpr double click_distance = 8;       // pixels
+constexpr double ring_gap = 4;             // pixels, around the chosen nucleus
 constexpr double between_numbers = 22;     // pixels, of the time axis
 constexpr double smallest_name = 7;        // pixels of height
 constexpr double largest_name = 12;
@@ -160,7 +161,7 @@ void paint_axis(QPainter& painter, const lineage_tree& tree, const tree_view& vi
 void paint_name(QPainter& painter, const tree_view& view, const QPointF& at, double radius,
                 const tree_node& node)
 {
-    const int pixels = static_cast<int>(std::min(largest_name, view.column_width - 2 * radius));
+    const int pixels = static_cast<int>(std::min(largest_name, view.column_width - radius_of(view) - 1));
     if (node.name.empty() || pixels < smallest_name)
         return;
     painter.save();
@@ -184,7 +185,7 @@ void paint_node(QPainter& painter, const QPointF& at, double radius, const tree_
         return;
     painter.setPen(QPen(Qt::black, 2));
     painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(at, radius + 4, radius + 4);
+    painter.drawEllipse(at, radius + ring_gap, radius + ring_gap);
 }
 
 void paint_legend(QPainter& painter, const QRectF& area)
@@ -248,7 +249,7 @@ void paint_tree(QPainter& painter, const lineage_tree& tree, const tree_view& vi
             const QPointF at = view.place(tree, node);
             if (radius >= smallest_radius || needs_a_look(node) || node.unit == marks.marked_unit)
                 paint_node(painter, at, std::max(radius, smallest_radius), node, marks);
-            paint_name(painter, view, at, radius, node);
+            paint_name(painter, view, at, node.unit == marks.marked_unit ? radius + ring_gap : radius, node);
         });
     painter.restore();
     paint_axis(painter, tree, view, part, marks.time_point);

@@ -8,6 +8,7 @@
 #include "unit_notes.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -135,13 +136,26 @@ void order_nodes(lineage_tree& tree)
     }
 }
 
-// Leaves get the columns in order; a node stands above the middle of what hangs under it.
+// Without any link.
+std::vector<bool> lone_nodes(const lineage_tree& tree)
+{
+    std::vector<bool> is_lone(tree.nodes.size());
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i)
+        is_lone[i] = tree.nodes[i].parent == i && tree.nodes[i].children.empty();
+    for (const tree_link& link : tree.slanted)
+        is_lone[link.parent] = false;
+    return is_lone;
+}
+
+// Leaves get the columns in order; a node stands above the middle of what hangs under it. Those without any
+// link share the last columns, staggered so that they do not look like a branch.
 void set_columns(lineage_tree& tree)
 {
+    const std::vector<bool> is_lone = lone_nodes(tree);
     for (const std::size_t i : tree.order) {
-        if (tree.nodes[i].parent == i && i != tree.order.front())
+        if (tree.nodes[i].parent == i && !is_lone[i] && tree.columns > 0)
             tree.columns += between_roots;
-        if (tree.nodes[i].children.empty())
+        if (tree.nodes[i].children.empty() && !is_lone[i])
             tree.nodes[i].column = tree.columns++;
     }
     for (auto i = tree.order.rbegin(); i != tree.order.rend(); ++i) {
@@ -150,6 +164,13 @@ void set_columns(lineage_tree& tree)
             node.column =
                 (tree.nodes[node.children.front()].column + tree.nodes[node.children.back()].column) / 2;
     }
+    const double first = tree.columns > 0 ? tree.columns + between_roots : 0;
+    std::map<int, int> met;    // of each time point
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i)
+        if (tree_node& node = tree.nodes[i]; is_lone[i]) {
+            node.column = first + met[node.t]++ + (node.t % 2 == 0 ? 0 : 0.5);
+            tree.columns = std::max(tree.columns, node.column + 1);
+        }
 }
 
 void set_rows(lineage_tree& tree)
