@@ -72,12 +72,16 @@ CanvasView* CanvasView::of(const ORVBrowser& window)
     return window.findChild<CanvasView*>("canvas_view", Qt::FindDirectChildrenOnly);
 }
 
-// What is pointed at stays where it is, even where the canvas then shows more than the picture.
+// What is pointed at stays where it is, though a picture smaller than the canvas is moved out of it. Made
+// smaller, more of it comes into view before more of the border.
 void CanvasView::zoom_by(int steps, QPoint about)
 {
     const bool is_on_picture = QRect({0, 0}, _extent).contains(_view.picture_pixel(about));
+    const QPointF wasted = _view.wasted(_extent, canvas_size());
     _view.zoom_by(steps, about);
-    is_on_picture ? view_changed() : keep_in_view();
+    if (!is_on_picture || steps < 0)
+        _view.keep_in_view(_extent, canvas_size(), wasted);
+    view_changed();
 }
 
 void CanvasView::zoom_by(int steps) { zoom_by(steps, _canvas->rect().center()); }
@@ -99,7 +103,9 @@ void CanvasView::fit()
 
 void CanvasView::pan_by(QPoint way)
 {
-    _view.pan_by(way, _extent, canvas_size());
+    const QPointF wasted = _view.wasted(_extent, canvas_size());
+    _view.pan_by(way);
+    _view.keep_in_view(_extent, canvas_size(), wasted);
     view_changed();
 }
 

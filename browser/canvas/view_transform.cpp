@@ -32,10 +32,11 @@ int owner_of(int s, double scale, double corner)
     return p;
 }
 
-double kept_in_view(double corner, double picture, double canvas)
+double kept_in_view(double corner, double picture, double canvas, double allowed)
 {
     const double slack = canvas - picture;
-    return std::clamp(corner, std::min(0.0, slack), std::max(0.0, slack));
+    return std::clamp(corner, std::min(0.0, slack) + std::min(0.0, allowed),
+                      std::max(0.0, slack) + std::max(0.0, allowed));
 }
 
 // The place in picture pixel p that screen pixel s shows; off its borders, where rounding could lose it.
@@ -109,24 +110,19 @@ void view_transform::center_on(QPointF picture, QSize canvas) noexcept
     _corner = {std::round(corner.x()), std::round(corner.y())};
 }
 
-void view_transform::pan_by(QPoint way, QSize picture, QSize canvas) noexcept
+QPointF view_transform::wasted(QSize picture, QSize canvas) const noexcept
 {
-    const QPointF before = _corner;
-    _corner += way;
-    const QPointF wanted = _corner;
-    keep_in_view(picture, canvas);
-    const auto between = [](double at, double a, double b) {
-        return std::clamp(at, std::min(a, b), std::max(a, b));
-    };
-    _corner = {between(wanted.x(), before.x(), _corner.x()), between(wanted.y(), before.y(), _corner.y())};
+    view_transform kept = *this;
+    kept.keep_in_view(picture, canvas);
+    return _corner - kept._corner;
 }
 
-void view_transform::keep_in_view(QSize picture, QSize canvas) noexcept
+void view_transform::keep_in_view(QSize picture, QSize canvas, QPointF allowed) noexcept
 {
     if (picture.isEmpty()) {
         _corner = {0, 0};
         return;
     }
-    _corner = {kept_in_view(_corner.x(), picture.width() * _scale, canvas.width()),
-               kept_in_view(_corner.y(), picture.height() * _scale, canvas.height())};
+    _corner = {kept_in_view(_corner.x(), picture.width() * _scale, canvas.width(), allowed.x()),
+               kept_in_view(_corner.y(), picture.height() * _scale, canvas.height(), allowed.y())};
 }

@@ -39,11 +39,12 @@ public:
     void fit(QSize picture, QSize canvas) noexcept;
 
     void pan_by(QPoint way) noexcept { _corner += way; }
-    void pan_by(QPoint way, QSize picture, QSize canvas) noexcept;    // wastes no more border than before
 
     // The nearest place where no border of the canvas is wasted: a picture larger than the canvas fills it,
     // a smaller one lies within it. The corner where there is no picture.
-    void keep_in_view(QSize picture, QSize canvas) noexcept;
+    // `allowed`: what may be wasted on the side where it was.
+    void keep_in_view(QSize picture, QSize canvas, QPointF allowed = {}) noexcept;
+    [[nodiscard]] QPointF wasted(QSize picture, QSize canvas) const noexcept;
 
     // Puts this place in the middle of the canvas.
     void center_on(QPointF picture, QSize canvas) noexcept;

@@ -106,7 +106,9 @@ TEST(view_transform, wastes_no_border_and_fits)
     view_transform v;
     v.pan_by({50, 0});    // as zooming about a pointer may
     for (const auto& [way, corner] : {std::pair(9, 50), {-20, 30}, {-9999, -400}, {9999, 0}}) {
-        v.pan_by({way, 0}, {1000, 10}, {600, 600});
+        const QPointF wasted = v.wasted({1000, 10}, {600, 600});
+        v.pan_by({way, 0});
+        v.keep_in_view({1000, 10}, {600, 600}, wasted);
         EXPECT_EQ(v.corner(), QPointF(corner, 0)) << way;
     }
     v.fit({300, 100}, {600, 600});
