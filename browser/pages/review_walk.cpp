@@ -245,7 +245,7 @@ void ReviewWalk::walk(finding_kind kind, bool forth)
         _review.finish();
     const std::set<std::string>& units = _review.units_with(kind);
     if (units.empty())
-        return say(tr("%1: none").arg(QString::fromStdString(name_of(kind))));
+        return say(tr("%1: none").arg(QString::fromUtf8(name_of(kind))));
     const std::string chosen = _window.chosen();
     const bool is_here = is_roi_key(chosen) && decode(chosen).t() == _window.time_point();
     const std::string from = is_here ? chosen : time_key(_window.time_point());
@@ -257,7 +257,7 @@ void ReviewWalk::walk(finding_kind kind, bool forth)
     const std::string unit = *found;
     _window.choose(unit);
     lead_to_unit(_window, unit);
-    say(tr("%1: %2").arg(QString::fromStdString(name_of(kind)), QString::fromStdString(unit)));
+    say(tr("%1: unit %2").arg(QString::fromUtf8(name_of(kind))).arg(_window.ID(unit)));
 }
 
 bool ReviewWalk::take_key(int key)

