@@ -47,6 +47,8 @@ display_range range_of(const QImage& image)
 
 range_painter::range_painter(const display_range& range) : _is_plain(range.is_plain())
 {
+    if (_is_plain)
+        return;
     const grey_table table = table_of(range);
     for (std::size_t value = 0; value < table.size(); ++value) {
         _red[value] = qRgb(table[value], 0, 0);

@@ -25,16 +25,15 @@ struct shown_axis {
     std::vector<int> owners;
 };
 
-shown_axis shown_of(int screen_pixels, int image_pixels, const auto& owner_of)
+// From picture pixel `from` on, each of which begins at first_of() it.
+shown_axis shown_of(int screen_pixels, int image_pixels, int from, const auto& first_of)
 {
-    shown_axis axis;
-    for (int s = 0; s < screen_pixels; ++s) {
-        const int p = owner_of(s);
-        if (p < 0)
-            axis.first = s + 1;
-        else if (p < image_pixels)
+    int p = std::max(0, from);
+    int s = std::max(0, first_of(p));
+    shown_axis axis{s, {}};
+    for (; p < image_pixels && s < screen_pixels; ++p)
+        for (const int beyond = std::min(screen_pixels, first_of(p + 1)); s < beyond; ++s)
             axis.owners.push_back(p);
-    }
     return axis;
 }
 
@@ -94,11 +93,12 @@ QImage halved(const QImage& image)
 // The screen pixels that show the image.
 QRect show_pixels(const QImage& image, const view_transform& view, const range_painter& range, QImage& onto)
 {
-    const shown_axis columns = shown_of(onto.width(), image.width(), [&view](int s) {
-        return view.picture_pixel({s, 0}).x();
+    const QPoint from = view.picture_pixel({0, 0});
+    const shown_axis columns = shown_of(onto.width(), image.width(), from.x(), [&view](int p) {
+        return view.screen_pixel({p, 0}).x();
     });
-    const shown_axis rows = shown_of(onto.height(), image.height(), [&view](int s) {
-        return view.picture_pixel({0, s}).y();
+    const shown_axis rows = shown_of(onto.height(), image.height(), from.y(), [&view](int p) {
+        return view.screen_pixel({0, p}).y();
     });
     const std::size_t width = columns.owners.size();
     if (width == 0 || rows.owners.empty())
@@ -177,7 +177,8 @@ QRect sampled_area(const QRect& area, QSize to, QSize from)
 
 // An area of an image of size `whole` made smaller by less than half, to `size`: between neighbours, which
 // leaves no pixel out. `image` begins at `corner` of the whole one and holds what is needed.
-QImage interpolated(const QImage& image, QPoint corner, QSize whole, QSize size, const QRect& area)
+void interpolate(const QImage& image, QPoint corner, QSize whole, QSize size, const QRect& area,
+                 QImage& smaller)
 {
     constexpr void (*row_blends[])(const QRgb*, const QRgb*, std::size_t,
                                    QRgb*) = {blend_rows<0>, blend_rows<1>, blend_rows<2>, blend_rows<3>};
@@ -187,7 +188,8 @@ QImage interpolated(const QImage& image, QPoint corner, QSize whole, QSize size,
         columns[static_cast<std::size_t>(at.quarters)].from.push_back(at.before - corner.x());
         columns[static_cast<std::size_t>(at.quarters)].to.push_back(x);
     }
-    QImage smaller(area.size(), QImage::Format_RGB32);
+    if (smaller.size() != area.size())    // else its memory is used again, which costs less than new one
+        smaller = QImage(area.size(), QImage::Format_RGB32);
     const auto width = static_cast<std::size_t>(image.width());
     std::vector<QRgb> row(width + 1);    // the last pixel has a neighbour, which counts for nothing
     for (int y = 0; y < area.height(); ++y) {
@@ -201,7 +203,6 @@ QImage interpolated(const QImage& image, QPoint corner, QSize whole, QSize size,
         blend_columns<2>(columns[2], row.data(), to);
         blend_columns<3>(columns[3], row.data(), to);
     }
-    return smaller;
 }
 
 // An area of an image without a copy of it.
@@ -212,7 +213,7 @@ QImage part_of(const QImage& image, const QRect& area)
 }
 
 // Whole halves by means of four, the rest between neighbours.
-QImage made_smaller(const QImage& image, double scale, QSize size, const QRect& area)
+void shrink(const QImage& image, double scale, QSize size, const QRect& area, QImage& smaller)
 {
     int unit = 1;    // pixels of the image that are halved into one
     QSize whole = image.size();
@@ -223,7 +224,10 @@ QImage made_smaller(const QImage& image, double scale, QSize size, const QRect& 
     QImage part = part_of(image, source);
     for (int done = 1; done < unit; done *= 2)
         part = halved(part);
-    return scale * unit < 1 ? interpolated(part, needed.topLeft(), whole, size, area) : part;
+    if (scale * unit < 1)
+        interpolate(part, needed.topLeft(), whole, size, area, smaller);
+    else
+        smaller = part;
 }
 
 // As much of it as the canvas shows; its top-left corner lies at `corner` of the canvas. The screen pixels
@@ -246,26 +250,28 @@ QImage& visible_image::of(const QPixmap& image, const view_transform& view, QSiz
     if (wanted == _made_for && _shown.size() == canvas)
         return _shown;
     _made_for = wanted;
+    if (std::exchange(_range_shown, range) != range)
+        _in_range = range_painter(range);
     if (_shown.size() != canvas)
         _shown = QImage(canvas, QImage::Format_RGB32);
-    fill_around(_shown, image.isNull() ? QRect() : show(image, view, range_painter(range)), blank);
+    fill_around(_shown, image.isNull() ? QRect() : show(image, view), blank);
     return _shown;
 }
 
 // The screen pixels that show it.
-QRect visible_image::show(const QPixmap& image, const view_transform& view, const range_painter& range)
+QRect visible_image::show(const QPixmap& image, const view_transform& view)
 {
     const QPoint corner = view.screen_pixel({0, 0});
     if (view.scale() > 1)
-        return show_pixels(as_rgb(image), view, range, _shown);
+        return show_pixels(as_rgb(image), view, _in_range, _shown);
     if (view.scale() == 1)
-        return copy_part(as_rgb(image), corner, range, _shown);
+        return copy_part(as_rgb(image), corner, _in_range, _shown);
     const QSize size = size_of(image, view.scale());
     const QRect area = _shown.rect().translated(-corner) & QRect({0, 0}, size);
     if (area.isEmpty())
         return {};
     make_smaller(image, view.scale(), size, area);
-    return copy_part(_smaller, corner + _smaller_area.topLeft(), range, _shown);
+    return copy_part(_smaller, corner + _smaller_area.topLeft(), _in_range, _shown);
 }
 
 // Who steps needs what is seen; who pans over an image will need all of it.
@@ -276,6 +282,6 @@ void visible_image::make_smaller(const QPixmap& image, double scale, QSize size,
     if (is_same && _smaller_area.contains(area))
         return;
     _smaller_area = is_same ? QRect({0, 0}, size) : area;
-    _smaller = made_smaller(as_rgb(image), scale, size, _smaller_area);
+    shrink(as_rgb(image), scale, size, _smaller_area, _smaller);
     _smaller_of = wanted;
 }

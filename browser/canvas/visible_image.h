@@ -28,10 +28,12 @@ private:
         bool operator==(const request&) const = default;
     };
 
-    [[nodiscard]] QRect show(const QPixmap& image, const view_transform& view, const range_painter& range);
+    [[nodiscard]] QRect show(const QPixmap& image, const view_transform& view);
     void make_smaller(const QPixmap& image, double scale, QSize size, const QRect& area);
 
     request _made_for;
+    display_range _range_shown;
+    range_painter _in_range{display_range{}};
     QImage _shown;
     QImage _smaller;                          // an area of the image, made smaller
     QRect _smaller_area;                      // in its own pixels

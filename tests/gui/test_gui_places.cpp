@@ -1,31 +1,12 @@
-// Going somewhere and back, what is pointed out there, corrections in few inputs, and what the message line
-// says.
+// Going somewhere and back, what is pointed out there, corrections in few inputs.
 #include "../support/captured_lines.h"
+#include "../support/mother_and_daughters.h"
 #include "../support/paged_window.h"
 
 #include <QPushButton>
 #include <QScrollBar>
-#include <QTabBar>
-
-#include <functional>
 
 namespace {
-
-// Units of the squares at (10, 5), one for each time point; at time point 1 its daughters, the larger on
-// planes 20 to 22.
-struct Family {
-    explicit Family(WindowProbe& w)
-    {
-        mother = put_unit(w, {"000020010005"});
-        large = put_unit(w, {"001020010005", put_roi(w, {10, 5, 21, 1}), put_roi(w, {10, 5, 22, 1})});
-        small = put_unit(w, {put_roi(w, {40, 20, 20, 1})});
-        w.link(mother, large);
-        w.link(mother, small);
-        w.show_changes();
-    }
-
-    std::string mother, large, small;
-};
 
 QLineEdit* field_of_go_to(PagedWindow& w) { return w.findChild<QLineEdit*>("go_to"); }
 
@@ -249,129 +230,6 @@ private slots:
         QCOMPARE(w.m_selected_roi_set, keys{family.small});
     }
 
-    // The first words of what is said after each input.
-    void theMessageLineSaysWhatIsGoingOn()
-    {
-        const SmallRecording recording;
-        PagedWindow w(recording);
-        const Family family(w);
-        const CapturedLines out(std::cout), err(std::cerr);
-        const auto name = [&w](const std::string& unit) { return QString::number(w.ID(unit)); };
-        w.press(Qt::Key_A);
-        QVERIFY(w.said().startsWith("No nucleus is chosen"));
-        w.click_with(Qt::ControlModifier, {11, 6});
-        QCOMPARE(w.said(), "Chosen: " + name(family.mother));
-        w.press(Qt::Key_M);
-        QVERIFY(w.said().startsWith("Merge:"));
-        click(w, 11, 6);
-        QVERIFY2(w.said().contains("with itself"), qPrintable(w.said()));
-        w.press(Qt::Key_M);
-        click(w, 30, 25);
-        QVERIFY(w.said().contains("in no unit"));
-        w.setCurrentTimePoint(1);
-        w.press(Qt::Key_A);
-        QVERIFY(w.said().startsWith("Link:"));
-        click(w, 41, 21);
-        QVERIFY(w.said().startsWith("Not linked"));
-        w.release_child(family.mother, family.small);
-        w.press(Qt::Key_A);
-        click(w, 41, 21);
-        QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.small));
-        move_pointer(w, 42, 21);    // the same ROI
-        QVERIFY(w.said().startsWith("Linked"));
-        move_pointer(w, 11, 6);
-        QCOMPARE(w.said(), QString("x 11, y 6; grey %1; ROI %2; unit %3; parents %4; children none")
-                               .arg(SmallRecording::grey(1, 20))
-                               .arg(family.large.c_str(), name(family.large), name(family.mother)));
-        w.press(Qt::Key_S);
-        click(w, 11, 6);
-        QVERIFY(w.said().startsWith("Split: click the second parent."));
-        w.press(Qt::Key_Escape);
-        QVERIFY(w.armed_mode() == ORVBrowser::armed::none && w.m_split_parents.empty());
-        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
-        w.setCurrentFocalPlane(40);
-        QVERIFY(w.said().startsWith("Cannot find "));
-        w.press(Qt::Key_0);
-        QVERIFY(!w.said().startsWith("Cannot find "));
-    }
-
-    void theMessageLineSaysWhatWasRefusedAndFound()
-    {
-        const SmallRecording recording;
-        PagedWindow w(recording);
-        const Family family(w);
-        const CapturedLines out(std::cout), err(std::cerr);
-        const auto name = [&w](const std::string& unit) { return QString::number(w.ID(unit)); };
-        const auto find = [&w](const char* walk) { w.findChild<QPushButton*>(walk)->click(); };
-        w.press(Qt::Key_M);
-        for (const Qt::Key key : {Qt::Key_A, Qt::Key_S}) {
-            w.press(key);
-            QVERIFY(w.said().startsWith("No nucleus is chosen"));
-        }
-        w.press(Qt::Key_Escape);
-        w.press(Qt::Key_L);
-        click(w, 11, 6);
-        QCOMPARE(w.said(), "Chosen: " + name(family.mother));
-        w.press(Qt::Key_S);
-        click(w, 30, 25);    // in no unit
-        QVERIFY(w.said().contains("in no unit"));
-        click(w, 11, 6);
-        QVERIFY(w.said().startsWith("Split: click where to cut."));
-        click(w, 50, 35);    // on no ROI
-        QVERIFY(w.said().startsWith("Not split: a parent is in no unit"));
-        w.press(Qt::Key_BracketRight);
-        QCOMPARE(w.said(), "Chosen: " + name(family.large));
-        find("dead_end");
-        QCOMPARE(w.said(), "Dead end: unit " + name(family.small));    // the one behind it
-        w.release_child(family.mother, family.large);
-        find("unlinked");
-        QCOMPARE(w.said(), "Unlinked: unit " + name(family.large));
-        find("doubtful");
-        QVERIFY(w.said().endsWith(": none"));
-        w.link(family.large, family.mother);    // in whichever order
-        QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.large));
-    }
-
-    // Whatever the next press or key is meant for.
-    void errorsAndRingsEndWithTheNextInput()
-    {
-        const SmallRecording recording;
-        PagedWindow w(recording);
-        const Family family(w);
-        const CapturedLines out(std::cout), err(std::cerr);
-        w.tabWidget_control_panel->setCurrentWidget(w.mainPage);
-        const auto press = [&w](QWidget* on) { QTest::mousePress(on, Qt::LeftButton); };
-        const std::function<void()> inputs[] = {
-            [&] { press(w.pushButton_select_all); }, [&] { press(w.slider_time_point); },
-            [&] { press(w.tabWidget_control_panel->findChild<QTabBar*>()); },
-            [&] { QTest::keyClick(w.lineEdit_time_point, Qt::Key_1); }};
-        for (const auto& input : inputs) {
-            w.findChild<QPushButton*>("dead_end")->click();
-            QVERIFY(!w.marks().ringed().empty());
-            error_line("Something is wrong");
-            QCOMPARE(w.said(), QString("Something is wrong"));
-            input();
-            QVERIFY(w.said() != "Something is wrong");
-            QCOMPARE(w.marks().ringed().empty(), &input == &inputs[0]);
-        }
-    }
-
-    void whatLiesUnderThePointerFollowsTheWheel()
-    {
-        const SmallRecording recording;
-        PagedWindow w(recording);
-        move_pointer(w, 11, 6);
-        QVERIFY(w.said().contains("ROI 000020010005"));
-        turn_wheel(w, {11, 6}, -120, {});
-        QVERIFY(!w.said().contains("ROI"));
-        QVERIFY(w.said().contains(QString("grey %1").arg(SmallRecording::grey(0, 21))));
-        w.press(Qt::Key_1);
-        turn_wheel(w, {11, 6}, 120, Qt::ControlModifier);
-        turn_wheel(w, {11, 6}, -240, Qt::ShiftModifier);
-        const QPoint p = w.shown_by().picture_pixel({11, 6});
-        QVERIFY(w.said().startsWith(QString("x %1, y %2;").arg(p.x()).arg(p.y())));
-    }
-
     // As in the main window, wherever the key is let go.
     void keysOfTheTreeAreLetGoToo()
     {
@@ -392,26 +250,6 @@ private slots:
         QCOMPARE(w.seen(), before);
         QTest::keyClick(tree, Qt::Key_G);
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(field_of_go_to(w)));
-    }
-
-    void emptyPlanesSayWhereTheRoisAre()
-    {
-        const SmallRecording recording;
-        PagedWindow w(recording);
-        QCOMPARE(w.marks().notice(), QString());
-        const CapturedLines err(std::cerr);
-        w.setCurrentFocalPlane(22);    // an image without ROIs
-        QCOMPARE(w.marks().notice(), QString());
-        w.setCurrentFocalPlane(40);
-        QCOMPARE(w.marks().notice(), "Nothing on focal plane 40. ROIs lie on planes 20 to 20: press Home.");
-        put_roi(w, {1, 1, 41, 0});
-        w.setCurrentFocalPlane(41);
-        w.press(Qt::Key_T);    // hides it
-        QCOMPARE(w.marks().notice(), QString());
-        qputenv("ORVBROWSER_IMAGE_ROOT", recording.folder.path("nowhere").c_str());
-        QVERIFY(w.openRoiFile(recording.file));
-        QVERIFY(w.marks().notice().contains("nowhere/tiny"));
-        QVERIFY(w.marks().notice().contains("--image-root"));
     }
 };
 
