@@ -33,7 +33,7 @@ bool can_be_kept(const std::string& name)
     return ::access(is_there(name) ? name.c_str() : fs::path(name).parent_path().c_str(), W_OK) == 0;
 }
 
-// Where locks lie: they end with the person's session.
+// Where locks lie: they end with the person's session. Never none.
 std::vector<std::string> lock_folders()
 {
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
@@ -41,6 +41,19 @@ std::vector<std::string> lock_folders()
     if (folder && *folder)
         folders.insert(folders.begin(), folder);
     return folders;
+}
+
+// In the first of the folders that can hold one. Not locked: another process has it, or no folder can.
+std::unique_ptr<QLockFile> try_lock(const std::string& name)
+{
+    std::unique_ptr<QLockFile> lock;
+    for (const std::string& folder : lock_folders()) {
+        lock = std::make_unique<QLockFile>(QString::fromStdString(folder + name));
+        lock->setStaleLockTime(0);    // however long it works: only a process that is gone has left it
+        if (lock->tryLock() || lock->error() == QLockFile::LockFailedError)
+            break;
+    }
+    return lock;
 }
 
 }    // namespace
@@ -94,12 +107,7 @@ void kept_work::find_offers()
 // Another window goes on in the journal: its steps are not for the taking.
 bool kept_work::is_taken_elsewhere() const
 {
-    for (const std::string& folder : lock_folders())
-        if (QLockFile lock(QString::fromStdString(folder + lock_name())); !lock.tryLock())
-            return lock.error() == QLockFile::LockFailedError;
-        else
-            return false;
-    return false;
+    return !_lock && try_lock(lock_name())->error() == QLockFile::LockFailedError;
 }
 
 bool kept_work::take_up(std::size_t number)
@@ -163,14 +171,9 @@ bool kept_work::lock()
 {
     if (_lock)
         return true;
-    for (const std::string& folder : lock_folders()) {
-        _lock = std::make_unique<QLockFile>(QString::fromStdString(folder + lock_name()));
-        _lock->setStaleLockTime(0);    // however long it works: only a process that is gone has left it
-        if (_lock->tryLock())
-            return true;
-        if (_lock->error() == QLockFile::LockFailedError)
-            break;
-    }
+    _lock = try_lock(lock_name());
+    if (_lock->isLocked())
+        return true;
     const bool is_taken = _lock->error() == QLockFile::LockFailedError;
     _lock.reset();
     return go_without_journal(is_taken ? "another window works on it" : "no lock can be made");
