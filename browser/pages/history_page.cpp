@@ -28,7 +28,7 @@ QString entry_of(const kept_work::offer& offer)
 
 // ---- The list
 
-int StepList::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : _rows; }
+int StepList::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 1; }
 
 QVariant StepList::data(const QModelIndex& index, int role) const
 {
@@ -48,18 +48,7 @@ QVariant StepList::data(const QModelIndex& index, int role) const
 void StepList::update()
 {
     const edit_history& steps = _window.work().history();
-    const int rows = _window.has_rois() ? static_cast<int>(steps.end() - steps.first()) + 1 : 0;
-    if (rows > _rows) {
-        beginInsertRows({}, _rows, rows - 1);
-        _rows = rows;
-        endInsertRows();
-    } else if (rows < _rows) {
-        beginRemoveRows({}, rows, _rows - 1);
-        _rows = rows;
-        endRemoveRows();
-    }
-    if (_rows > 0)
-        emit dataChanged(index(0), index(_rows - 1));
+    set_rows(_window.has_rois() ? static_cast<int>(steps.end() - steps.first()) + 1 : 0);
 }
 
 // ---- The page
@@ -120,7 +109,7 @@ void HistoryPage::update_controls()
     const kept_work& work = _window.work();
     _steps.update();
     const std::size_t row = work.history().position() - work.history().first();
-    history->setCurrentIndex(_steps.index(static_cast<int>(row)));
+    history->setCurrentIndex(_steps.index(static_cast<int>(row), 0));
     undo->setEnabled(_window.can_undo());
     redo->setEnabled(_window.can_redo());
     save_all->setEnabled(_window.has_rois() && !_window.is_busy());

@@ -1,27 +1,26 @@
 // history_page.h - what was done to the recording, step by step; a click goes back to any of it.
 #pragma once
 #include "orvbrowser.h"
+#include "row_table.h"
 
-#include <QAbstractListModel>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
 #include <QTimer>
 
 // A row for the recording as it was opened, and one for each step.
-class StepList : public QAbstractListModel {
+class StepList : public RowTable {
     Q_OBJECT
 
 public:
     explicit StepList(const ORVBrowser& window) : _window(window) {}
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     void update();    // takes over what has changed
 
 private:
     const ORVBrowser& _window;
-    int _rows = 0;
 };
 
 class HistoryPage : public QWidget, private curation_observer {

@@ -1,5 +1,7 @@
 #include "lineage_page.h"
 
+#include "page_buttons.h"
+
 #include "busy_run.h"
 #include "export_dialog.h"
 #include "file_dialogs.h"
@@ -22,15 +24,7 @@ constexpr double default_shares[] = {nearest_rule().share, 0};
 constexpr int count_after_ms = 300;    // several changes are counted in one go
 constexpr int idle_look_ms = 450;      // two idle passes of the automatic split, and a little
 
-struct button_row {
-    QPushButton* LineagePage::*button;
-    const char* name;
-    const char* text;
-    QRect place;
-    const char* tip;
-};
-
-const button_row buttons[] = {
+const button_row<LineagePage> buttons[] = {
     {&LineagePage::make_units,
      "make_units",
      QT_TRANSLATE_NOOP("LineagePage", "Make units"),
@@ -146,14 +140,7 @@ LineagePage::~LineagePage() = default;
 
 void LineagePage::create_controls()
 {
-    for (const button_row& row : buttons) {
-        auto* const button = new QPushButton(tr(row.text), this);
-        button->setObjectName(row.name);
-        button->setGeometry(row.place);
-        button->setToolTip(tr(row.tip));
-        button->setFocusPolicy(Qt::NoFocus);
-        this->*row.button = button;
-    }
+    add_buttons(*this, buttons);
     auto_split->setCheckable(true);
 
     rule = new QComboBox(this);
@@ -242,7 +229,7 @@ void LineagePage::enable_controls()
 {
     const bool is_open = _window.isOpen();
     const bool is_busy = is_open && _window.is_waited_for();
-    for (const button_row& row : buttons)
+    for (const auto& row : buttons)
         (this->*row.button)->setEnabled(is_open && !is_busy);
     overlap->setEnabled(is_open && !is_busy);
     rule->setEnabled(is_open && !is_busy);

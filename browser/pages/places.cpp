@@ -1,6 +1,7 @@
 #include "places.h"
 
 #include "keygen.h"
+#include "unit_names.h"
 
 #include <QRegularExpression>
 #include <QSlider>
@@ -12,7 +13,6 @@ namespace {
 
 constexpr int stay_ms = 400;
 constexpr std::size_t most_places = 200;
-constexpr int per_time_point = 1000;    // numbers of units count up from so many times their time point
 
 }    // namespace
 
@@ -148,14 +148,6 @@ void Places::show_unit_at(const std::string& unit, const std::string& member)
     _marks.ring(unit);
 }
 
-std::optional<std::string> Places::unit_of_number(unsigned number)
-{
-    for (const std::string& unit : _window.units(static_cast<int>(number / per_time_point)))
-        if (_window.ID(unit) == number)
-            return unit;
-    return std::nullopt;
-}
-
 bool Places::go_to_typed(const std::string& text)
 {
     static const QRegularExpression numbers("^\\s*(\\d{1,8})(?:\\s+(\\d{1,4}))?\\s*$");
@@ -171,7 +163,7 @@ bool Places::go_to_typed(const std::string& text)
         go_to({match.captured(1).toInt(), match.captured(2).toInt()});
         return true;
     }
-    const auto unit = match.hasMatch() ? unit_of_number(match.captured(1).toUInt()) : std::nullopt;
+    const auto unit = match.hasMatch() ? unit_of_number(_window, match.captured(1).toUInt()) : std::nullopt;
     if (unit)
         show_unit(*unit);
     return unit.has_value();

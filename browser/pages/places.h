@@ -45,7 +45,6 @@ private:
     void recording_changed() override;
     [[nodiscard]] place here() const { return {_window.time_point(), _window.focal_plane()}; }
     [[nodiscard]] std::string middle_member(const std::string& unit);
-    [[nodiscard]] std::optional<std::string> unit_of_number(unsigned number);
     void show_unit_at(const std::string& unit, const std::string& member);
     void leave_for(std::vector<place>& from, std::vector<place>& to);
     void move(place there);

@@ -1,18 +1,12 @@
 #include "review_page.h"
 
+#include "page_buttons.h"
+
 #include <QGuiApplication>
 
 namespace {
 
-struct button_row {
-    QPushButton* ReviewPage::*button;
-    const char* name;
-    const char* text;
-    QRect place;
-    const char* tip;
-};
-
-const button_row buttons[] = {
+const button_row<ReviewPage> buttons[] = {
     {&ReviewPage::previous_finding,
      "previous_finding",
      QT_TRANSLATE_NOOP("ReviewPage", "Previous"),
@@ -101,14 +95,7 @@ ReviewPage::ReviewPage(ORVBrowser& window, CanvasView& view, ReviewWalk& walk)
 
 void ReviewPage::create_controls()
 {
-    for (const button_row& row : buttons) {
-        auto* const button = new QPushButton(tr(row.text), this);
-        button->setObjectName(row.name);
-        button->setGeometry(row.place);
-        button->setToolTip(tr(row.tip));
-        button->setFocusPolicy(Qt::NoFocus);
-        this->*row.button = button;
-    }
+    add_buttons(*this, buttons);
     const auto add_choice = [this](const char* name, QRect place) {
         auto* const choice = new QComboBox(this);
         choice->setObjectName(name);
@@ -190,7 +177,7 @@ void ReviewPage::recording_changed()
 void ReviewPage::enable_controls()
 {
     const bool is_open = _window.isOpen() && !_window.is_waited_for();
-    for (const button_row& row : buttons)
+    for (const auto& row : buttons)
         (this->*row.button)->setEnabled(is_open);
     accept->setEnabled(is_open && _walk.current());
     dismiss->setEnabled(is_open && _walk.current());

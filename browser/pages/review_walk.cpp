@@ -1,6 +1,5 @@
 #include "review_walk.h"
 
-#include "edit_scope.h"
 #include "keygen.h"
 #include "message_line.h"
 #include "places.h"
@@ -12,7 +11,6 @@ namespace {
 
 constexpr double step_of_cut = 1;    // pixel widths, for each press of a key
 
-// "Nothing to do" cannot be told from the outside by the one who looks for it: a cut can.
 bool is_cut(const finding& f)
 {
     return f.proposal == proposal_kind::cut || f.proposal == proposal_kind::cut_outline ||

@@ -1,5 +1,7 @@
 #include "view_page.h"
 
+#include "page_buttons.h"
+
 #include <QCoreApplication>
 #include <QLabel>
 #include <QSettings>
@@ -10,15 +12,7 @@
 
 namespace {
 
-struct button_row {
-    QPushButton* ViewPage::*button;
-    const char* name;
-    const char* text;
-    QRect place;
-    const char* tip;
-};
-
-const button_row buttons[] = {
+const button_row<ViewPage> buttons[] = {
     {&ViewPage::zoom_in,
      "zoom_in",
      QT_TRANSLATE_NOOP("ViewPage", "Zoom in"),
@@ -89,14 +83,13 @@ ViewPage::ViewPage(ORVBrowser& window, CanvasView& view, CanvasMarks& canvas_mar
 
 void ViewPage::enable_buttons()
 {
-    for (const button_row& row : buttons)
+    for (const auto& row : buttons)
         (this->*row.button)->setEnabled(_window.isOpen());
 }
 
 void ViewPage::create_buttons()
 {
-    for (const button_row& row : buttons)
-        this->*row.button = place(new QPushButton(tr(row.text), this), row.name, row.place, tr(row.tip));
+    add_buttons(*this, buttons);
     scale_bar = place(new QCheckBox(tr("Scale bar"), this), "scale_bar", {280, 4, 90, 26},
                       tr("A bar of so many micrometres in the lower right corner"));
     marks = place(new QCheckBox(tr("Marks"), this), "marks", {376, 4, 70, 26},

@@ -19,8 +19,6 @@ const char* const titles[column_count] = {
 
 FindingTable::FindingTable(ReviewWalk& walk) : _walk(walk) {}
 
-int FindingTable::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : _rows; }
-
 int FindingTable::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : column_count; }
 
 QVariant FindingTable::data(const QModelIndex& index, int role) const
@@ -53,21 +51,7 @@ QVariant FindingTable::headerData(int section, Qt::Orientation orientation, int 
                : QVariant();
 }
 
-void FindingTable::update()
-{
-    const int rows = static_cast<int>(_walk.listed().size());
-    if (rows > _rows) {
-        beginInsertRows({}, _rows, rows - 1);
-        _rows = rows;
-        endInsertRows();
-    } else if (rows < _rows) {
-        beginRemoveRows({}, rows, _rows - 1);
-        _rows = rows;
-        endRemoveRows();
-    }
-    if (_rows > 0)
-        emit dataChanged(index(0, 0), index(_rows - 1, column_count - 1));
-}
+void FindingTable::update() { set_rows(static_cast<int>(_walk.listed().size())); }
 
 WorkList::WorkList(ORVBrowser& window, ReviewWalk& walk)
     : QWidget(&window, Qt::Window), _window(window), _walk(walk), _table(walk), _view(new QTableView(this))

@@ -1,18 +1,17 @@
 // work_list.h - the findings as a list in a window of its own.
 #pragma once
 #include "review_walk.h"
+#include "row_table.h"
 
-#include <QAbstractTableModel>
 #include <QTableView>
 
 // A row for each finding that is listed, in the same order.
-class FindingTable : public QAbstractTableModel {
+class FindingTable : public RowTable {
     Q_OBJECT
 
 public:
     explicit FindingTable(ReviewWalk& walk);
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
@@ -21,7 +20,6 @@ public:
 
 private:
     ReviewWalk& _walk;
-    int _rows = 0;
 };
 
 class WorkList : public QWidget {

@@ -154,7 +154,8 @@ public:
     virtual set<string> units(int t);
     virtual int z_min(string unit);
     virtual int z_max(string unit);
-    virtual unsigned int ID(string a);
+    virtual unsigned int ID(string a);    // from so many times its time point on
+    static constexpr unsigned int numbers_per_time_point = 1000;
 
     // ---- Making units and links (making.cpp)
     // Makes units of the ROIs of time point t that are no false positives and in no unit that is spared; the

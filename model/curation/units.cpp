@@ -92,7 +92,6 @@ void curation::forget_missing_members()
 
 unsigned int curation::ID(string a)
 {
-    constexpr unsigned int per_time_point = 1000;
     // Outlives recordings: a key keeps its number for the rest of the program's run.
     static std::multimap<unsigned int, string> keys;
     constexpr std::size_t shortest_key = 9;    // that decode() takes; "N/A" counts at time point 0
@@ -101,7 +100,7 @@ unsigned int curation::ID(string a)
     unsigned int count = 0;
     for (auto entry = first; entry != last; ++entry, ++count)
         if (entry->second == a)
-            return t * per_time_point + count;
+            return t * numbers_per_time_point + count;
     keys.emplace(t, a);
-    return t * per_time_point + count;
+    return t * numbers_per_time_point + count;
 }

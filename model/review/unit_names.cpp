@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int per_time_point = 1000;    // numbers of units count up from so many times their time point
-
 bool has_names(const curation& model)
 {
     const auto first = model.notes().lower_bound("CALLED ");
@@ -75,7 +73,7 @@ std::map<std::string, std::string> all_namesakes(const curation& model)
     return namesakes;
 }
 
-std::optional<std::string> unit_of_number(curation& model, const std::string& text)
+std::optional<std::string> unit_of_typed_number(curation& model, const std::string& text)
 {
     constexpr std::size_t most_digits = 8;
     if (text.size() > most_digits)
@@ -84,13 +82,18 @@ std::optional<std::string> unit_of_number(curation& model, const std::string& te
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || end != text.data() + text.size())
         return std::nullopt;
-    for (const std::string& unit : model.units(static_cast<int>(number / per_time_point)))
+    return unit_of_number(model, number);
+}
+
+}    // namespace
+
+std::optional<std::string> unit_of_number(curation& model, unsigned number)
+{
+    for (const std::string& unit : model.units(static_cast<int>(number / curation::numbers_per_time_point)))
         if (model.ID(unit) == number)
             return unit;
     return std::nullopt;
 }
-
-}    // namespace
 
 std::string own_name(const curation& model, const std::string& unit)
 {
@@ -142,7 +145,7 @@ std::optional<std::string> find_unit(curation& model, const std::string& text)
 {
     if (const std::string unit = model.head(text); is_roi_key(text) && is_roi_key(unit))
         return unit;
-    if (const auto unit = unit_of_number(model, text))
+    if (const auto unit = unit_of_typed_number(model, text))
         return unit;
     std::optional<std::string> first;
     for (const auto& [unit, name] : names_of_all(model))

@@ -19,5 +19,8 @@
 // The same of all units that are called anything.
 [[nodiscard]] std::unordered_map<std::string, std::string> names_of_all(const curation& model);
 
+// The unit with this number, as ID() gives them.
+[[nodiscard]] std::optional<std::string> unit_of_number(curation& model, unsigned number);
+
 // The unit that a person means by a ROI key, a unit's number or a name; the earliest of several.
 [[nodiscard]] std::optional<std::string> find_unit(curation& model, const std::string& text);
