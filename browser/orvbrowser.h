@@ -153,6 +153,7 @@ public slots:
     void keyPressEvent(QKeyEvent* e) override;
     void wheelEvent(QWheelEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
+    void split_shown(const string& doubt);    // the same as the button does, with this unit
     void manualSplit(string doubt, set<string> ps, int x, int y, int z) override;    // orvbrowser_split.cpp
     void mouseMoveEvent(QMouseEvent* e) override;
 

@@ -96,6 +96,11 @@ const help_row quick_keys[] = {
                        "show where that nucleus would be cut in two; , and . move the cut, Return does it")},
     {"U", QT_TRANSLATE_NOOP("HelpWindow",
                             "remove the one link between the chosen nucleus and that of the next click")},
+    {"J",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "the chosen nucleus is missing for some time points: go to where it is seen again "
+                       "and click it. That the track ends and begins there is no error any more; the same "
+                       "again takes it back")},
     {"[ &nbsp; ]",
      QT_TRANSLATE_NOOP("HelpWindow",
                        "the parent, the larger child of the chosen nucleus becomes the chosen one")},

@@ -3,6 +3,7 @@
 #include "edit_scope.h"
 
 #include "keygen.h"
+#include "review_walk.h"
 #include "status_text.h"
 
 #include <QCoreApplication>
@@ -75,6 +76,22 @@ void QuickEdits::unlink(const std::string& key)
         _window.note_edited(unit);
     }
     _window.show_changes();
+}
+
+void QuickEdits::toggle_gap(const std::string& key)
+{
+    const std::string chosen = _window.chosen();
+    const std::string unit = _window.head(key);
+    if (!is_roi_key(unit)) {
+        _line.say(text_of_no_unit());
+        return;
+    }
+    if (ReviewWalk::of(_window)->toggle_gap(std::min(chosen, unit), std::max(chosen, unit)))
+        _window.show_changes();
+    else
+        _line.say(tr("There is no gap between time points %1 and %2.")
+                      .arg(decode(chosen).t())
+                      .arg(decode(unit).t()));
 }
 
 long QuickEdits::pixels_of(const std::string& unit)

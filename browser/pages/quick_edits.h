@@ -19,6 +19,10 @@ public:
     // Removes the one link between the chosen nucleus and the unit of a ROI.
     void unlink(const std::string& key);
 
+    // That the chosen nucleus and the unit of a ROI are one nucleus, not shown for some time points; where
+    // that was said already, that they are not.
+    void toggle_gap(const std::string& key);
+
     // The parent, or the larger child, of the chosen nucleus becomes the chosen one, and is shown.
     void step_along_track(bool to_child);
 

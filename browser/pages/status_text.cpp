@@ -33,6 +33,8 @@ const step_text step_texts[] = {
     {"Link", QT_TRANSLATE_NOOP("StatusText", "Linked %1 -> %2")},
     {"Unlink", QT_TRANSLATE_NOOP("StatusText", "Removed links: %1 %2")},
     {"Merge", QT_TRANSLATE_NOOP("StatusText", "Merged %1 and %2")},
+    {"Gap", QT_TRANSLATE_NOOP("StatusText", "%1 is seen again as %2")},
+    {"No gap", QT_TRANSLATE_NOOP("StatusText", "%1 is not seen again as %2")},
     {"Split", QT_TRANSLATE_NOOP("StatusText", "Split %1 %2")},
     {"Elite", QT_TRANSLATE_NOOP("StatusText", "Marked %1 as elite %2")},
     {"Not elite", QT_TRANSLATE_NOOP("StatusText", "%1 is not elite any more %2")},

@@ -44,8 +44,8 @@ bool WindowInput::take_key(QKeyEvent& e)
             _places.go_to_time_end(key == Qt::Key_Right);
         return true;
     }
-    if (_is_unlinking && arms_a_mode(key))
-        arm_unlinking(false);
+    if (arms_a_mode(key))
+        wait_for(click::nothing);
     explain_key(key);
     if (!_window.isOpen() || (e.modifiers() & command_modifiers))
         return false;
@@ -55,7 +55,8 @@ bool WindowInput::take_key(QKeyEvent& e)
         return true;
     if (e.isAutoRepeat())
         return false;
-    if (is_plain && !_is_unlinking && _window.armed_mode() == ORVBrowser::armed::none && review_takes(key))
+    if (is_plain && _waits_for == click::nothing && _window.armed_mode() == ORVBrowser::armed::none &&
+        review_takes(key))
         return true;
     return press_sign(key) || (is_plain && (press_once(key) || hold_key(key)));
 }
@@ -127,7 +128,10 @@ bool WindowInput::press_once(int key)
         _go_to->open();
         return true;
     case Qt::Key_U:
-        arm_unlinking(!_is_unlinking);
+        wait_for(_waits_for == click::unlink ? click::nothing : click::unlink);
+        return true;
+    case Qt::Key_J:
+        wait_for(_waits_for == click::gap ? click::nothing : click::gap);
         return true;
     case Qt::Key_Escape:
         cancel();
@@ -154,7 +158,7 @@ bool WindowInput::hold_key(int key)
 
 void WindowInput::cancel()
 {
-    arm_unlinking(false);
+    wait_for(click::nothing);
     if (_window.armed_mode() == ORVBrowser::armed::none)
         return;
     _window.disarm();
@@ -162,15 +166,18 @@ void WindowInput::cancel()
     _report.forget_mode();
 }
 
-void WindowInput::arm_unlinking(bool on)
+void WindowInput::wait_for(click what)
 {
+    if (what == _waits_for)
+        return;
+    const bool on = what != click::nothing;
     if (on && !_edits.has_chosen()) {
         _edits.say_none_is_chosen();
         return;
     }
     if (on && _window.armed_mode() != ORVBrowser::armed::none)
         _window.disarm();
-    _is_unlinking = on;
+    _waits_for = what;
     show_cursor();
 }
 
@@ -181,7 +188,7 @@ void WindowInput::show_cursor()
         _canvas->setCursor(Qt::ClosedHandCursor);
     else if (_is_space_held)
         _canvas->setCursor(Qt::OpenHandCursor);
-    else if (_is_unlinking)
+    else if (_waits_for != click::nothing)
         _canvas->setCursor(Qt::PointingHandCursor);
     else
         _canvas->unsetCursor();
@@ -308,15 +315,16 @@ bool WindowInput::take_grip(const QMouseEvent& e, QPoint at)
     return true;
 }
 
-// The one that U waits for, when no other does anything; those with modifiers, while no mode is armed.
+// The one that U or J waits for, when no other does anything; those with modifiers, while no mode is armed.
 bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
 {
     const auto modifiers = e.modifiers();
-    if (_is_unlinking) {
+    if (_waits_for != click::nothing) {
         if (e.button() != Qt::LeftButton || key.empty())
             return true;
-        arm_unlinking(false);
-        _edits.unlink(key);
+        const click awaited = _waits_for;
+        wait_for(click::nothing);
+        awaited == click::unlink ? _edits.unlink(key) : _edits.toggle_gap(key);
         return true;
     }
     if (key.empty() || _window.armed_mode() != ORVBrowser::armed::none)
@@ -355,16 +363,24 @@ void WindowInput::point_at(std::optional<QPoint> at)
 
 void WindowInput::input_begins() { _report.begins(); }
 
-void WindowInput::input_served()
+void WindowInput::input_served() { _report.served(text_of_wait()); }
+
+QString WindowInput::text_of_wait() const
 {
-    _report.served(_is_unlinking ? tr("Remove a link: click the nucleus that is linked to the chosen one. "
-                                      "Esc: cancel")
-                                 : QString());
+    switch (_waits_for) {
+    case click::unlink:
+        return tr("Remove a link: click the nucleus that is linked to the chosen one. Esc: cancel");
+    case click::gap:
+        return tr("Gap: go to where the chosen nucleus is seen again, and click it. Esc: cancel");
+    case click::nothing:
+        break;
+    }
+    return {};
 }
 
 void WindowInput::pointer_moved() { _report.pointer_moved(); }
 
-void WindowInput::recording_changed() { arm_unlinking(false); }
+void WindowInput::recording_changed() { wait_for(click::nothing); }
 
 void WindowInput::step_shows() { _places.settle(); }
 

@@ -38,6 +38,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* e) override;
 
 private:
+    // What the next click on a nucleus does with it and the chosen one, beside the window's own modes.
+    enum class click { nothing, unlink, gap };
+
     void recording_changed() override;
 
     [[nodiscard]] bool review_takes(int key);
@@ -45,9 +48,10 @@ private:
     [[nodiscard]] bool press_stepping_key(int key);
     [[nodiscard]] bool press_once(int key);
     [[nodiscard]] bool hold_key(int key);
+    [[nodiscard]] QString text_of_wait() const;
     void explain_key(int key);    // of the window's own table, when it will do nothing
     void cancel();
-    void arm_unlinking(bool on);
+    void wait_for(click what);
     void let_go(int key);
     void let_go_of_all();
     void end_panning();
@@ -69,7 +73,7 @@ private:
     const Observing _observing{_window, *this};
     bool _is_space_held = false;
     bool _is_panning = false;
-    bool _is_unlinking = false;
+    click _waits_for = click::nothing;
     QPoint _pan_from;
     int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
 };

@@ -42,7 +42,13 @@ bool curation::split_first_suspect()
         std::cout << "Doubt units: none" << std::endl;
         return false;
     }
-    const std::string doubt = *m_falsely_grouped_units_candidates.begin();
+    return split_suspect(std::string(*m_falsely_grouped_units_candidates.begin()));
+}
+
+bool curation::split_suspect(const string& doubt)
+{
+    if (m_linkage_multimap.count(doubt) < 2 || !has_rois())
+        return false;
     const MachineScope step(*this, "Repair", doubt);
     const LongRun run(*this);
     const unsigned long edits = m_edits;
