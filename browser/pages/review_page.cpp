@@ -78,6 +78,9 @@ const button_row<ReviewPage> buttons[] = {
          "The next unit without a parent after the first time point (with Shift: the one before)")},
 };
 
+constexpr int label_width = 250;    // pixels, beside the strip
+constexpr int page_width = 594;
+
 // What does not fit can be read when the pointer rests on it.
 void show_fitting(QLabel& label, const QString& text)
 {
@@ -133,11 +136,11 @@ void ReviewPage::create_controls()
         label->setFont(small);
         return label;
     };
-    finding = add_label("finding", {8, 60, 250, 18});
-    proposal = add_label("proposal", {8, 78, 250, 18});
-    remaining = add_label("remaining", {8, 98, 250, 18});
+    finding = add_label("finding", {8, 60, label_width, 18});
+    proposal = add_label("proposal", {8, 78, label_width, 18});
+    remaining = add_label("remaining", {8, 98, label_width, 18});
     _strip = new PartingStrip(this);
-    _strip->setGeometry(262, 61, 332, 57);
+    _strip->setGeometry(262, 61, page_width - 262, 57);
 }
 
 void ReviewPage::connect_controls()
@@ -247,6 +250,8 @@ void ReviewPage::update_controls()
         return;
     _walk.begin();
     const std::optional<::finding>& current = _walk.current();
+    for (QLabel* const label : {finding, proposal, remaining})    // where there is no strip it is theirs
+        label->resize(_walk.parting() ? label_width : page_width - label->x(), label->height());
     show_fitting(*finding, current ? QString::fromStdString(reason_of(*current)) : QString());
     show_fitting(*proposal, current ? QString::fromStdString(proposal_of(*current)) : QString());
     show_fitting(*remaining, text_of_counts());

@@ -175,7 +175,8 @@ void ReviewWalk::lead_to(const finding& f)
     lead_to_unit(_window, f.unit);
     if (f.proposal == proposal_kind::cut_outline || f.proposal == proposal_kind::cut_between)
         _window.setCurrentFocalPlane(f.plane);
-    const bool may_be_gap = f.kind == finding_kind::dead_end || f.kind == finding_kind::unlinked;
+    const bool may_be_gap = f.proposal == proposal_kind::none &&
+                            (f.kind == finding_kind::dead_end || f.kind == finding_kind::unlinked);
     say(QString::fromStdString(reason_of(f) + ". " + proposal_of(f)) + tr("? Return") +
         (may_be_gap ? tr("; seen again after a gap: J") : QString()));
 }
