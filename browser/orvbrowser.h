@@ -79,6 +79,7 @@ public:
     [[nodiscard]] int time_point() const noexcept { return m_time_point; }
     [[nodiscard]] int focal_plane() const noexcept { return m_focal_plane; }
     [[nodiscard]] QColor color_of(int state) const { return color[state]; }    // an OR of roi_colors.h
+    void split_shown(const string& doubt);           // the same as the button does, with this unit
     void change_info(const recording_info& info);    // sizes and focal planes of the recording, a step
     [[nodiscard]] bool is_waited_for() const noexcept { return m_busy_runs > 0; }
     void highlight(const string& unit);    // shows its ROIs as if the pointer were on them, until it moves
@@ -153,7 +154,6 @@ public slots:
     void keyPressEvent(QKeyEvent* e) override;
     void wheelEvent(QWheelEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
-    void split_shown(const string& doubt);    // the same as the button does, with this unit
     void manualSplit(string doubt, set<string> ps, int x, int y, int z) override;    // orvbrowser_split.cpp
     void mouseMoveEvent(QMouseEvent* e) override;
 

@@ -69,6 +69,12 @@ private slots:
         s.w.undo();
         QCOMPARE(s.w.links(), before);
         QTRY_VERIFY(s.page->remaining->text().startsWith("2 open"));
+        s.w.press(Qt::Key_N);    // what is on view may go: it has no place to be drawn at
+        s.w.set_false_positives(s.w.member(s.unit(140, 2)), true);
+        s.w.pushButton_drop_false_positive_clicked();
+        (void)s.w.seen();
+        s.w.press(Qt::Key_Return);
+        QVERIFY2(s.w.said().startsWith("Cannot be done any more"), qPrintable(s.w.said()));
     }
 
     void whatIsNoErrorIsNotListedAgain()
