@@ -33,6 +33,7 @@ const step_text step_texts[] = {
     {"Link", QT_TRANSLATE_NOOP("StatusText", "Linked %1 -> %2")},
     {"Unlink", QT_TRANSLATE_NOOP("StatusText", "Removed links: %1 %2")},
     {"Merge", QT_TRANSLATE_NOOP("StatusText", "Merged %1 and %2")},
+    {"Swap", QT_TRANSLATE_NOOP("StatusText", "%1 and %2 have changed parents")},
     {"Gap", QT_TRANSLATE_NOOP("StatusText", "%1 is seen again as %2")},
     {"No gap", QT_TRANSLATE_NOOP("StatusText", "%1 is not seen again as %2")},
     {"Split", QT_TRANSLATE_NOOP("StatusText", "Split %1 %2")},

@@ -20,7 +20,7 @@ WindowInput::WindowInput(ORVBrowser& window, CanvasView& view, CanvasMarks& mark
                          MessageLine& line)
     : QObject(&window), _window(window), _canvas(window.frame_canvas), _view(view), _marks(marks),
       _places(places), _line(line), _report(window, line), _edits(window, places, line),
-      _go_to(new GoToField(window, places))
+      _click(window, _edits), _go_to(new GoToField(window, places))
 {
     window.set_further_input(this);
     qApp->installEventFilter(this);    // keys may come from the tree, and clicks go to any control
@@ -45,7 +45,7 @@ bool WindowInput::take_key(QKeyEvent& e)
         return true;
     }
     if (arms_a_mode(key))
-        wait_for(click::nothing);
+        put_away_click();
     explain_key(key);
     if (!_window.isOpen() || (e.modifiers() & command_modifiers))
         return false;
@@ -55,7 +55,7 @@ bool WindowInput::take_key(QKeyEvent& e)
         return true;
     if (e.isAutoRepeat())
         return false;
-    if (is_plain && _waits_for == click::nothing && _window.armed_mode() == ORVBrowser::armed::none &&
+    if (is_plain && !_click.is_armed() && _window.armed_mode() == ORVBrowser::armed::none &&
         review_takes(key))
         return true;
     return press_sign(key) || (is_plain && (press_once(key) || hold_key(key)));
@@ -127,18 +127,15 @@ bool WindowInput::press_once(int key)
     case Qt::Key_G:
         _go_to->open();
         return true;
-    case Qt::Key_U:
-        wait_for(_waits_for == click::unlink ? click::nothing : click::unlink);
-        return true;
-    case Qt::Key_J:
-        wait_for(_waits_for == click::gap ? click::nothing : click::gap);
-        return true;
     case Qt::Key_Escape:
         cancel();
         return true;
     default:
-        return false;
+        break;
     }
+    const bool is_taken = _click.take_key(key);
+    show_cursor();
+    return is_taken;
 }
 
 bool WindowInput::hold_key(int key)
@@ -158,7 +155,7 @@ bool WindowInput::hold_key(int key)
 
 void WindowInput::cancel()
 {
-    wait_for(click::nothing);
+    put_away_click();
     if (_window.armed_mode() == ORVBrowser::armed::none)
         return;
     _window.disarm();
@@ -166,18 +163,9 @@ void WindowInput::cancel()
     _report.forget_mode();
 }
 
-void WindowInput::wait_for(click what)
+void WindowInput::put_away_click()
 {
-    if (what == _waits_for)
-        return;
-    const bool on = what != click::nothing;
-    if (on && !_edits.has_chosen()) {
-        _edits.say_none_is_chosen();
-        return;
-    }
-    if (on && _window.armed_mode() != ORVBrowser::armed::none)
-        _window.disarm();
-    _waits_for = what;
+    _click.put_away();
     show_cursor();
 }
 
@@ -188,7 +176,7 @@ void WindowInput::show_cursor()
         _canvas->setCursor(Qt::ClosedHandCursor);
     else if (_is_space_held)
         _canvas->setCursor(Qt::OpenHandCursor);
-    else if (_waits_for != click::nothing)
+    else if (_click.is_armed())
         _canvas->setCursor(Qt::PointingHandCursor);
     else
         _canvas->unsetCursor();
@@ -315,16 +303,15 @@ bool WindowInput::take_grip(const QMouseEvent& e, QPoint at)
     return true;
 }
 
-// The one that U or J waits for, when no other does anything; those with modifiers, while no mode is armed.
+// The one that is waited for, when no other does anything; those with modifiers, while no mode is armed.
 bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
 {
     const auto modifiers = e.modifiers();
-    if (_waits_for != click::nothing) {
+    if (_click.is_armed()) {
         if (e.button() != Qt::LeftButton || key.empty())
             return true;
-        const click awaited = _waits_for;
-        wait_for(click::nothing);
-        awaited == click::unlink ? _edits.unlink(key) : _edits.toggle_gap(key);
+        _click.take_click(key);
+        show_cursor();
         return true;
     }
     if (key.empty() || _window.armed_mode() != ORVBrowser::armed::none)
@@ -333,9 +320,10 @@ bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
         _edits.toggle_unit(key, modifiers & Qt::ControlModifier);
         return true;
     }
-    if (e.button() != Qt::LeftButton || modifiers != Qt::ControlModifier)
+    if (e.button() != Qt::LeftButton || !(modifiers & Qt::ControlModifier) ||
+        (modifiers & ~(Qt::ControlModifier | Qt::ShiftModifier)))
         return false;
-    _edits.choose(key);
+    modifiers& Qt::ShiftModifier ? _edits.toggle_link(key) : _edits.choose(key);
     return true;
 }
 
@@ -363,24 +351,11 @@ void WindowInput::point_at(std::optional<QPoint> at)
 
 void WindowInput::input_begins() { _report.begins(); }
 
-void WindowInput::input_served() { _report.served(text_of_wait()); }
-
-QString WindowInput::text_of_wait() const
-{
-    switch (_waits_for) {
-    case click::unlink:
-        return tr("Remove a link: click the nucleus that is linked to the chosen one. Esc: cancel");
-    case click::gap:
-        return tr("Gap: go to where the chosen nucleus is seen again, and click it. Esc: cancel");
-    case click::nothing:
-        break;
-    }
-    return {};
-}
+void WindowInput::input_served() { _report.served(_click.text()); }
 
 void WindowInput::pointer_moved() { _report.pointer_moved(); }
 
-void WindowInput::recording_changed() { wait_for(click::nothing); }
+void WindowInput::recording_changed() { put_away_click(); }
 
 void WindowInput::step_shows() { _places.settle(); }
 

@@ -3,6 +3,7 @@
 // New keys act without modifiers, but for those that a keyboard needs to produce a sign, once for each press,
 // but for steps, and never in a field.
 #pragma once
+#include "awaited_click.h"
 #include "canvas_view.h"
 #include "further_input.h"
 #include "go_to_field.h"
@@ -38,9 +39,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* e) override;
 
 private:
-    // What the next click on a nucleus does with it and the chosen one, beside the window's own modes.
-    enum class click { nothing, unlink, gap };
-
     void recording_changed() override;
 
     [[nodiscard]] bool review_takes(int key);
@@ -48,10 +46,9 @@ private:
     [[nodiscard]] bool press_stepping_key(int key);
     [[nodiscard]] bool press_once(int key);
     [[nodiscard]] bool hold_key(int key);
-    [[nodiscard]] QString text_of_wait() const;
     void explain_key(int key);    // of the window's own table, when it will do nothing
     void cancel();
-    void wait_for(click what);
+    void put_away_click();
     void let_go(int key);
     void let_go_of_all();
     void end_panning();
@@ -69,11 +66,11 @@ private:
     MessageLine& _line;
     InputReport _report;
     QuickEdits _edits;
+    AwaitedClick _click;
     GoToField* _go_to;    // the window's
     const Observing _observing{_window, *this};
     bool _is_space_held = false;
     bool _is_panning = false;
-    click _waits_for = click::nothing;
     QPoint _pan_from;
     int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
 };

@@ -202,7 +202,7 @@ private:
 
     void press_any_key()
     {
-        static const std::string letters = "ACDEFLMRSTWXZQ7 GHUJ[]+-01NPIVK,.";
+        static const std::string letters = "ACDEFLMRSTWXZQ7 GHUJO[]+-01NPIVK,.";
         const int other = chance(0.8) ? Qt::Key_Home + below(8) : Qt::Key_Escape + below(11);
         press(chance(0.5) ? any_of(letters) : other, chance(0.8) ? 0 : below(16) * Qt::ShiftModifier,
               chance(0.3) ? QApplication::focusWidget() : nullptr);
