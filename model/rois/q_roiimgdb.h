@@ -22,8 +22,9 @@ public:
     // The mapped raster of r, made on first use. Making one drops those more than three time points away.
     q_roiimg* qrimg(const roi& r);
 
-    // Makes those of all these ROIs, in as many threads as the machine runs at once.
-    void make(const std::vector<const roi*>& rois);
+    // The mapped rasters of ROIs of one time point, in their order; makes those that are missing in as many
+    // threads as the machine runs at once.
+    std::vector<q_roiimg*> qrimgs(const std::vector<const roi*>& rois);
 
     // The ROIs of plane (t, z), for a walk; shared by all walks over this plane until ROIs come or go.
     [[nodiscard]] std::shared_ptr<plane_rois> plane(const roidb_plus& roidb, int t, int z);
