@@ -68,7 +68,8 @@ void curation::remove_roi(const string& key)
 // An ROI that is in a unit already stays there, as far as it knows.
 void curation::enter_member(const string& unit, const string& key)
 {
-    m_head_members.emplace_hint(m_head_members.end(), unit, key);    // there without a search, if it is the last
+    m_head_members.emplace_hint(m_head_members.end(), unit,
+                                key);    // there without a search, if it is the last
     const bool is_new = m_members_head.emplace(key, unit).second;
     if (edit_step* const step = noted()) {
         step->add(change_kind::unit, unit, key);

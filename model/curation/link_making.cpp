@@ -116,10 +116,10 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
         _before = units_at(t - 1);
         (void)_linker.link(rasters_of(_before, t - 1));
         _has_begun = true;
-    } else if (_releases != _model.m_q_roiimgdb->releases()) {
+    } else if (_releases != _model.m_q_roiimgdb->releases(t - 1)) {
         _linker.give_again(rasters_of(_before, t - 1));
     }
-    _releases = _model.m_q_roiimgdb->releases();
+    _releases = _model.m_q_roiimgdb->releases(t);
     std::vector<std::string> heads = units_at(t);
     const auto found = _linker.link(
         rasters_of(heads, t), [&run] { return run.poll_events(); }, kept(t, heads));

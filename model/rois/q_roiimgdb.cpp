@@ -93,13 +93,25 @@ void q_roiimgdb::remove(pos4i pos)
     _planes.erase({pos.t(), pos.z()});    // it still knows the raster
 }
 
-void q_roiimgdb::release_dropped() noexcept
+void q_roiimgdb::release_dropped()
 {
     if (_dropped.empty())
         return;
+    std::optional<int> counted;
+    for (const auto& raster : _dropped) {
+        if (counted == raster->t())    // they leave by time points
+            continue;
+        counted = raster->t();
+        ++_releases[raster->t()];
+    }
     _dropped.clear();
-    ++_releases;
     _planes.clear();    // they may point to rasters that are gone
+}
+
+unsigned long q_roiimgdb::releases(int t) const
+{
+    const auto found = _releases.find(t);
+    return found == _releases.end() ? 0 : found->second;
 }
 
 void q_roiimgdb::remove_after(int t)

@@ -47,10 +47,10 @@ public:
 
     // Frees the dropped rasters.
     // REQUIRES: nobody holds a pointer to one of them, or walks over a plane
-    void release_dropped() noexcept;
+    void release_dropped();
 
-    // Changes whenever rasters are freed.
-    [[nodiscard]] unsigned long releases() const noexcept { return _releases; }
+    // Changes whenever rasters of time point t are freed.
+    [[nodiscard]] unsigned long releases(int t) const;
 
     std::map<std::string, q_roiimg*> db;    // ROI key to raster
 
@@ -64,7 +64,7 @@ private:
     // The time point of the raster made last, and how many there were then: none of them lies far from it.
     std::optional<int> _kept_around;
     std::size_t _kept = 0;
-    unsigned long _releases = 0;
+    std::map<int, unsigned long> _releases;    // of rasters, by time point
     std::vector<std::unique_ptr<q_roiimg>> _dropped;
     std::map<std::pair<int, int>, std::shared_ptr<plane_rois>> _planes;    // by time point and focal plane
 };
