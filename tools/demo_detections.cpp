@@ -224,13 +224,13 @@ private:
     }
 
     // Nothing when the truth is to have none.
-    [[nodiscard]] std::vector<roi> parts_of(const slice& a, const slice& b)
+    [[nodiscard]] std::vector<demo_part> parts_of(const slice& a, const slice& b)
     {
-        std::vector<roi> parts;
+        std::vector<demo_part> parts;
         if (_options.crowding.truth_of_parts)
             for (const slice* const s : {&a, &b})
                 if (const auto region = largest_region(*s))
-                    parts.push_back(outline_of(*region));
+                    parts.push_back({s->label, outline_of(*region)});
         return parts;
     }
 
