@@ -46,7 +46,7 @@ struct slice {
 std::optional<slice> cut(const demo_nucleus& n, int z)
 {
     const double height = n.half_height();
-    const double dz = z * plane_step - n.centre.z();
+    const double dz = z * focal_plane_step - n.centre.z();
     const double w = dz / height;
     if (std::abs(w) >= 1)
         return {};
