@@ -147,7 +147,7 @@ void curation::manualSplit(string doubt, set<string> ps, int x, int y, int z)
     const pos3d E_g1 = E_g(*ps.begin());
     const pos3d E_g2 = E_g(*std::next(ps.begin()));
     const pos3d E_normal = (E_g1 - E_g2) / (E_g1 - E_g2).size();
-    const pos3d E_m(x, y, z * m_info.scale.plane_um / m_info.scale.pixel_um);
+    const pos3d E_m(x, y, m_info.scale.in_pixels(z));
     std::cout << " E_normal: (" << print_with_commas(E_normal) << ")" << std::endl;
     std::cout << "      E_m: (" << print_with_commas(E_m) << ")" << std::endl;
     if (const auto halves = cut_unit(doubt, E_normal, E_m, manual_search_width)) {
