@@ -37,6 +37,8 @@ void ORVBrowser::pushButton_split_clicked()
 
 void ORVBrowser::split_shown(const string& doubt)
 {
+    if (!can_process_events())
+        return;
     BusyRun run(*this);
     split_suspect(doubt);
     if (run.alive())

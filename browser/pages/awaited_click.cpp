@@ -42,7 +42,12 @@ bool AwaitedClick::take_key(int key)
 
 void AwaitedClick::take_click(const std::string& roi)
 {
-    switch (std::exchange(_what, kind::nothing)) {
+    const kind what = std::exchange(_what, kind::nothing);
+    if (!_edits.has_chosen()) {    // an edit may have taken it meanwhile
+        _edits.say_none_is_chosen();
+        return;
+    }
+    switch (what) {
     case kind::unlink:
         return _edits.unlink(roi);
     case kind::gap:

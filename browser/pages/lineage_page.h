@@ -68,6 +68,7 @@ private:
     void make_all_units();
     void make_all_links();
     void toggle_elite();
+    [[nodiscard]] std::string first_suspect(const std::set<std::string>& left_alone);
     void split_shown();
     void toggle_auto_split(bool on);
     void warn_of_first_time_point();
@@ -89,8 +90,7 @@ private:
     QTimer _count_soon;    // runs while the numbers are out of date
     std::map<int, tally> _tallies;
     bool _stop_asked = false;
-    unsigned long _edits_at_last_look = 0;    // while the automatic split works
-    int _splits = 0;                          // of this run of it
+    int _splits = 0;    // of this run of the automatic split
     int _merges = 0;
     QPointer<TreeWindow> _tree_window;
     QPointer<HelpWindow> _help_window;

@@ -12,6 +12,9 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <string>
 #include <utility>
 
 // Runs step() for the time points from `first` to the last, and lets events be processed in between.
@@ -49,15 +52,18 @@ bool LineagePage::ask_about_units(making& how)
         return true;
     making_counts counts;
     const QPointer<LineagePage> self(this);
+    std::map<spared, std::set<std::string>> gone_before;
     const bool is_counted = run_over_time(_window.min_time_point(), [&](int t) {
-        counts.now += _window.units(t).size();
+        counts.now += _window.heads_at(t).size();
         for (const auto& [spares, count] : {std::pair(spared::nothing, &counts.all_anew),
                                             {spared::what_is, &counts.only_free},
                                             {spared::touched, &counts.untouched}}) {
-            const auto after = _window.units_after_making(t, {how.rule, how.share, spares});
-            if (!self)    // a handler deleted the window
+            auto after = _window.units_after_making(t, {how.rule, how.share, spares});
+            if (!self || !after)    // a handler deleted the window, or closed the recording
                 return;
-            *count += after.value_or(0);
+            count->after += after->number;
+            count->links_gone += _window.links_of(gone_before[spares], after->gone, t);
+            gone_before[spares] = std::move(after->gone);
         }
     });
     if (!self || !is_counted)
@@ -81,7 +87,7 @@ bool LineagePage::ask_about_links(making& how)
                                         {spared::touched, &counts.untouched}}) {
         link_making links(_window, {how.rule, how.share, spares});
         is_counted = run_over_time(_window.min_time_point() + 1,
-                                   [&, to = count](int t) { *to += links.count(t).value_or(0); });
+                                   [&, to = count](int t) { to->after += links.count(t).value_or(0); });
         if (!is_counted || !self)    // the window may be gone
             return false;
     }

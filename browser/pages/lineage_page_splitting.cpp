@@ -1,26 +1,34 @@
 // The buttons "Split" and "Auto split": which unit, what to know before, and what has become of it.
+#include "busy_run.h"
 #include "keygen.h"
 #include "lineage_page.h"
 #include "message_line.h"
 #include "review_walk.h"
 
 #include <algorithm>
-#include <utility>
+#include <set>
+#include <string>
 
-namespace {
-
-constexpr int idle_look_ms = 450;    // two idle passes of the automatic split, and a little
-
-}    // namespace
+// A doubtful unit that is no false positive and not among those left alone; "" when there is none.
+std::string LineagePage::first_suspect(const std::set<std::string>& left_alone)
+{
+    _window.search_doubt_units();
+    for (const std::string& unit : _window.doubtful())
+        if (!_window.is_false(unit) && !left_alone.contains(unit))
+            return unit;
+    return {};
+}
 
 // Of the nucleus that was gone to, or chosen; where that is not doubtful, the first that is.
 void LineagePage::split_shown()
 {
     const std::string chosen = _window.chosen();
-    if (_window.links().count(chosen) > 1 && decode(chosen).t() == _window.time_point())
-        _window.split_shown(chosen);
-    else
-        _window.pushButton_split_clicked();
+    const bool is_on_view = _window.links().count(chosen) > 1 && decode(chosen).t() == _window.time_point();
+    const std::string unit = is_on_view ? chosen : first_suspect({});
+    if (!unit.empty())
+        _window.split_shown(unit);
+    else if (MessageLine* const line = MessageLine::of(_window))
+        line->say(tr("No unit is doubtful"));
 }
 
 // Parents without elite ancestors count as one nucleus: all that follows rests on the first time point.
@@ -51,25 +59,29 @@ void LineagePage::toggle_auto_split(bool on)
         QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
 }
 
-// The window goes on looking for work until the switch is off: that is done once a pass has found none.
+// Until none is left that anything can be done for, or the switch is off.
 void LineagePage::split_all()
 {
-    if (!auto_split->isChecked() ||
-        _window.is_running())    // a loop that is going on reads the switch itself
+    if (!auto_split->isChecked() || _window.is_running())
         return;
     const QPointer<LineagePage> self(this);
     _splits = _merges = 0;
-    _edits_at_last_look = _window.edits();
-    QTimer look;
-    connect(&look, &QTimer::timeout, this, [this] {
-        if (std::exchange(_edits_at_last_look, _window.edits()) == _window.edits())
-            auto_split->setChecked(false);
-    });
-    look.start(idle_look_ms);
-    _window.pushButton_split_clicked();
+    {
+        BusyRun run(_window);
+        std::set<std::string> left_alone;
+        for (std::string unit; auto_split->isChecked() && !(unit = first_suspect(left_alone)).empty();) {
+            const unsigned long before = _window.edits();
+            _window.split_shown(unit);
+            if (!run.alive() || !run.process_events())
+                break;
+            run.checkpoint();
+            if (_window.edits() == before)
+                left_alone.insert(unit);
+        }
+    }
     if (!self)
         return;
-    auto_split->setChecked(false);    // the window may have ended the loop itself
+    auto_split->setChecked(false);
     tell_splits();
 }
 

@@ -10,12 +10,13 @@ namespace {
 
 QString tr(const char* text) { return QCoreApplication::translate("LineagePage", text); }
 
-// "1,655 units -> 1,412"
-QString change(const making_counts& counts, const QString& what, std::size_t after)
+// "1,655 units -> 1,412; 268 links go"
+QString change(const making_counts& counts, const QString& what, const making_counts::outcome& outcome)
 {
     const QLocale locale(QLocale::English);
-    return QString("%1 %2 -> %3")
-        .arg(locale.toString(qulonglong(counts.now)), what, locale.toString(qulonglong(after)));
+    const auto number = [&locale](std::size_t n) { return locale.toString(qulonglong(n)); };
+    const QString units = QString("%1 %2 -> %3").arg(number(counts.now), what, number(outcome.after));
+    return outcome.links_gone > 0 ? units + tr("; %1 links go").arg(number(outcome.links_gone)) : units;
 }
 
 }    // namespace
@@ -29,7 +30,8 @@ std::optional<spared> ask_what_to_spare(QWidget* parent, const QString& caption,
     box->setText(tr("All anew: %1\n%2: %3\nUntouched: %4")
                      .arg(change(counts, what, counts.all_anew), only, change(counts, what, counts.only_free),
                           change(counts, what, counts.untouched)));
-    box->setInformativeText(tr("\"Untouched\" spares what you have made, changed or marked as elite."));
+    box->setInformativeText(
+        tr("\"Untouched\" spares what you have made, changed, named, reviewed or marked as elite."));
     QAbstractButton* const anew = box->addButton(tr("All anew"), QMessageBox::AcceptRole);
     QPushButton* const free = box->addButton(only, QMessageBox::AcceptRole);
     QAbstractButton* const untouched = box->addButton(tr("Untouched"), QMessageBox::AcceptRole);

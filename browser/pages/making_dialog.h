@@ -9,10 +9,14 @@
 
 // How many there are, and would be.
 struct making_counts {
+    struct outcome {
+        std::size_t after = 0;
+        std::size_t links_gone = 0;    // those of units that go
+    };
     std::size_t now = 0;
-    std::size_t all_anew = 0;
-    std::size_t only_free = 0;
-    std::size_t untouched = 0;
+    outcome all_anew;
+    outcome only_free;
+    outcome untouched;
 };
 
 // "All anew", "Only ..." or "Untouched"; nothing for Cancel. `what`: "units" or "links".

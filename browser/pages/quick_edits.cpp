@@ -96,8 +96,11 @@ void QuickEdits::swap_parents(const std::string& key)
             _window.link(parent, chosen);
         for (const std::string& parent : of_chosen)
             _window.link(parent, unit);
-        _window.note_edited(chosen);
-        _window.note_edited(unit);
+        std::set<std::string> all{chosen, unit};
+        all.insert(of_chosen.begin(), of_chosen.end());
+        all.insert(of_unit.begin(), of_unit.end());
+        for (const std::string& each : all)
+            _window.note_edited(each);
     }
     _window.show_changes();
 }

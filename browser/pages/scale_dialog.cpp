@@ -5,6 +5,7 @@
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QPointer>
 
 namespace {
@@ -26,9 +27,20 @@ public:
         add_plane(_first, "first_plane", tr("First focal plane"), planes.first);
         add_plane(_last, "last_plane", tr("Last focal plane"), planes.last);
         auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+        _form.addRow(&_fault);
         _form.addRow(buttons);
-        connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+        connect(buttons, &QDialogButtonBox::accepted, this, &ScaleDialog::accept);
         connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    }
+
+    // Only planes in ascending order are taken.
+    void accept() override
+    {
+        if (_first.field->value() <= _last.field->value())
+            return QDialog::accept();
+        _fault.setText(tr("The last focal plane lies below the first"));
+        _last.field->setFocus();
+        _last.field->selectAll();
     }
 
     // As it was but for the fields that a person has changed: a field may show less than a file holds.
@@ -43,8 +55,7 @@ public:
             info.interval_s =
                 _interval.field->value() > 0 ? std::optional(_interval.field->value()) : std::nullopt;
         if (_first.is_changed() || _last.is_changed())
-            info.focal_planes =
-                key_range{_first.field->value(), std::max(_first.field->value(), _last.field->value())};
+            info.focal_planes = key_range{_first.field->value(), _last.field->value()};
         return info;
     }
 
@@ -84,6 +95,7 @@ private:
 
     const recording_info _info;
     QFormLayout& _form = *new QFormLayout(this);
+    QLabel& _fault = *new QLabel;    // why it is not taken
     input<QDoubleSpinBox> _pixel, _plane, _interval;
     input<QSpinBox> _first, _last;
 };

@@ -121,7 +121,7 @@ public:
     // Names a nucleus; "" takes its name away. False, one line and nothing changed when it is no unit, or
     // this is no name (is_unit_name()).
     bool call(const string& unit, const string& name);
-    [[nodiscard]] bool is_touched(const string& unit);    // so noted, or elite
+    [[nodiscard]] bool is_touched(const string& unit);    // so noted, reviewed, named, or elite
     void set_elite(const set<string>& units, bool on);
     void choose(const string& unit);    // "": no nucleus
     void select_all(int t);             // but for false positives
@@ -152,6 +152,8 @@ public:
     virtual string head(string key);    // "N/A" for an ROI in no unit
     virtual set<string> member(string key);
     virtual set<string> units(int t);
+    [[nodiscard]] set<string>
+    heads_at(int t) const;    // the same, that at x = 0, y = 0 on plane 0 among them
     virtual int z_min(string unit);
     virtual int z_max(string unit);
     virtual unsigned int ID(string a);    // from so many times its time point on
@@ -163,7 +165,9 @@ public:
     void make_units(int t, const making& how);
     void make_units(int t, double overlap);    // by overlap, of the ROIs in no unit
     // How many units time point t would have then; nothing when the recording was closed meanwhile.
-    [[nodiscard]] std::optional<std::size_t> units_after_making(int t, const making& how);
+    [[nodiscard]] std::optional<units_made> units_after_making(int t, const making& how);
+    // Links into time point t of units that go there, or one time point earlier.
+    [[nodiscard]] std::size_t links_of(const set<string>& gone_before, const set<string>& gone, int t) const;
 
     // ---- Lineage (lineage.cpp)
     virtual set<string> parents(string key);
@@ -289,14 +293,9 @@ private:
     void forget_lineage();
     void forget_unit(const string& unit);
     void register_unit(const string& unit, const set<string>& members);
-    struct key_group {
-        string named;    // the ROI that names the unit
-        set<string> members;
-    };
-    using key_groups = std::vector<key_group>;
     [[nodiscard]] bool is_spared(const string& key, spared spares);
     [[nodiscard]] bool may_be_grouped(const string& key, spared spares);
-    [[nodiscard]] set<string> units_to_make_anew(int t, spared spares);
+    [[nodiscard]] std::optional<making_plan> plan_units(int t, const making& how);
     [[nodiscard]] std::optional<key_groups> groups_at(int t, const making& how);
     [[nodiscard]] std::optional<key_groups> groups_by_nearest(int t, const making& how);
     [[nodiscard]] std::optional<key_groups> groups_by_overlap(int t, const making& how);

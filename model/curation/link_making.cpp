@@ -77,6 +77,7 @@ std::vector<std::string> link_making::units_at(int t) const
     return {units.begin(), units.end()};
 }
 
+// Without false positives: a unit of these alone has no pixels, and gets no links.
 // REQUIRES: units of time point t, in the order of their heads
 std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>& units, int t) const
 {
@@ -93,7 +94,8 @@ std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>
             ++entry;
         for (; entry != last && entry->first == unit; ++entry) {
             const auto found = std::ranges::lower_bound(rois, entry->second, {}, key_of);
-            if (found != rois.end() && (*found)->first == entry->second)
+            if (found != rois.end() && (*found)->first == entry->second &&
+                !_model.m_removed_roi_set.contains(entry->second))
                 members.push_back(&(*found)->second);
         }
         ends.push_back(members.size());

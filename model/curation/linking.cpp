@@ -51,13 +51,13 @@ public:
     // Nothing when that was ended.
     [[nodiscard]] std::optional<std::vector<unit_link>> run()
     {
-        if (!link_nearest())
+        // The drift of all, whatever is kept: made again, links are the same ones.
+        if (!link_nearest({}))
             return std::nullopt;
-        if (_links >= _rule.enough) {
+        if (_links >= _rule.enough)
             _shift = drift();
-            if (!link_nearest())
-                return std::nullopt;
-        }
+        if (!link_nearest(_kept))
+            return std::nullopt;
         if (!add_divisions())
             return std::nullopt;
         std::vector<bool> is_kept(_now.size());
@@ -90,7 +90,8 @@ private:
     }
 
     // All pairs within `reach`, the nearest first; nothing when that was ended.
-    [[nodiscard]] std::optional<std::vector<near_pair>> pairs_within(double reach) const
+    [[nodiscard]] std::optional<std::vector<near_pair>> pairs_within(double reach,
+                                                                     const kept_links& kept) const
     {
         std::vector<near_pair> pairs;
         const bool done =
@@ -98,7 +99,7 @@ private:
                               [&](std::size_t p, std::size_t c) {
                                   const double apart = (_before[p].centre + _shift - _now[c].centre).size();
                                   const double distance = apart / (_before[p].radius + _now[c].radius);
-                                  if (distance <= reach && _kept.may_be_linked(p, c))
+                                  if (distance <= reach && kept.may_be_linked(p, c))
                                       pairs.push_back({distance, p, c});
                               });
         if (!done)
@@ -107,18 +108,18 @@ private:
         return pairs;
     }
 
-    [[nodiscard]] bool link_nearest()
+    [[nodiscard]] bool link_nearest(const kept_links& kept)
     {
-        const auto pairs = pairs_within(_rule.reach);
+        const auto pairs = pairs_within(_rule.reach, kept);
         if (!pairs)
             return false;
         _parent.assign(_now.size(), none);
         _child.assign(_before.size(), none);
-        for (const unit_link& l : _kept.links) {
+        for (const unit_link& l : kept.links) {
             _parent[l.child] = l.parent;
             _child[l.parent] = l.child;
         }
-        _links = _kept.links.size();
+        _links = kept.links.size();
         for (const near_pair& pair : *pairs)
             if (_child[pair.parent] == none && _parent[pair.child] == none) {
                 _child[pair.parent] = pair.child;
@@ -172,7 +173,7 @@ private:
 
     [[nodiscard]] bool add_divisions()
     {
-        auto pairs = pairs_within(_rule.far);
+        auto pairs = pairs_within(_rule.far, _kept);
         if (!pairs)
             return false;
         std::ranges::stable_sort(*pairs, {}, &near_pair::parent);

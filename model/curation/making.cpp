@@ -10,7 +10,7 @@
 
 bool curation::is_touched(const string& unit)
 {
-    return isElite(unit) || m_unit_notes.contains("EDITED " + unit);
+    return is_reviewed(unit) || m_unit_notes.contains("EDITED " + unit) || is_called(unit);
 }
 
 // Whether making leaves the unit of this ROI, if it is in one, as it is.
@@ -48,12 +48,12 @@ void curation::make_units(int t, const making& how)
             state->model->m_auto_make_units = false;
     });
     const std::pair before(m_roidb->revision(), m_edits);
-    std::optional<key_groups> groups = groups_at(t, how);
-    if (!groups)
+    std::optional<making_plan> plan = plan_units(t, how);
+    if (!plan)
         return;
     const bool was_edited = before != std::pair(m_roidb->revision(), m_edits);
-    dissolve(units_to_make_anew(t, how.spares), t);
-    for (auto& [named, members] : *groups) {
+    dissolve(plan->gone, t);
+    for (auto& [named, members] : plan->come) {
         if (was_edited)
             std::erase_if(members, [&](const string& key) {    // a handler may have taken it
                 return m_members_head.contains(key) || !m_roidb->db.contains(key);
@@ -63,28 +63,45 @@ void curation::make_units(int t, const making& how)
     }
 }
 
-std::optional<std::size_t> curation::units_after_making(int t, const making& how)
+std::optional<units_made> curation::units_after_making(int t, const making& how)
 {
-    const std::optional<key_groups> groups = has_rois() ? groups_at(t, how) : std::nullopt;
-    if (!groups)
+    const std::optional<making_plan> plan = has_rois() ? plan_units(t, how) : std::nullopt;
+    if (!plan)
         return std::nullopt;
-    return units(t).size() - units_to_make_anew(t, how.spares).size() + groups->size();
+    return units_made{heads_at(t).size() - plan->gone.size() + plan->come.size(), plan->gone};
 }
 
-std::set<std::string> curation::units_to_make_anew(int t, spared spares)
+std::size_t curation::links_of(const set<string>& gone_before, const set<string>& gone, int t) const
 {
-    set<string> found = spares == spared::what_is ? set<string>() : units(t);
-    std::erase_if(found, [&](const string& unit) { return is_spared(unit, spares); });
-    return found;
+    const auto [first, last] = at_time_point(m_linkage_multimap, t);
+    return static_cast<std::size_t>(std::count_if(first, last, [&](const auto& link) {
+        return gone.contains(link.first) || gone_before.contains(link.second);
+    }));
+}
+
+std::optional<making_plan> curation::plan_units(int t, const making& how)
+{
+    std::optional<key_groups> groups = groups_at(t, how);
+    if (!groups)
+        return std::nullopt;
+    set<string> gone;
+    if (how.spares != spared::what_is)
+        gone = heads_at(t);
+    std::erase_if(gone, [&](const string& unit) { return is_spared(unit, how.spares); });
+    std::erase_if(*groups, [&](const key_group& group) {
+        return gone.contains(group.named) && member(group.named) == group.members &&
+               gone.erase(group.named) > 0;
+    });
+    return making_plan{std::move(gone), std::move(*groups)};
 }
 
 // The ROIs that belong together; nothing when the recording was closed meanwhile.
-std::optional<curation::key_groups> curation::groups_at(int t, const making& how)
+std::optional<key_groups> curation::groups_at(int t, const making& how)
 {
     return how.rule == unit_rule::nearest ? groups_by_nearest(t, how) : groups_by_overlap(t, how);
 }
 
-std::optional<curation::key_groups> curation::groups_by_nearest(int t, const making& how)
+std::optional<key_groups> curation::groups_by_nearest(int t, const making& how)
 {
     LongRun run(*this);
     std::vector<string> keys;
@@ -113,7 +130,7 @@ std::optional<curation::key_groups> curation::groups_by_nearest(int t, const mak
 
 // Plane by plane from the lowest, each ROI takes in those on neighbouring planes that share enough with it,
 // and so on.
-std::optional<curation::key_groups> curation::groups_by_overlap(int t, const making& how)
+std::optional<key_groups> curation::groups_by_overlap(int t, const making& how)
 {
     LongRun run(*this);
     key_groups groups;

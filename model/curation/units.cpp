@@ -14,14 +14,20 @@ std::string curation::head(string key)
 
 std::set<std::string> curation::member(string key) { return values_of(m_head_members, key); }
 
-// A head at x = 0, y = 0 on plane 0 is not listed: its key is the time key itself.
-std::set<std::string> curation::units(int t)
+std::set<std::string> curation::heads_at(int t) const
 {
     set<string> heads;
     const auto [first, last] = at_time_point(m_head_members, t);
     for (auto entry = first; entry != last; ++entry)
-        if (entry->first != time_key(t))
-            heads.insert(heads.end(), entry->first);
+        heads.insert(heads.end(), entry->first);
+    return heads;
+}
+
+// A head at x = 0, y = 0 on plane 0 is not listed: its key is the time key itself.
+std::set<std::string> curation::units(int t)
+{
+    set<string> heads = heads_at(t);
+    heads.erase(time_key(t));
     return heads;
 }
 

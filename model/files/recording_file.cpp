@@ -17,7 +17,7 @@ constexpr int last_place = 999;    // what keys have room for
 constexpr int largest_side = 65535;
 constexpr double largest_step = 1000;       // micrometres; the smallest is the inverse
 constexpr double longest_interval = 1e6;    // seconds; likewise
-constexpr std::size_t longest_file = 1 << 16;
+constexpr std::size_t longest_file = 1 << 20;
 
 // Each take_ function leaves `value` alone when there is no such member; false when it is none of its kind.
 bool take_positive(const QJsonObject& from, const char* name, double most, double& value)
@@ -82,8 +82,6 @@ std::string further_in(QJsonObject object)
 // What is wrong with the text, or nothing.
 const char* parse(const std::string& text, recording_info& info)
 {
-    if (text.size() > longest_file)
-        return "too long for what describes a recording";
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(text));
     if (!document.isObject())
         return "no JSON object";
@@ -138,7 +136,8 @@ recording_info read_recording_file(const std::string& filename)
         return {};
     }
     recording_info info;
-    const char* const fault = parse(text, info);
+    const bool is_too_long = text.size() > longest_file;
+    const char* const fault = is_too_long ? "too long for what describes a recording" : parse(text, info);
     if (!fault)
         return info;
     error_line(filename, ": ", fault);
@@ -167,7 +166,12 @@ std::string recording_text(const recording_info& info)
         object["time_points"] = QJsonArray{info.time_points->first, info.time_points->last};
     if (info.image_size)
         object["image_size"] = QJsonArray{info.image_size->width, info.image_size->height};
-    return QJsonDocument(object).toJson().toStdString();
+    const QByteArray text = QJsonDocument(object).toJson();
+    // With much of other programs in it, as short as it was read.
+    return (text.size() <= static_cast<qsizetype>(longest_file)
+                ? text
+                : QJsonDocument(object).toJson(QJsonDocument::Compact))
+        .toStdString();
 }
 
 bool write_recording_file(const std::string& filename, const recording_info& info)
