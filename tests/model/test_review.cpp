@@ -4,6 +4,7 @@
 #include "demo_files.h"
 #include "demo_presets.h"
 #include "edit_scope.h"
+#include "following_tree.h"
 #include "keygen.h"
 #include "link_making.h"
 #include "review.h"
@@ -128,7 +129,8 @@ public:
         case 12:
             return decide();
         case 13:
-            return decide_of(proposal_kind::link);
+            return pick(2) == 0 ? (void)_model.call(a, pick(3) == 0 ? "" : "AB")
+                                : decide_of(proposal_kind::link);
         case 14:
             return (void)_model.work.redo();
         default:
@@ -184,9 +186,14 @@ TEST_F(review_of_a_recording, follows_every_edit_undo_and_redo_to_the_entry)
     for (unsigned seed = 1; seed <= 50; ++seed) {
         open(seed);
         editor e(model, all, seed);
+        following_tree tree(model);
         for (int i = 0; i < edits_of_a_seed; ++i) {
+            for (int slices = i % 16; slices > 0 && tree.advance(0); --slices)
+                continue;    // the edit comes in the middle
             e.edit();
             all.finish();
+            tree.finish();
+            ASSERT_EQ(tree.tree(), make_tree(model, "")) << "seed " << seed << " edit " << i;
             review anew(model);
             anew.finish();
             ASSERT_EQ(copied(all), copied(anew)) << "seed " << seed << " edit " << i;
