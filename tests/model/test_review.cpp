@@ -1,6 +1,7 @@
 // The review of a whole recording: the list that follows the curation, and what a person decides.
 #include "../support/curation_probe.h"
 #include "../support/temp_folder.h"
+#include "../support/units.h"
 #include "demo_files.h"
 #include "demo_presets.h"
 #include "edit_scope.h"
@@ -36,6 +37,31 @@ std::unique_ptr<roidb_plus> small_demo(std::uint64_t seed)
     return rois;
 }
 
+struct written_nuclei {
+    std::unique_ptr<roidb_plus> m_roidb = std::make_unique<roidb_plus>("written");
+    std::vector<std::vector<std::string>> units;    // their members; the first names them
+};
+
+// Blocks of very different sizes, beside each other rather than within: what lies near matters, and how large
+// the others are.
+constexpr std::size_t scattered_at_once = 7;
+
+written_nuclei scattered(unsigned seed)
+{
+    std::mt19937 random(seed);
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    written_nuclei made;
+    for (int t = 0; t < 5; ++t)
+        for (int i = 0; i < static_cast<int>(scattered_at_once); ++i) {
+            const int size = 2 + below(4) * below(3);
+            const pos4i at(5 + 6 * i + below(6), 5 + below(20), 5 + below(2), t);
+            std::vector<std::string>& members = made.units.emplace_back();
+            for (int plane = size > 3 ? below(3) : 0; plane >= 0; --plane)
+                members.push_back(put_roi(made, {at.x(), at.y(), at.z() + plane, t}, size, size));
+        }
+    return made;
+}
+
 class review_of_a_recording : public testing::Test {
 protected:
     review_of_a_recording() : _cout(std::cout.rdbuf(nullptr)) {}
@@ -45,6 +71,25 @@ protected:
     {
         model.open_rois(small_demo(seed));
         make();
+        all.finish();
+    }
+
+    // The heads of its units.
+    std::vector<std::string> open(written_nuclei made)
+    {
+        model.open_rois(std::move(made.m_roidb));
+        std::vector<std::string> heads;
+        for (const auto& members : made.units)
+            heads.push_back(put_unit(model, members));
+        return heads;
+    }
+
+    void open_scattered(unsigned seed)
+    {
+        const auto units = open(scattered(seed));
+        for (std::size_t i = scattered_at_once; i < units.size(); ++i)
+            if ((i * seed) % 4 > 0)
+                model.link(units[i], units[i - scattered_at_once]);
         all.finish();
     }
 
@@ -115,6 +160,7 @@ public:
         case 5:
             return _model.set_reviewed(a, pick(2) == 0);
         case 6:
+            _model.set_false_positives({r}, true);
             return _model.drop_false_positives();
         case 7:
             return _model.make_units(static_cast<int>(pick(4)), making{.spares = spared::touched});
@@ -183,8 +229,8 @@ TEST_F(review_of_a_recording, follows_every_edit_undo_and_redo_to_the_entry)
 {
     constexpr int edits_of_a_seed = 100;
     int listed = 0;
-    for (unsigned seed = 1; seed <= 50; ++seed) {
-        open(seed);
+    for (unsigned seed = 1; seed <= 90; ++seed) {
+        seed % 3 == 0 ? open(seed) : open_scattered(seed);
         editor e(model, all, seed);
         following_tree tree(model);
         for (int i = 0; i < edits_of_a_seed; ++i) {
@@ -203,6 +249,56 @@ TEST_F(review_of_a_recording, follows_every_edit_undo_and_redo_to_the_entry)
         }
     }
     EXPECT_GT(listed, 2000) << "there was something to compare";
+}
+
+struct block {
+    int t, x, size, planes;
+    int lowest = 5;
+    int further_x = 0;    // of one more ROI on the next plane, not 0
+};
+
+// Where nothing but this leads from what is changed to the unit whose finding is another then.
+TEST_F(review_of_a_recording, follows_what_a_finding_looks_at_from_afar)
+{
+    const struct {
+        const char* why;
+        std::vector<block> blocks;
+        std::vector<std::pair<std::size_t, std::size_t>> links;    // parent, child
+        std::size_t changed;                                       // loses its last ROI
+        std::size_t looking;
+    } cases[] = {
+        {"a sister's place", {{0, 40, 12, 3}, {1, 36, 6, 1, 5, 90}, {1, 50, 6, 2}}, {{0, 1}}, 1, 2},
+        {"the other half of a nucleus", {{0, 40, 10, 4}, {1, 40, 10, 2}, {1, 40, 10, 2, 7}}, {}, 2, 1},
+        {"the median volume, less one unit",
+         {{0, 10, 2, 1}, {1, 10, 2, 1}, {0, 40, 3, 1}, {0, 70, 10, 3}},
+         {{0, 1}},
+         2,
+         0},
+    };
+    for (const auto& c : cases) {
+        written_nuclei made;
+        for (const block& b : c.blocks) {
+            std::vector<std::string>& members = made.units.emplace_back();
+            for (int plane = 0; plane < b.planes; ++plane)
+                members.push_back(put_roi(made, {b.x, 40, b.lowest + plane, b.t}, b.size, b.size));
+            if (b.further_x > 0)
+                members.push_back(put_roi(made, {b.further_x, 40, b.lowest + b.planes, b.t}, b.size, b.size));
+        }
+        const std::string goes = made.units[c.changed].back();
+        const auto units = open(std::move(made));
+        for (const auto& [parent, child] : c.links)
+            model.link(units[child], units[parent]);
+        all.finish();
+        const auto before = all.all_of(units[c.looking]);
+        model.set_false_positives({goes}, true);
+        model.drop_false_positives();
+        EXPECT_NE(all.all_of(units[c.looking]), before) << c.why;
+        review anew(model);
+        anew.finish();
+        EXPECT_EQ(copied(all), copied(anew)) << c.why;
+        ASSERT_TRUE(model.work.undo() && model.work.undo());
+        EXPECT_EQ(all.all_of(units[c.looking]), before) << c.why << ", and back";
+    }
 }
 
 TEST_F(review_of_a_recording, takes_each_accepted_proposal_as_one_step_that_loses_no_roi)
