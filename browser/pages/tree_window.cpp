@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr int follow_after_ms = 20;              // several changes in one go
+constexpr int follow_after_ms = 10;              // several changes in one go
 constexpr int follow_long_run_after_ms = 200;    // which has better things to do
 constexpr int button_height = 26;
 constexpr int drag_distance = 4;            // pixels; a shorter way is a click
@@ -124,10 +124,9 @@ void TreeWindow::follow()
     _kept.show_lineage_of(unit);
     for (QWidget* control : std::initializer_list<QWidget*>{save_svg, save_png, save_newick, fit, find})
         control->setEnabled(_window.isOpen());
-    if (_kept.is_current())
-        follow_chosen();
-    else
-        make_slice();
+    if (!_kept.is_current())
+        return make_slice();
+    follow_chosen();
     update();
 }
 
