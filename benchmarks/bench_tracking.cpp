@@ -116,9 +116,12 @@ std::vector<comparison> tracking_comparisons(const bench_data& data)
         *reached = window->m_fwd_roi_set;
         return seconds;
     };
-    const auto make_units = [window, units] {
+    const auto forget_units = [window] {
         window->m_head_members.clear();
         window->m_members_head.clear();
+    };
+    const auto make_units = [window, units, forget_units] {
+        forget_units();
         const double seconds = seconds_of([&] { window->make_units(); });
         *units = window->m_head_members;
         return seconds;
@@ -128,6 +131,21 @@ std::vector<comparison> tracking_comparisons(const bench_data& data)
             (void)make_units();
         window->m_linkage_multimap.clear();
         return seconds_of([&] { window->make_links(); });
+    };
+    // By the other rule: whoever comes next finds no units.
+    const auto make_units_by_nearest = [window, forget_units] {
+        forget_units();
+        const double seconds = seconds_of([&] { window->make_units_by_nearest(); });
+        forget_units();
+        return seconds;
+    };
+    const auto make_links_by_nearest = [window, forget_units] {
+        forget_units();
+        window->make_units_by_nearest();
+        window->m_linkage_multimap.clear();
+        const double seconds = seconds_of([&] { window->make_links_by_nearest(); });
+        forget_units();
+        return seconds;
     };
     const auto track_floor = [rasters, reached, track] {
         if (reached->empty())
@@ -165,5 +183,7 @@ std::vector<comparison> tracking_comparisons(const bench_data& data)
         {"forward tracking, large recording", "the same overlap tests", 2, "ROI", rois, track, track_floor},
         {"make units, large recording", "the same overlap tests", 2, "ROI", rois, make_units, units_floor},
         {"make links, large recording", "the same overlap tests", 2, "ROI", rois, make_links, links_floor},
+        {"make units by the nearest", "the rasters", 2, "ROI", rois, make_units_by_nearest, map_all},
+        {"make links by the nearest", "the rasters", 2, "ROI", rois, make_links_by_nearest, map_all},
         {"make rasters", "writing the bytes of the masks", 2, "pixel", rasters->pixels, map_all, map_floor}};
 }

@@ -1,5 +1,6 @@
 // bench_window.h - the window with its state readable, for the benchmarks.
 #pragma once
+#include "link_making.h"
 #include "orvbrowser.h"
 
 #include <iostream>
@@ -24,6 +25,19 @@ public:
     {
         for (int t = m_min_time_point + 1; t <= m_max_time_point; ++t)
             makeLinkage(t);
+    }
+
+    void make_units_by_nearest()
+    {
+        for (int t = m_min_time_point; t <= m_max_time_point; ++t)
+            curation::make_units(t, making());
+    }
+
+    void make_links_by_nearest()
+    {
+        link_making links(*this, making());
+        for (int t = m_min_time_point + 1; t <= m_max_time_point; ++t)
+            (void)links.step(t);
     }
 
     void track_forward()

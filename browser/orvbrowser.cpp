@@ -60,8 +60,8 @@ void ORVBrowser::init()
 
     setMinTimePoint(0);
     setMaxTimePoint(150);
-    setMinFocalPlane(0);
-    setMaxFocalPlane(55);
+    setMinFocalPlane(default_focal_planes.first);
+    setMaxFocalPlane(default_focal_planes.last);
     m_cache_time = 10;
     setDataset(m_dataset);
     setMouseTracking(true);

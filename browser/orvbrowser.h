@@ -79,6 +79,8 @@ public:
     [[nodiscard]] int time_point() const noexcept { return m_time_point; }
     [[nodiscard]] int focal_plane() const noexcept { return m_focal_plane; }
     [[nodiscard]] QColor color_of(int state) const { return color[state]; }    // an OR of roi_colors.h
+    void link_by_hand(const string& a, const string& b);                       // and notes both as edited
+    void split_shown(const string& doubt);           // the same as the button does, with this unit
     void change_info(const recording_info& info);    // sizes and focal planes of the recording, a step
     [[nodiscard]] bool is_waited_for() const noexcept { return m_busy_runs > 0; }
     void highlight(const string& unit);    // shows its ROIs as if the pointer were on them, until it moves
@@ -310,7 +312,6 @@ private:
     void press_canvas(const QMouseEvent& e);
     void end_input();
     void click_in_lineage_modes(const string& key);
-    void link_by_hand(const string& a, const string& b);
     void mark_roi(const string& key, Qt::MouseButton button);
     void click_in_split_mode(const string& key, bool left, QPoint at);
     void click_in_merge_mode(const string& key);

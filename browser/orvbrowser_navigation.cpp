@@ -211,6 +211,8 @@ void ORVBrowser::build_q_roiimgdb()
 void ORVBrowser::pushButton_read_clicked()
 {
     const QPointer<ORVBrowser> self(this);
+    take_info({});    // the focal planes that another recording has told would bound what is read
+    take_focal_planes();
     read_common();
     build_roidb();
     if (!self || !m_roidb)    // a handler closed it again

@@ -35,6 +35,14 @@ void ORVBrowser::pushButton_split_clicked()
         finish();
 }
 
+void ORVBrowser::split_shown(const string& doubt)
+{
+    BusyRun run(*this);
+    split_suspect(doubt);
+    if (run.alive())
+        finish();
+}
+
 // Nothing is left to do but for events, which may bring work or end the run: they are waited for
 // without burning a core. False when the run has ended.
 bool ORVBrowser::wait_while_auto_split(LongRun& run)

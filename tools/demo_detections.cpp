@@ -46,7 +46,7 @@ struct slice {
 std::optional<slice> cut(const demo_nucleus& n, int z)
 {
     const double height = n.half_height();
-    const double dz = z * plane_step - n.centre.z();
+    const double dz = z * focal_plane_step - n.centre.z();
     const double w = dz / height;
     if (std::abs(w) >= 1)
         return {};
@@ -224,13 +224,13 @@ private:
     }
 
     // Nothing when the truth is to have none.
-    [[nodiscard]] std::vector<roi> parts_of(const slice& a, const slice& b)
+    [[nodiscard]] std::vector<demo_part> parts_of(const slice& a, const slice& b)
     {
-        std::vector<roi> parts;
+        std::vector<demo_part> parts;
         if (_options.crowding.truth_of_parts)
             for (const slice* const s : {&a, &b})
                 if (const auto region = largest_region(*s))
-                    parts.push_back(outline_of(*region));
+                    parts.push_back({s->label, outline_of(*region)});
         return parts;
     }
 

@@ -1,17 +1,15 @@
 // demo_embryo.h - a growing embryo: nuclei that move, divide and touch.
 //
 // Positions and lengths are in pixel widths, all three axes alike; one focal
-// plane is plane_step pixel widths deep. Everything follows from the options and
+// plane is focal_plane_step pixel widths deep (physical_scale.h). Everything follows from the options and
 // their seed.
 #pragma once
 #include "ORV_pos.h"
+#include "physical_scale.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-// Focal planes are 0.5 um apart, pixels are 0.105 um wide.
-constexpr double plane_step = 100.0 / 21.0;
 
 // How closely the nuclei live together, and how hard that makes them to tell apart. Lengths in radii.
 struct demo_crowding {

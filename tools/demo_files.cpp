@@ -96,11 +96,9 @@ private:
 std::string part_lines(const demo_detection& d)
 {
     std::string text;
-    for (std::size_t i = 0; i < d.parts.size(); ++i) {
-        const roi& part = d.parts[i];
-        text += "PART " + roidb::keygen(d.outline) + ' ' + std::to_string(i == 0 ? d.label : d.other) + ' ' +
+    for (const auto& [label, part] : d.parts)
+        text += "PART " + roidb::keygen(d.outline) + ' ' + std::to_string(label) + ' ' +
                 std::to_string(part.x()) + ' ' + std::to_string(part.y()) + ' ' + part.outline() + '\n';
-    }
     return text;
 }
 

@@ -94,7 +94,7 @@ std::vector<unsigned char> demo_painter::paint(int t, int z) const
 void demo_painter::add_haze(std::vector<float>& light, int z) const
 {
     const demo_space space = space_of(_options);
-    const double dz = (z * plane_step - space.centre.z()) / (1.15 * space.semi_axes.z());
+    const double dz = (z * focal_plane_step - space.centre.z()) / (1.15 * space.semi_axes.z());
     float* pixel = light.data();
     for (int y = 0; y < _options.height; ++y) {
         const double dy = (y - space.centre.y()) / (1.1 * space.semi_axes.y());
@@ -110,7 +110,7 @@ void demo_painter::add_haze(std::vector<float>& light, int z) const
 
 void demo_painter::add_nucleus(std::vector<float>& light, const demo_nucleus& n, int z) const
 {
-    const double dz = z * plane_step - n.centre.z();
+    const double dz = z * focal_plane_step - n.centre.z();
     demo_nucleus blurred = n;
     blurred.rz = std::hypot(n.rz, blur_z);
     if (std::abs(dz) >= reach * blurred.half_height())

@@ -19,8 +19,8 @@ double demo_nucleus::half_height() const noexcept
 
 demo_space space_of(const demo_options& options) noexcept
 {
-    const pos3d size(options.width, options.height, options.planes * plane_step);
-    const pos3d centre = (size - pos3d(1, 1, plane_step)) / 2;
+    const pos3d size(options.width, options.height, options.planes * focal_plane_step);
+    const pos3d centre = (size - pos3d(1, 1, focal_plane_step)) / 2;
     // A stack of a few planes shows a slice of an embryo, not a flat one.
     return {centre, {0.45 * size.x(), 0.45 * size.y(), 0.45 * std::max(size.z(), 0.25 * size.x())}};
 }

@@ -94,8 +94,9 @@ void paint_finding(QPainter& painter, ORVBrowser& window, const view_transform& 
             paint_unit(painter, window, view, other);
     }
     const bool is_about_link = f.proposal == proposal_kind::link || f.proposal == proposal_kind::unlink;
+    const auto& units = window.head_members();    // an edit may have taken away what is on view
     for (const std::string& other : f.with) {
-        if (!is_about_link || !is_roi_key(other) || !is_roi_key(f.unit))
+        if (!is_about_link || !units.contains(other) || !units.contains(f.unit))
             continue;
         const bool is_later = decode(other).t() > decode(f.unit).t();
         const QPointF from = view.screen_point(middle_of(window, is_later ? f.unit : other));

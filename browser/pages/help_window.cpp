@@ -81,6 +81,8 @@ const help_row view_keys[] = {
 const help_row quick_keys[] = {
     {QT_TRANSLATE_NOOP("HelpWindow", "Ctrl + left click"),
      QT_TRANSLATE_NOOP("HelpWindow", "choose a nucleus, without L before it")},
+    {QT_TRANSLATE_NOOP("HelpWindow", "Ctrl + Shift + left click"),
+     QT_TRANSLATE_NOOP("HelpWindow", "link a nucleus to the chosen one, or remove the link that there is")},
     {QT_TRANSLATE_NOOP("HelpWindow", "Shift + right click"),
      QT_TRANSLATE_NOOP("HelpWindow",
                        "mark the whole unit as false positive, or unmark it; with Ctrl too, and all its "
@@ -96,6 +98,14 @@ const help_row quick_keys[] = {
                        "show where that nucleus would be cut in two; , and . move the cut, Return does it")},
     {"U", QT_TRANSLATE_NOOP("HelpWindow",
                             "remove the one link between the chosen nucleus and that of the next click")},
+    {"O", QT_TRANSLATE_NOOP("HelpWindow",
+                            "swapped tracks: the chosen nucleus and that of the next click, of the same time "
+                            "point, change parents")},
+    {"J",
+     QT_TRANSLATE_NOOP("HelpWindow",
+                       "the chosen nucleus is missing for some time points: go to where it is seen again "
+                       "and click it. That the track ends and begins there is no error any more; the same "
+                       "again takes it back")},
     {"[ &nbsp; ]",
      QT_TRANSLATE_NOOP("HelpWindow",
                        "the parent, the larger child of the chosen nucleus becomes the chosen one")},

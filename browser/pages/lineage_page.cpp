@@ -22,7 +22,6 @@ namespace {
 // By unit_rule: these give the best units on recordings whose truth is known (docs/units.md).
 constexpr double default_shares[] = {nearest_rule().share, 0};
 constexpr int count_after_ms = 300;    // several changes are counted in one go
-constexpr int idle_look_ms = 450;      // two idle passes of the automatic split, and a little
 
 const button_row<LineagePage> buttons[] = {
     {&LineagePage::make_units,
@@ -186,7 +185,7 @@ void LineagePage::connect_controls()
             [this](int chosen) { overlap->setValue(default_shares[chosen]); });
     connect(scale, &QPushButton::clicked, this, [this] { edit_scale(_window); });
     connect(elite, &QPushButton::clicked, this, &LineagePage::toggle_elite);
-    connect(split, &QPushButton::clicked, window, &ORVBrowser::pushButton_split_clicked);
+    connect(split, &QPushButton::clicked, this, &LineagePage::split_shown);
     connect(auto_split, &QPushButton::toggled, this, &LineagePage::toggle_auto_split);
     connect(read_lineage_file, &QPushButton::clicked, this, &LineagePage::read_file);
     connect(save_lineage_file, &QPushButton::clicked, this, &LineagePage::save_file);
@@ -276,57 +275,6 @@ void LineagePage::toggle_elite()
     });
     _window.set_elite(units, !all_are);
     _window.show_changes();
-}
-
-// The passes begin once the switch itself is done: what goes on meanwhile may delete it.
-void LineagePage::toggle_auto_split(bool on)
-{
-    _window.pushButton_auto_split_toggled(on);
-    if (on)
-        QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
-}
-
-// The window goes on looking for work until the switch is off: that is done once a pass has found none.
-void LineagePage::split_all()
-{
-    if (!auto_split->isChecked() ||
-        _window.is_running())    // a loop that is going on reads the switch itself
-        return;
-    const QPointer<LineagePage> self(this);
-    _splits = _merges = 0;
-    _edits_at_last_look = _window.edits();
-    QTimer look;
-    connect(&look, &QTimer::timeout, this, [this] {
-        if (std::exchange(_edits_at_last_look, _window.edits()) == _window.edits())
-            auto_split->setChecked(false);
-    });
-    look.start(idle_look_ms);
-    _window.pushButton_split_clicked();
-    if (!self)
-        return;
-    auto_split->setChecked(false);    // the window may have ended the loop itself
-    tell_splits();
-}
-
-// What a pass of the automatic split has done, from its step.
-void LineagePage::step_ended(edit_step& step)
-{
-    if (!auto_split->isChecked() || !step.title().starts_with("Repair "))
-        return;
-    const bool has_cut = step.concerns(kept_in::rois);
-    _splits += has_cut;
-    _merges += !has_cut && step.changes().find("+unit ") != std::string::npos;
-}
-
-void LineagePage::tell_splits()
-{
-    if (!_window.isOpen())
-        return;
-    _window.search_doubt_units();
-    std::set<std::string> left = _window.doubtful();
-    std::erase_if(left, [this](const std::string& unit) { return _window.is_false(unit); });
-    if (MessageLine* const line = MessageLine::of(_window))
-        line->say(tr("%1 split, %2 merged, %3 left").arg(_splits).arg(_merges).arg(left.size()));
 }
 
 void LineagePage::read_file()

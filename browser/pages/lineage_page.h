@@ -68,7 +68,9 @@ private:
     void make_all_units();
     void make_all_links();
     void toggle_elite();
+    void split_shown();
     void toggle_auto_split(bool on);
+    void warn_of_first_time_point();
     void split_all();
     void tell_splits();
     void read_file();

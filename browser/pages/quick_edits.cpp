@@ -3,6 +3,7 @@
 #include "edit_scope.h"
 
 #include "keygen.h"
+#include "review_walk.h"
 #include "status_text.h"
 
 #include <QCoreApplication>
@@ -56,12 +57,57 @@ void QuickEdits::choose(const std::string& key)
     _line.say(text_of_choice(_window, unit));
 }
 
+bool QuickEdits::are_linked(const std::string& a, const std::string& b)
+{
+    return _window.parents(a).contains(b) || _window.parents(b).contains(a);
+}
+
+void QuickEdits::toggle_link(const std::string& key)
+{
+    const std::string chosen = _window.chosen();
+    const std::string unit = _window.head(key);
+    if (are_linked(chosen, unit))
+        return unlink(key);
+    const unsigned long before = _window.edits();
+    if (is_roi_key(unit) && has_chosen())
+        _window.link_by_hand(chosen, unit);
+    if (_window.edits() != before)
+        _window.show_changes();
+    else
+        _line.say(text_of_refusal(_window, ORVBrowser::armed::add, unit));
+}
+
+void QuickEdits::swap_parents(const std::string& key)
+{
+    const std::string chosen = _window.chosen();
+    const std::string unit = _window.head(key);
+    const auto of_chosen = _window.parents(chosen);
+    const auto of_unit = _window.parents(unit);
+    if (!is_roi_key(unit) || of_chosen == of_unit || decode(unit).t() != decode(chosen).t()) {
+        _line.say(
+            tr("Only two nuclei of one time point can change parents, and not when they have the same."));
+        return;
+    }
+    {
+        const EditScope edit(_window, "Swap", chosen, unit);
+        _window.release_parents(chosen);
+        _window.release_parents(unit);
+        for (const std::string& parent : of_unit)
+            _window.link(parent, chosen);
+        for (const std::string& parent : of_chosen)
+            _window.link(parent, unit);
+        _window.note_edited(chosen);
+        _window.note_edited(unit);
+    }
+    _window.show_changes();
+}
+
 void QuickEdits::unlink(const std::string& key)
 {
     const std::string chosen = _window.chosen();
     const std::string unit = _window.head(key);
     const bool is_parent = _window.parents(chosen).contains(unit);
-    if (!is_parent && !_window.parents(unit).contains(chosen)) {
+    if (!are_linked(chosen, unit)) {
         _line.say(tr("There is no link between this nucleus and the chosen one."));
         return;
     }
@@ -75,6 +121,22 @@ void QuickEdits::unlink(const std::string& key)
         _window.note_edited(unit);
     }
     _window.show_changes();
+}
+
+void QuickEdits::toggle_gap(const std::string& key)
+{
+    const std::string chosen = _window.chosen();
+    const std::string unit = _window.head(key);
+    if (!is_roi_key(unit)) {
+        _line.say(text_of_no_unit());
+        return;
+    }
+    if (ReviewWalk::of(_window)->toggle_gap(std::min(chosen, unit), std::max(chosen, unit)))
+        _window.show_changes();
+    else
+        _line.say(tr("There is no gap between time points %1 and %2.")
+                      .arg(decode(chosen).t())
+                      .arg(decode(unit).t()));
 }
 
 long QuickEdits::pixels_of(const std::string& unit)

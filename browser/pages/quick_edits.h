@@ -19,6 +19,16 @@ public:
     // Removes the one link between the chosen nucleus and the unit of a ROI.
     void unlink(const std::string& key);
 
+    // Links the unit of a ROI and the chosen nucleus, or removes the link that there is.
+    void toggle_link(const std::string& key);
+
+    // Exchanges the parents of the unit of a ROI and of the chosen nucleus: where their tracks were swapped.
+    void swap_parents(const std::string& key);
+
+    // That the chosen nucleus and the unit of a ROI are one nucleus, not shown for some time points; where
+    // that was said already, that they are not.
+    void toggle_gap(const std::string& key);
+
     // The parent, or the larger child, of the chosen nucleus becomes the chosen one, and is shown.
     void step_along_track(bool to_child);
 
@@ -27,6 +37,7 @@ public:
 
 private:
     [[nodiscard]] std::set<std::string> rois_of(const std::string& key, bool with_descendants);
+    [[nodiscard]] bool are_linked(const std::string& a, const std::string& b);
     [[nodiscard]] long pixels_of(const std::string& unit);
 
     ORVBrowser& _window;

@@ -2,7 +2,10 @@
 
 #include "page_buttons.h"
 
+#include "message_line.h"
+
 #include <QGuiApplication>
+#include <QRegularExpression>
 
 namespace {
 
@@ -47,28 +50,36 @@ const button_row<ReviewPage> buttons[] = {
     {&ReviewPage::work_list,
      "work_list",
      QT_TRANSLATE_NOOP("ReviewPage", "Work list"),
-     {8, 32, 72, 26},
+     {8, 32, 70, 26},
      QT_TRANSLATE_NOOP("ReviewPage", "All findings in a window of their own")},
+    {&ReviewPage::lineage,
+     "lineage",
+     QT_TRANSLATE_NOOP("ReviewPage", "Lineage"),
+     {340, 32, 58, 26},
+     QT_TRANSLATE_NOOP("ReviewPage", "List and count the lineage of the nucleus on view alone")},
     {&ReviewPage::doubtful,
      "doubtful",
      QT_TRANSLATE_NOOP("ReviewPage", "Doubtful"),
-     {366, 32, 74, 26},
+     {404, 32, 62, 26},
      QT_TRANSLATE_NOOP("ReviewPage", "The next unit with more than one parent (with Shift: the one before)")},
     {&ReviewPage::dead_end,
      "dead_end",
      QT_TRANSLATE_NOOP("ReviewPage", "Dead end"),
-     {440, 32, 76, 26},
+     {466, 32, 66, 26},
      QT_TRANSLATE_NOOP(
          "ReviewPage",
          "The next unit without a child before the last time point (with Shift: the one before)")},
     {&ReviewPage::unlinked,
      "unlinked",
      QT_TRANSLATE_NOOP("ReviewPage", "Unlinked"),
-     {516, 32, 76, 26},
+     {532, 32, 62, 26},
      QT_TRANSLATE_NOOP(
          "ReviewPage",
          "The next unit without a parent after the first time point (with Shift: the one before)")},
 };
+
+constexpr int label_width = 250;    // pixels, beside the strip
+constexpr int page_width = 594;
 
 // What does not fit can be read when the pointer rests on it.
 void show_fitting(QLabel& label, const QString& text)
@@ -103,12 +114,19 @@ void ReviewPage::create_controls()
         choice->setFocusPolicy(Qt::NoFocus);
         return choice;
     };
-    filter = add_choice("filter", {84, 32, 140, 26});
+    filter = add_choice("filter", {82, 32, 112, 26});
     filter->addItem(tr("All kinds"));
     for (std::size_t kind = 0; kind < finding_kind_count; ++kind)
         filter->addItem(QString::fromUtf8(name_of(static_cast<finding_kind>(kind))));
-    order = add_choice("order", {228, 32, 132, 26});
-    order->addItems({tr("Most likely first"), tr("In order of time"), tr("By lineage")});
+    order = add_choice("order", {196, 32, 84, 26});
+    order->addItems({tr("By score"), tr("By time"), tr("By lineage")});
+    order->setToolTip(tr("The most likely errors first, in order of time, or lineage by lineage"));
+    times = new TypedField(this, [this](const QString& text) { choose_times(text); });
+    times->setObjectName("times");
+    times->setGeometry(282, 33, 56, 24);
+    times->setPlaceholderText(tr("Times"));
+    times->setToolTip(tr("Only these time points: 3, 3-7, 3- or -7 (Return); empty: all"));
+    lineage->setCheckable(true);
     const auto add_label = [this](const char* name, QRect place) {
         auto* const label = new QLabel(this);
         label->setObjectName(name);
@@ -118,11 +136,11 @@ void ReviewPage::create_controls()
         label->setFont(small);
         return label;
     };
-    finding = add_label("finding", {8, 60, 250, 18});
-    proposal = add_label("proposal", {8, 78, 250, 18});
-    remaining = add_label("remaining", {8, 98, 250, 18});
+    finding = add_label("finding", {8, 60, label_width, 18});
+    proposal = add_label("proposal", {8, 78, label_width, 18});
+    remaining = add_label("remaining", {8, 98, label_width, 18});
     _strip = new PartingStrip(this);
-    _strip->setGeometry(262, 61, 332, 57);
+    _strip->setGeometry(262, 61, page_width - 262, 57);
 }
 
 void ReviewPage::connect_controls()
@@ -139,14 +157,54 @@ void ReviewPage::connect_controls()
     connect_walk(dead_end, finding_kind::dead_end);
     connect_walk(unlinked, finding_kind::unlinked);
     connect(filter, &QComboBox::currentIndexChanged, this, [this](int row) {
-        _walk.set_filter(row > 0 ? std::optional(static_cast<finding_kind>(row - 1)) : std::nullopt);
+        choose([row](ReviewWalk::choice& c) {
+            c.kind = row > 0 ? std::optional(static_cast<finding_kind>(row - 1)) : std::nullopt;
+        });
     });
-    connect(order, &QComboBox::currentIndexChanged, this,
-            [this](int row) { _walk.set_order(static_cast<ReviewWalk::order>(row)); });
+    connect(order, &QComboBox::currentIndexChanged, this, [this](int row) {
+        choose([row](ReviewWalk::choice& c) { c.by = static_cast<ReviewWalk::order>(row); });
+    });
+    connect(lineage, &QPushButton::clicked, this, &ReviewPage::choose_lineage);
     _update_soon.setSingleShot(true);
     connect(&_update_soon, &QTimer::timeout, this, &ReviewPage::update_controls);
     connect(&_walk, &ReviewWalk::list_changed, this, &ReviewPage::update_soon);
     connect(&_walk, &ReviewWalk::shown, this, &ReviewPage::show_finding);
+}
+
+// ---- What is listed
+
+void ReviewPage::choose(const std::function<void(ReviewWalk::choice&)>& change)
+{
+    ReviewWalk::choice wanted = _walk.chosen();
+    change(wanted);
+    _walk.choose(std::move(wanted));
+}
+
+void ReviewPage::choose_times(const QString& text)
+{
+    static const QRegularExpression range("^(\\d{0,4})(\\s*-\\s*(\\d{0,4}))?$");
+    const QRegularExpressionMatch match = range.match(text);
+    const ReviewWalk::choice all;
+    const QString first = match.captured(1);
+    const QString last = match.capturedLength(2) > 0 ? match.captured(3) : first;
+    if (!match.hasMatch() || (!first.isEmpty() && !last.isEmpty() && first.toInt() > last.toInt())) {
+        MessageLine::of(_window)->say(tr("Time points are typed as 3, 3-7, 3- or -7"));
+        return;
+    }
+    times->show_text(text);
+    choose([&](ReviewWalk::choice& c) {
+        c.first_t = first.isEmpty() ? all.first_t : first.toInt();
+        c.last_t = last.isEmpty() ? all.last_t : last.toInt();
+    });
+}
+
+void ReviewPage::choose_lineage(bool on)
+{
+    const std::string unit = on ? _walk.unit_on_view() : std::string();
+    if (on && unit.empty())
+        MessageLine::of(_window)->say(tr("No nucleus is chosen"));
+    choose([&](ReviewWalk::choice& c) { c.lineage = unit; });
+    update_soon();
 }
 
 void ReviewPage::connect_walk(QPushButton* button, finding_kind kind)
@@ -170,6 +228,7 @@ void ReviewPage::show_finding()
 
 void ReviewPage::recording_changed()
 {
+    times->show_text({});    // another recording has others
     enable_controls();
     update_soon();
 }
@@ -191,9 +250,12 @@ void ReviewPage::update_controls()
         return;
     _walk.begin();
     const std::optional<::finding>& current = _walk.current();
+    for (QLabel* const label : {finding, proposal, remaining})    // where there is no strip it is theirs
+        label->resize(_walk.parting() ? label_width : page_width - label->x(), label->height());
     show_fitting(*finding, current ? QString::fromStdString(reason_of(*current)) : QString());
     show_fitting(*proposal, current ? QString::fromStdString(proposal_of(*current)) : QString());
-    remaining->setText(text_of_counts());
+    show_fitting(*remaining, text_of_counts());
+    lineage->setChecked(!_walk.chosen().lineage.empty());
     const review::alike alike = _walk.alike();
     accept_all->setText(
         alike.is_offered()
@@ -211,7 +273,10 @@ QString ReviewPage::text_of_counts()
     const review_counts& counts = _walk.counts();
     const QString open =
         counts.open > 0 ? tr("%1 open of %2").arg(counts.open).arg(counts.total) : tr("Nothing left");
-    return tr("%1, %2 % of nuclei reviewed").arg(open).arg(static_cast<int>(100 * counts.reviewed_share()));
+    const QString share = QString::number(static_cast<int>(100 * counts.reviewed_share()));
+    return _walk.chosen().lineage.empty()
+               ? tr("%1, %2 % of nuclei reviewed").arg(open, share)
+               : tr("%1, %2 % of this lineage's %3 nuclei reviewed").arg(open, share).arg(counts.units);
 }
 
 void ReviewPage::show_work_list()

@@ -3,6 +3,7 @@
 #include "finding_painter.h"
 #include "parting_strip.h"
 #include "review_walk.h"
+#include "typed_field.h"
 #include "work_list.h"
 
 #include <QComboBox>
@@ -32,6 +33,8 @@ public:
     QPushButton* unlinked = nullptr;
     QComboBox* filter = nullptr;
     QComboBox* order = nullptr;
+    TypedField* times = nullptr;       // "3", "3-7", "3-", "-7"; empty: all time points
+    QPushButton* lineage = nullptr;    // checkable: of the nucleus on view alone
     QLabel* finding = nullptr;
     QLabel* proposal = nullptr;
     QLabel* remaining = nullptr;
@@ -45,6 +48,9 @@ private:
 
     void create_controls();
     void connect_controls();
+    void choose(const std::function<void(ReviewWalk::choice&)>& change);
+    void choose_times(const QString& text);
+    void choose_lineage(bool on);
     void connect_walk(QPushButton* button, finding_kind kind);
     void update_soon() { _update_soon.start(0); }
     void enable_controls();

@@ -37,7 +37,10 @@ void ReviewWalk::recording_changed()
 {
     _making.stop();
     show(std::nullopt);
-    _tell_soon.start(0);
+    choice wanted;    // time points and lineages are of this recording
+    wanted.kind = _choice.kind;
+    wanted.by = _choice.by;
+    choose(std::move(wanted));
 }
 
 // ---- The list
@@ -57,17 +60,9 @@ void ReviewWalk::make_on()
     emit list_changed();
 }
 
-void ReviewWalk::set_filter(std::optional<finding_kind> kind)
+void ReviewWalk::choose(choice wanted)
 {
-    _filter = kind;
-    _listed_at = 0;
-    _row = -1;
-    emit list_changed();
-}
-
-void ReviewWalk::set_order(order wanted)
-{
-    _order = wanted;
+    _choice = std::move(wanted);
     _listed_at = 0;
     _row = -1;
     emit list_changed();
@@ -86,17 +81,40 @@ void ReviewWalk::update_list()
 {
     _listed = _review.ranked();
     _listed_at = _review.revision();
-    if (_filter)
-        std::erase_if(_listed, [this](const finding* f) { return f->kind != *_filter; });
-    if (_order == order::time)
+    if (!_window.head_members().contains(_choice.lineage))
+        _choice.lineage.clear();
+    std::set<std::string> lineage;
+    if (!_choice.lineage.empty()) {
+        lineage = _review.lineage_of(_choice.lineage);
+        _lineage_counts = _review.counts_of(lineage);
+    }
+    std::erase_if(_listed, [&](const finding* f) {
+        return (_choice.kind && f->kind != *_choice.kind) || f->t < _choice.first_t ||
+               f->t > _choice.last_t || (!_choice.lineage.empty() && !lineage.contains(f->unit));
+    });
+    if (_choice.by == order::time)
         std::ranges::stable_sort(_listed, {}, [](const finding* f) { return f->unit; });
-    if (_order != order::lineage)
+    if (_choice.by != order::lineage)
         return;
     std::map<std::string, std::string> roots;
     for (const finding* const f : _listed)
         roots.emplace(f->unit, _review.root_of(f->unit));
     std::ranges::stable_sort(_listed, {},
                              [&](const finding* f) { return std::pair(roots.at(f->unit), f->unit); });
+}
+
+std::size_t ReviewWalk::open_at(int t)
+{
+    if (!is_made())
+        return 0;
+    return static_cast<std::size_t>(
+        std::ranges::count_if(_review.ranked(), [t](const finding* f) { return f->t == t; }));
+}
+
+const review_counts& ReviewWalk::counts()
+{
+    (void)listed();    // which keeps those of the lineage
+    return _choice.lineage.empty() ? _review.counts() : _lineage_counts;
 }
 
 // ---- The finding on view
@@ -132,7 +150,10 @@ void ReviewWalk::show_next_after(int row)
     if (rows > 0)
         return go_to(row < -1 || row + 1 >= rows ? 0 : row + 1);
     show(std::nullopt);
-    say(is_made() ? tr("Nothing left") : tr("The list is being made"));
+    const bool are_others = is_made() && _review.counts().open > 0;
+    say(are_others  ? tr("Nothing left of what is listed; %1 others").arg(_review.counts().open)
+        : is_made() ? tr("Nothing left")
+                    : tr("The list is being made"));
 }
 
 void ReviewWalk::show(std::optional<finding> f)
@@ -154,7 +175,10 @@ void ReviewWalk::lead_to(const finding& f)
     lead_to_unit(_window, f.unit);
     if (f.proposal == proposal_kind::cut_outline || f.proposal == proposal_kind::cut_between)
         _window.setCurrentFocalPlane(f.plane);
-    say(QString::fromStdString(reason_of(f) + ". " + proposal_of(f)) + tr("? Return"));
+    const bool may_be_gap = f.proposal == proposal_kind::none &&
+                            (f.kind == finding_kind::dead_end || f.kind == finding_kind::unlinked);
+    say(QString::fromStdString(reason_of(f) + ". " + proposal_of(f)) + tr("? Return") +
+        (may_be_gap ? tr("; seen again after a gap: J") : QString()));
 }
 
 void ReviewWalk::show_cut()
@@ -194,7 +218,10 @@ void ReviewWalk::dismiss()
     next();
 }
 
-review::alike ReviewWalk::alike() { return _current ? _review.all_like(*_current) : review::alike(); }
+review::alike ReviewWalk::alike()
+{
+    return _current ? _review.all_like(*_current, listed()) : review::alike();
+}
 
 void ReviewWalk::accept_all()
 {
@@ -202,7 +229,7 @@ void ReviewWalk::accept_all()
         return;
     const finding f = *_current;
     const QPointer<ReviewWalk> self(this);
-    const review_summary summary = _review.accept_all_like(f);
+    const review_summary summary = _review.accept_all_like(f, listed());
     if (!self)
         return;
     _window.show_changes();
@@ -213,6 +240,12 @@ void ReviewWalk::accept_all()
 std::string ReviewWalk::unit_on_view()
 {
     return _current && _window.head_members().contains(_current->unit) ? _current->unit : _window.chosen();
+}
+
+bool ReviewWalk::toggle_gap(const std::string& earlier, const std::string& later)
+{
+    return _review.is_gap(earlier, later) ? _review.take_back_gap(earlier, later)
+                                          : _review.acknowledge_gap(earlier, later);
 }
 
 void ReviewWalk::toggle_reviewed()

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +19,15 @@ class ReviewWalk : public QObject, private curation_observer {
 
 public:
     enum class order { score, time, lineage };
+
+    // Which findings are listed, and how.
+    struct choice {
+        std::optional<finding_kind> kind;    // nothing: all
+        int first_t = 0;                     // time points, both included
+        int last_t = std::numeric_limits<int>::max();
+        std::string lineage;    // of this unit alone; "": all
+        order by = order::score;
+    };
 
     explicit ReviewWalk(ORVBrowser& window);
 
@@ -29,10 +39,12 @@ public:
     [[nodiscard]] double progress() const { return _review.progress(); }    // 0 to 1
 
     // ---- The list, as chosen; the pointers are good until it changes
-    void set_filter(std::optional<finding_kind> kind);
-    void set_order(order wanted);
+    [[nodiscard]] const choice& chosen() const noexcept { return _choice; }
+    void choose(choice wanted);
     [[nodiscard]] const std::vector<const finding*>& listed();
-    [[nodiscard]] const review_counts& counts() { return _review.counts(); }
+    // Open findings of a time point; none until the list is made.
+    [[nodiscard]] std::size_t open_at(int t);
+    [[nodiscard]] const review_counts& counts();    // of the lineage where one is chosen
 
     // ---- The finding on view
     [[nodiscard]] const std::optional<finding>& current() const noexcept { return _current; }
@@ -48,10 +60,14 @@ public:
     // ---- Decisions; afterwards the next finding is shown
     void accept();
     void dismiss();
-    void accept_all();
+    void accept_all();    // of those that are listed
     [[nodiscard]] review::alike alike();
+    // That both are one nucleus, which is not shown for some time points, or that they are not after all.
+    // False when they are not at least two time points apart.
+    [[nodiscard]] bool toggle_gap(const std::string& earlier, const std::string& later);
 
-    // Of the nucleus on view: the one of the finding, else the chosen one.
+    // The nucleus on view: the one of the finding, else the chosen one; "" for none.
+    [[nodiscard]] std::string unit_on_view();
     void toggle_reviewed();
     void cut_unit();    // shows where it would be cut; accepting does it
 
@@ -75,16 +91,15 @@ private:
     void show_cut();
     void show_next_after(int row);
     void say(const QString& text);
-    [[nodiscard]] std::string unit_on_view();
 
     ORVBrowser& _window;
     review _review;
     const Observing _observing{_window, *this};
     QTimer _making;
     QTimer _tell_soon;
-    std::optional<finding_kind> _filter;
-    order _order = order::score;
+    choice _choice;
     std::vector<const finding*> _listed;
+    review_counts _lineage_counts;
     unsigned long _listed_at = 0;    // the revision of the review
     std::optional<finding> _current;
     int _row = -1;

@@ -22,7 +22,7 @@ public:
                    1000);
         add_number(_interval, "interval_s", tr("Interval (seconds; 0: not known)"),
                    _info.interval_s.value_or(0), 0, 1e6);
-        const key_range planes = _info.focal_planes.value_or(key_range{0, 55});
+        const key_range planes = _info.focal_planes.value_or(default_focal_planes);
         add_plane(_first, "first_plane", tr("First focal plane"), planes.first);
         add_plane(_last, "last_plane", tr("Last focal plane"), planes.last);
         auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);

@@ -20,7 +20,7 @@ WindowInput::WindowInput(ORVBrowser& window, CanvasView& view, CanvasMarks& mark
                          MessageLine& line)
     : QObject(&window), _window(window), _canvas(window.frame_canvas), _view(view), _marks(marks),
       _places(places), _line(line), _report(window, line), _edits(window, places, line),
-      _go_to(new GoToField(window, places))
+      _click(window, _edits), _go_to(new GoToField(window, places))
 {
     window.set_further_input(this);
     qApp->installEventFilter(this);    // keys may come from the tree, and clicks go to any control
@@ -44,8 +44,8 @@ bool WindowInput::take_key(QKeyEvent& e)
             _places.go_to_time_end(key == Qt::Key_Right);
         return true;
     }
-    if (_is_unlinking && arms_a_mode(key))
-        arm_unlinking(false);
+    if (arms_a_mode(key))
+        put_away_click();
     explain_key(key);
     if (!_window.isOpen() || (e.modifiers() & command_modifiers))
         return false;
@@ -55,7 +55,8 @@ bool WindowInput::take_key(QKeyEvent& e)
         return true;
     if (e.isAutoRepeat())
         return false;
-    if (is_plain && !_is_unlinking && _window.armed_mode() == ORVBrowser::armed::none && review_takes(key))
+    if (is_plain && !_click.is_armed() && _window.armed_mode() == ORVBrowser::armed::none &&
+        review_takes(key))
         return true;
     return press_sign(key) || (is_plain && (press_once(key) || hold_key(key)));
 }
@@ -126,15 +127,15 @@ bool WindowInput::press_once(int key)
     case Qt::Key_G:
         _go_to->open();
         return true;
-    case Qt::Key_U:
-        arm_unlinking(!_is_unlinking);
-        return true;
     case Qt::Key_Escape:
         cancel();
         return true;
     default:
-        return false;
+        break;
     }
+    const bool is_taken = _click.take_key(key);
+    show_cursor();
+    return is_taken;
 }
 
 bool WindowInput::hold_key(int key)
@@ -154,7 +155,7 @@ bool WindowInput::hold_key(int key)
 
 void WindowInput::cancel()
 {
-    arm_unlinking(false);
+    put_away_click();
     if (_window.armed_mode() == ORVBrowser::armed::none)
         return;
     _window.disarm();
@@ -162,15 +163,9 @@ void WindowInput::cancel()
     _report.forget_mode();
 }
 
-void WindowInput::arm_unlinking(bool on)
+void WindowInput::put_away_click()
 {
-    if (on && !_edits.has_chosen()) {
-        _edits.say_none_is_chosen();
-        return;
-    }
-    if (on && _window.armed_mode() != ORVBrowser::armed::none)
-        _window.disarm();
-    _is_unlinking = on;
+    _click.put_away();
     show_cursor();
 }
 
@@ -181,7 +176,7 @@ void WindowInput::show_cursor()
         _canvas->setCursor(Qt::ClosedHandCursor);
     else if (_is_space_held)
         _canvas->setCursor(Qt::OpenHandCursor);
-    else if (_is_unlinking)
+    else if (_click.is_armed())
         _canvas->setCursor(Qt::PointingHandCursor);
     else
         _canvas->unsetCursor();
@@ -308,15 +303,15 @@ bool WindowInput::take_grip(const QMouseEvent& e, QPoint at)
     return true;
 }
 
-// The one that U waits for, when no other does anything; those with modifiers, while no mode is armed.
+// The one that is waited for, when no other does anything; those with modifiers, while no mode is armed.
 bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
 {
     const auto modifiers = e.modifiers();
-    if (_is_unlinking) {
+    if (_click.is_armed()) {
         if (e.button() != Qt::LeftButton || key.empty())
             return true;
-        arm_unlinking(false);
-        _edits.unlink(key);
+        _click.take_click(key);
+        show_cursor();
         return true;
     }
     if (key.empty() || _window.armed_mode() != ORVBrowser::armed::none)
@@ -325,9 +320,10 @@ bool WindowInput::take_click(const QMouseEvent& e, const std::string& key)
         _edits.toggle_unit(key, modifiers & Qt::ControlModifier);
         return true;
     }
-    if (e.button() != Qt::LeftButton || modifiers != Qt::ControlModifier)
+    if (e.button() != Qt::LeftButton || !(modifiers & Qt::ControlModifier) ||
+        (modifiers & ~(Qt::ControlModifier | Qt::ShiftModifier)))
         return false;
-    _edits.choose(key);
+    modifiers& Qt::ShiftModifier ? _edits.toggle_link(key) : _edits.choose(key);
     return true;
 }
 
@@ -355,16 +351,11 @@ void WindowInput::point_at(std::optional<QPoint> at)
 
 void WindowInput::input_begins() { _report.begins(); }
 
-void WindowInput::input_served()
-{
-    _report.served(_is_unlinking ? tr("Remove a link: click the nucleus that is linked to the chosen one. "
-                                      "Esc: cancel")
-                                 : QString());
-}
+void WindowInput::input_served() { _report.served(_click.text()); }
 
 void WindowInput::pointer_moved() { _report.pointer_moved(); }
 
-void WindowInput::recording_changed() { arm_unlinking(false); }
+void WindowInput::recording_changed() { put_away_click(); }
 
 void WindowInput::step_shows() { _places.settle(); }
 

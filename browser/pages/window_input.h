@@ -3,6 +3,7 @@
 // New keys act without modifiers, but for those that a keyboard needs to produce a sign, once for each press,
 // but for steps, and never in a field.
 #pragma once
+#include "awaited_click.h"
 #include "canvas_view.h"
 #include "further_input.h"
 #include "go_to_field.h"
@@ -47,7 +48,7 @@ private:
     [[nodiscard]] bool hold_key(int key);
     void explain_key(int key);    // of the window's own table, when it will do nothing
     void cancel();
-    void arm_unlinking(bool on);
+    void put_away_click();
     void let_go(int key);
     void let_go_of_all();
     void end_panning();
@@ -65,11 +66,11 @@ private:
     MessageLine& _line;
     InputReport _report;
     QuickEdits _edits;
+    AwaitedClick _click;
     GoToField* _go_to;    // the window's
     const Observing _observing{_window, *this};
     bool _is_space_held = false;
     bool _is_panning = false;
-    bool _is_unlinking = false;
     QPoint _pan_from;
     int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
 };

@@ -178,14 +178,15 @@ void roi_mask::trace_outline()
 void roi_mask::count_size()
 {
     static_assert(max_side <= std::numeric_limits<unsigned short>::max());    // what a row or column may hold
+    const int width = _width;    // which a pixel might be, for all a compiler can tell of bytes
     std::array<unsigned short, max_side> in_column;
-    std::fill_n(in_column.begin(), _width, static_cast<unsigned short>(0));
+    std::fill_n(in_column.begin(), width, static_cast<unsigned short>(0));
     long long sum_y = 0;
     _size = 0;
     unsigned char* row = _image.get();
-    for (int y = 0; row && y < _height; ++y, row += _width) {
+    for (int y = 0; row && y < _height; ++y, row += width) {
         unsigned short in_row = 0;
-        for (int x = 0; x < _width; ++x) {
+        for (int x = 0; x < width; ++x) {
             const unsigned char in = row[x] != 0;
             row[x] = in;
             in_row = static_cast<unsigned short>(in_row + in);
@@ -195,7 +196,7 @@ void roi_mask::count_size()
         sum_y += static_cast<long long>(in_row) * y;
     }
     long long sum_x = 0;
-    for (int x = 0; x < _width; ++x)
+    for (int x = 0; x < width; ++x)
         sum_x += static_cast<long long>(in_column[x]) * x;
     _cx = _top_left.x() + static_cast<double>(sum_x) / _size;
     _cy = static_cast<double>(sum_y) / _size + _top_left.y();

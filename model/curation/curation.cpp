@@ -11,10 +11,6 @@
 
 namespace {
 
-// As far as tracking looks, in a recording that does not tell its focal planes.
-constexpr int first_focal_plane = 0;
-constexpr int last_focal_plane = 55;
-
 // The ROIs of a file after time point t; nothing, and one line on standard error, unless the file belongs to
 // the recording, reads to its end, and has any.
 std::optional<std::vector<roi>> later_rois(const std::string& filename, const std::string& dataset, int t)
@@ -93,8 +89,8 @@ void curation::open_rois(std::unique_ptr<roidb_plus> rois)
     forget_everything();
     m_min_time_point = m_roidb->t_min();
     m_max_time_point = m_roidb->t_max();
-    m_min_focal_plane = first_focal_plane;
-    m_max_focal_plane = last_focal_plane;
+    m_min_focal_plane = default_focal_planes.first;
+    m_max_focal_plane = default_focal_planes.last;
     announce_recording();
 }
 

@@ -195,6 +195,7 @@ public:
     // ---- Splitting: what to do (split.cpp), the cut (cut.cpp)
     // Repairs or splits the first suspect, or says that there is none. True iff anything was changed.
     bool split_first_suspect();
+    bool split_suspect(const string& doubt);    // a unit with more than one parent link; the same answer
     virtual void manualSplit(string doubt, set<string> ps, int x, int y, int z);
     virtual unsigned int cross_section_size(string doubt, pos3d E_normal, pos3d E_pos, bool& plus,
                                             bool& minus);

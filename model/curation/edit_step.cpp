@@ -44,13 +44,14 @@ void append_word(std::string& text, std::string_view word)
 {
     if (word.empty())
         text += '%';
-    for (const char c : word) {
-        if (!needs_escape(c)) {
-            text += c;
-            continue;
-        }
-        text += {'%', hex_digits[static_cast<unsigned char>(c) / 16],
-                 hex_digits[static_cast<unsigned char>(c) % 16]};
+    while (!word.empty()) {
+        const auto escaped = std::ranges::find_if(word, needs_escape);
+        text.append(word.begin(), escaped);
+        if (escaped == word.end())
+            return;
+        text += {'%', hex_digits[static_cast<unsigned char>(*escaped) / 16],
+                 hex_digits[static_cast<unsigned char>(*escaped) % 16]};
+        word = {escaped + 1, word.end()};
     }
 }
 

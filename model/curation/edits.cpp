@@ -68,7 +68,8 @@ void curation::remove_roi(const string& key)
 // An ROI that is in a unit already stays there, as far as it knows.
 void curation::enter_member(const string& unit, const string& key)
 {
-    m_head_members.emplace(unit, key);
+    m_head_members.emplace_hint(m_head_members.end(), unit,
+                                key);    // there without a search, if it is the last
     const bool is_new = m_members_head.emplace(key, unit).second;
     if (edit_step* const step = noted()) {
         step->add(change_kind::unit, unit, key);
@@ -109,7 +110,7 @@ void curation::remove_unit(const string& unit)
 
 void curation::enter_link(const string& child, const string& parent)
 {
-    m_linkage_multimap.emplace(child, parent);
+    m_linkage_multimap.emplace_hint(m_linkage_multimap.end(), child, parent);    // without a search, as above
     if (edit_step* const step = noted())
         step->add(change_kind::link, child, parent);
     forget_review(child);
@@ -206,7 +207,9 @@ void curation::forget_dismissals(const string& key)
 void curation::forget_review(const string& unit)
 {
     const bool is_by_machine = m_open_step && m_open_step->machine_scopes > 0;
-    if (const string note = "REVIEWED " + unit; is_by_machine && m_unit_notes.contains(note))
+    if (m_unit_notes.empty() || !is_by_machine)
+        return;
+    if (const string note = "REVIEWED " + unit; m_unit_notes.contains(note))
         remove_note(note);
 }
 

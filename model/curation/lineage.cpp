@@ -176,7 +176,7 @@ pos3d curation::g(string key)
 pos3d curation::E_g(string key)
 {
     const pos3d centroid = g(key);
-    return {centroid.x(), centroid.y(), m_info.scale.plane_um * centroid.z() / m_info.scale.pixel_um};
+    return {centroid.x(), centroid.y(), m_info.scale.in_pixels(centroid.z())};
 }
 
 bool curation::isLink(string parent, string child)

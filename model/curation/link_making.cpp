@@ -77,7 +77,7 @@ std::vector<std::string> link_making::units_at(int t) const
     return {units.begin(), units.end()};
 }
 
-// REQUIRES: units of time point t
+// REQUIRES: units of time point t, in the order of their heads
 std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>& units, int t) const
 {
     std::vector<const std::pair<const std::string, roi>*> rois;    // found faster here than among all
@@ -87,20 +87,25 @@ std::vector<unit_rasters> link_making::rasters_of(const std::vector<std::string>
     const auto key_of = [](const auto* entry) -> const std::string& { return entry->first; };
     std::vector<const roi*> members;
     std::vector<std::size_t> ends;    // of the members of each unit
+    auto [entry, last] = at_time_point(_model.m_head_members, t);
     for (const std::string& unit : units) {
-        const auto [first, last] = _model.m_head_members.equal_range(unit);
-        for (auto entry = first; entry != last; ++entry) {
+        while (entry != last && entry->first < unit)
+            ++entry;
+        for (; entry != last && entry->first == unit; ++entry) {
             const auto found = std::ranges::lower_bound(rois, entry->second, {}, key_of);
             if (found != rois.end() && (*found)->first == entry->second)
                 members.push_back(&(*found)->second);
         }
         ends.push_back(members.size());
     }
-    _model.m_q_roiimgdb->make(members);
-    std::vector<unit_rasters> rasters(units.size());
-    for (std::size_t unit = 0, i = 0; unit < units.size(); ++unit)
-        for (; i < ends[unit]; ++i)
-            rasters[unit].push_back(_model.m_q_roiimgdb->qrimg(*members[i]));
+    const std::vector<q_roiimg*> made = _model.m_q_roiimgdb->qrimgs(members);
+    std::vector<unit_rasters> rasters;
+    rasters.reserve(units.size());
+    std::size_t first = 0;
+    for (const std::size_t end : ends) {
+        rasters.emplace_back(made.begin() + first, made.begin() + end);
+        first = end;
+    }
     return rasters;
 }
 
@@ -111,10 +116,10 @@ std::optional<link_making::link_set> link_making::find_by_nearest(int t)
         _before = units_at(t - 1);
         (void)_linker.link(rasters_of(_before, t - 1));
         _has_begun = true;
-    } else if (_releases != _model.m_q_roiimgdb->releases()) {
+    } else if (_releases != _model.m_q_roiimgdb->releases(t - 1)) {
         _linker.give_again(rasters_of(_before, t - 1));
     }
-    _releases = _model.m_q_roiimgdb->releases();
+    _releases = _model.m_q_roiimgdb->releases(t);
     std::vector<std::string> heads = units_at(t);
     const auto found = _linker.link(
         rasters_of(heads, t), [&run] { return run.poll_events(); }, kept(t, heads));

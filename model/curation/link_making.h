@@ -33,7 +33,7 @@ private:
 
     curation& _model;
     unsigned long _recording;
-    unsigned long _releases = 0;    // of rasters, when those of the time point before were collected
+    unsigned long _releases = 0;    // of rasters of the time point before, when they were collected
     making _how;
     unit_linker _linker;
     std::vector<std::string> _before;    // the heads of the time point before

@@ -255,20 +255,34 @@ long long pixels_of(const body& unit)
     return pixels;
 }
 
-long long pixels_in_both(const body& a, const body& b)
+// The pixels that two units share: the sum of what each two ROIs of one plane do.
+template <class SharedPixels>
+long long pixels_in_both(const body& a, const body& b, const SharedPixels& shared_by)
 {
     long long shared = 0;
     const auto by_plane = [](const roi_mask* r) { return r->z(); };
     for (const roi_mask* const r : a.rois)
         for (const roi_mask* const other : std::ranges::equal_range(b.rois, r->z(), {}, by_plane))
-            shared += shared_pixels(*r, *other);
+            shared += shared_by(*r, *other);
     return shared;
 }
 
-// How many units of more than one ROI, of those known before, lie inside each unit now. Nothing when that was
-// ended.
-std::optional<std::vector<int>> count_inside(const std::vector<body>& before, const std::vector<body>& now,
-                                             const linking_rule& rule, const std::function<bool()>& carry_on)
+// No less than shared_pixels(), and told without a look at pixels.
+int most_shared_pixels(const roi_mask& a, const roi_mask& b)
+{
+    const pixel_box one = a.box();
+    const pixel_box other = b.box();
+    if (!one.meets(other))
+        return 0;
+    const int width = std::min(one.right, other.right) - std::max(one.left, other.left) + 1;
+    const int height = std::min(one.bottom, other.bottom) - std::max(one.top, other.top) + 1;
+    return std::min({width * height, a.size(), b.size()});
+}
+
+// Whether two or more units of more than one ROI, of those known before, lie inside each unit now. Nothing
+// when that was ended. Boxes rule out nearly all of it before any pixel is looked at.
+std::optional<std::vector<bool>> hold_two(const std::vector<body>& before, const std::vector<body>& now,
+                                          const linking_rule& rule, const std::function<bool()>& carry_on)
 {
     std::vector<indexed_box> inner, outer;
     for (std::size_t i = 0; i < before.size(); ++i)
@@ -278,12 +292,24 @@ std::optional<std::vector<int>> count_inside(const std::vector<body>& before, co
         outer.push_back(box_of(now[i], i));
     sort_by_left(inner);
     sort_by_left(outer);
-    std::vector<int> count(now.size());
+    const auto lies_inside = [&](const body& b, const body& n, const auto& shared_by) {
+        const double needed = rule.inside * static_cast<double>(pixels_of(b));
+        return static_cast<double>(pixels_in_both(b, n, shared_by)) >= needed;
+    };
+    std::vector<std::vector<std::size_t>> may_be_inside(now.size());
     const bool done = for_meeting_boxes(inner, outer, carry_on, [&](std::size_t b, std::size_t n) {
-        const double needed = rule.inside * static_cast<double>(pixels_of(before[b]));
-        count[n] += static_cast<double>(pixels_in_both(before[b], now[n])) >= needed;
+        if (lies_inside(before[b], now[n], most_shared_pixels))
+            may_be_inside[n].push_back(b);
     });
-    return done ? std::optional(std::move(count)) : std::nullopt;
+    if (!done)
+        return std::nullopt;
+    std::vector<bool> two(now.size());
+    for (std::size_t n = 0; n < now.size(); ++n)
+        if (may_be_inside[n].size() >= 2)
+            two[n] = std::ranges::count_if(may_be_inside[n], [&](std::size_t b) {
+                         return lies_inside(before[b], now[n], shared_pixels);
+                     }) >= 2;
+    return two;
 }
 
 }    // namespace
@@ -334,12 +360,12 @@ void unit_linker::give_again(const std::vector<unit_rasters>& units)
 bool unit_linker::go_on(std::vector<body> now, std::span<const unit_link> links,
                         const std::function<bool()>& carry_on)
 {
-    const auto inside = count_inside(_before, now, _rule, carry_on);
-    if (!inside)
+    const auto two = hold_two(_before, now, _rule, carry_on);
+    if (!two)
         return false;
     for (std::size_t i = 0; i < now.size(); ++i) {
         now[i].is_known = !_has_begun;
-        now[i].is_two = (*inside)[i] >= 2;
+        now[i].is_two = (*two)[i];
     }
     for (const unit_link& l : links) {
         const body& parent = _before[l.parent];

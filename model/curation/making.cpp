@@ -95,10 +95,8 @@ std::optional<curation::key_groups> curation::groups_by_nearest(int t, const mak
             keys.push_back(entry->first);
             rois.push_back(&entry->second);
         }
-    m_q_roiimgdb->make(rois);
-    std::vector<const roi_mask*> rasters;
-    for (const roi* const r : rois)
-        rasters.push_back(m_q_roiimgdb->qrimg(*r));
+    const std::vector<q_roiimg*> made = m_q_roiimgdb->qrimgs(rois);
+    const std::vector<const roi_mask*> rasters(made.begin(), made.end());
     const auto found = group_nearest(rasters, {.share = how.share}, [&run] { return run.poll_events(); });
     if (!run.alive())
         return std::nullopt;

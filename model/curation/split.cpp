@@ -42,7 +42,13 @@ bool curation::split_first_suspect()
         std::cout << "Doubt units: none" << std::endl;
         return false;
     }
-    const std::string doubt = *m_falsely_grouped_units_candidates.begin();
+    return split_suspect(std::string(*m_falsely_grouped_units_candidates.begin()));
+}
+
+bool curation::split_suspect(const string& doubt)
+{
+    if (m_linkage_multimap.count(doubt) < 2 || !has_rois())
+        return false;
     const MachineScope step(*this, "Repair", doubt);
     const LongRun run(*this);
     const unsigned long edits = m_edits;
@@ -141,7 +147,7 @@ void curation::manualSplit(string doubt, set<string> ps, int x, int y, int z)
     const pos3d E_g1 = E_g(*ps.begin());
     const pos3d E_g2 = E_g(*std::next(ps.begin()));
     const pos3d E_normal = (E_g1 - E_g2) / (E_g1 - E_g2).size();
-    const pos3d E_m(x, y, z * m_info.scale.plane_um / m_info.scale.pixel_um);
+    const pos3d E_m(x, y, m_info.scale.in_pixels(z));
     std::cout << " E_normal: (" << print_with_commas(E_normal) << ")" << std::endl;
     std::cout << "      E_m: (" << print_with_commas(E_m) << ")" << std::endl;
     if (const auto halves = cut_unit(doubt, E_normal, E_m, manual_search_width)) {

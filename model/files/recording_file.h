@@ -16,6 +16,9 @@ struct key_range {
     bool operator==(const key_range&) const = default;
 };
 
+// Of a recording that does not tell its focal planes: as far as tracking looks.
+constexpr key_range default_focal_planes{0, 55};
+
 struct pixel_size {
     int width = 1;
     int height = 1;

@@ -87,6 +87,8 @@ public:
     // That a nucleus is not shown for some time points: dismisses the dead end and the unlinked unit. False
     // when they are not at least two time points apart.
     bool acknowledge_gap(const std::string& earlier, const std::string& later);
+    [[nodiscard]] bool is_gap(const std::string& earlier, const std::string& later) const;
+    bool take_back_gap(const std::string& earlier, const std::string& later);    // false when there is none
 
     // ---- Accepting all of a rule at once
     struct alike {
@@ -94,9 +96,11 @@ public:
         double share = 0;          // of right ones, where the truth was known
         [[nodiscard]] bool is_offered() const noexcept { return number > 1 && share >= least_share_for_all; }
     };
-    [[nodiscard]] alike all_like(const finding& f);
+    // Of some open findings, those of the rule and proposal of f.
+    [[nodiscard]] static alike all_like(const finding& f, const std::vector<const finding*>& among);
     // One step. carry_on is asked between two; once it answers no, the rest is left.
-    review_summary accept_all_like(const finding& f, const std::function<bool()>& carry_on = {});
+    review_summary accept_all_like(const finding& f, const std::vector<const finding*>& among,
+                                   const std::function<bool()>& carry_on = {});
 
     // ---- What would be, without doing it
     // The cut of a finding that proposes one, moved along its normal by so many pixel widths.

@@ -15,6 +15,8 @@ dismissal dismissal_of(const finding& f)
     return {word_of(f.kind), f.unit, f.with.size() == 1 ? f.with.front() : std::string()};
 }
 
+bool is_alike(const finding& a, const finding& b) { return a.rule == b.rule && a.proposal == b.proposal; }
+
 const char* title_of(const finding& f)
 {
     constexpr const char* titles[] = {"Accept link",           "Accept unlink",
@@ -220,21 +222,35 @@ bool review::acknowledge_gap(const std::string& earlier, const std::string& late
     return true;
 }
 
+bool review::is_gap(const std::string& earlier, const std::string& later) const
+{
+    return _model.notes().contains("GAP " + earlier + ' ' + later);
+}
+
+bool review::take_back_gap(const std::string& earlier, const std::string& later)
+{
+    if (!is_gap(earlier, later))
+        return false;
+    const EditScope step(_model, "No gap", earlier, later);
+    _model.set_gap(earlier, later, false);
+    return true;
+}
+
 // ---- All of a rule
 
-review::alike review::all_like(const finding& f)
+review::alike review::all_like(const finding& f, const std::vector<const finding*>& among)
 {
-    const auto number = std::ranges::count_if(
-        ranked(), [&](const finding* open) { return open->rule == f.rule && open->proposal == f.proposal; });
+    const auto number = std::ranges::count_if(among, [&](const finding* open) { return is_alike(*open, f); });
     return {static_cast<std::size_t>(number), record_of(f.rule).share()};
 }
 
 // A unit that was changed by one of them is left: its findings may be others now.
-review_summary review::accept_all_like(const finding& f, const std::function<bool()>& carry_on)
+review_summary review::accept_all_like(const finding& f, const std::vector<const finding*>& among,
+                                       const std::function<bool()>& carry_on)
 {
     std::vector<finding> all;
-    for (const finding* const open : ranked())
-        if (open->rule == f.rule && open->proposal == f.proposal)
+    for (const finding* const open : among)
+        if (is_alike(*open, f))
             all.push_back(*open);
     review_summary summary;
     const EditScope step(_model, "Accept all");

@@ -16,4 +16,9 @@ struct physical_scale {
     {
         return *this == physical_scale() ? focal_plane_step : plane_um / pixel_um;
     }
+
+    // z focal planes in pixel widths, for centroids and what is compared with them. Multiplied before it is
+    // divided, which need not be z times plane_step() to the last bit: which nucleus is the nearer may hang
+    // on it.
+    [[nodiscard]] constexpr double in_pixels(double z) const noexcept { return plane_um * z / pixel_um; }
 };

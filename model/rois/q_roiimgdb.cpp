@@ -31,23 +31,36 @@ q_roiimg* q_roiimgdb::enter(std::string key, std::unique_ptr<q_roiimg> raster)
         drop_far_from(raster->t());
         _kept_around = raster->t();
     }
-    q_roiimg* const made = db.emplace(std::move(key), raster.release()).first->second;
+    // Most come in the order of their keys: with the end as hint they go there without a search.
+    const auto entry = db.emplace_hint(db.end(), std::move(key), raster.get());
+    if (entry->second == raster.get())    // and not one that was there already
+        (void)raster.release();
     _kept = db.size();
-    return made;
+    return entry->second;
 }
 
-void q_roiimgdb::make(const std::vector<const roi*>& rois)
+std::vector<q_roiimg*> q_roiimgdb::qrimgs(const std::vector<const roi*>& rois)
 {
-    std::vector<const roi*> missing;
-    for (const roi* const r : rois)
-        if (!db.contains(keygen(*r)))
-            missing.push_back(r);
-    std::vector<std::unique_ptr<q_roiimg>> made(missing.size());
+    struct missing_raster {
+        std::size_t index;
+        std::string key;
+        std::unique_ptr<q_roiimg> made = {};
+    };
+    std::vector<q_roiimg*> rasters;
+    rasters.reserve(rois.size());
+    std::vector<missing_raster> missing;
+    for (const roi* const r : rois) {
+        std::string key = keygen(*r);
+        const auto found = db.find(key);
+        if (found == db.end())
+            missing.push_back({rasters.size(), std::move(key)});
+        rasters.push_back(found == db.end() ? nullptr : found->second);
+    }
     const auto make_some = [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i) {
-            made[i] = std::make_unique<q_roiimg>(*missing[i]);
-            if (!made[i]->is_too_large())    // that is said, by this thread
-                made[i]->map();
+            missing[i].made = std::make_unique<q_roiimg>(*rois[missing[i].index]);
+            if (!missing[i].made->is_too_large())    // that is said, by this thread
+                missing[i].made->map();
         }
     };
     const std::size_t threads = std::min<std::size_t>(std::max(std::thread::hardware_concurrency(), 1U),
@@ -58,11 +71,11 @@ void q_roiimgdb::make(const std::vector<const roi*>& rois)
             others.emplace_back(make_some, missing.size() * i / threads, missing.size() * (i + 1) / threads);
         make_some(0, missing.size() / threads);
     }
-    for (std::unique_ptr<q_roiimg>& raster : made) {
-        raster->map();
-        std::string key = keygen(*raster);
-        (void)enter(std::move(key), std::move(raster));
+    for (auto& [index, key, made] : missing) {
+        made->map();
+        rasters[index] = enter(std::move(key), std::move(made));
     }
+    return rasters;
 }
 
 std::shared_ptr<plane_rois> q_roiimgdb::plane(const roidb_plus& roidb, int t, int z)
@@ -80,13 +93,25 @@ void q_roiimgdb::remove(pos4i pos)
     _planes.erase({pos.t(), pos.z()});    // it still knows the raster
 }
 
-void q_roiimgdb::release_dropped() noexcept
+void q_roiimgdb::release_dropped()
 {
     if (_dropped.empty())
         return;
+    std::optional<int> counted;
+    for (const auto& raster : _dropped) {
+        if (counted == raster->t())    // they leave by time points
+            continue;
+        counted = raster->t();
+        ++_releases[raster->t()];
+    }
     _dropped.clear();
-    ++_releases;
     _planes.clear();    // they may point to rasters that are gone
+}
+
+unsigned long q_roiimgdb::releases(int t) const
+{
+    const auto found = _releases.find(t);
+    return found == _releases.end() ? 0 : found->second;
 }
 
 void q_roiimgdb::remove_after(int t)

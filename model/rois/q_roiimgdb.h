@@ -22,8 +22,9 @@ public:
     // The mapped raster of r, made on first use. Making one drops those more than three time points away.
     q_roiimg* qrimg(const roi& r);
 
-    // Makes those of all these ROIs, in as many threads as the machine runs at once.
-    void make(const std::vector<const roi*>& rois);
+    // The mapped rasters of ROIs of one time point, in their order; makes those that are missing in as many
+    // threads as the machine runs at once.
+    std::vector<q_roiimg*> qrimgs(const std::vector<const roi*>& rois);
 
     // The ROIs of plane (t, z), for a walk; shared by all walks over this plane until ROIs come or go.
     [[nodiscard]] std::shared_ptr<plane_rois> plane(const roidb_plus& roidb, int t, int z);
@@ -46,10 +47,10 @@ public:
 
     // Frees the dropped rasters.
     // REQUIRES: nobody holds a pointer to one of them, or walks over a plane
-    void release_dropped() noexcept;
+    void release_dropped();
 
-    // Changes whenever rasters are freed.
-    [[nodiscard]] unsigned long releases() const noexcept { return _releases; }
+    // Changes whenever rasters of time point t are freed.
+    [[nodiscard]] unsigned long releases(int t) const;
 
     std::map<std::string, q_roiimg*> db;    // ROI key to raster
 
@@ -63,7 +64,7 @@ private:
     // The time point of the raster made last, and how many there were then: none of them lies far from it.
     std::optional<int> _kept_around;
     std::size_t _kept = 0;
-    unsigned long _releases = 0;
+    std::map<int, unsigned long> _releases;    // of rasters, by time point
     std::vector<std::unique_ptr<q_roiimg>> _dropped;
     std::map<std::pair<int, int>, std::shared_ptr<plane_rois>> _planes;    // by time point and focal plane
 };

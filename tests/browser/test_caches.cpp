@@ -51,7 +51,19 @@ TEST(raster_cache, hands_out_one_mapped_raster_a_roi_that_outlives_its_entry)
     rasters.qrimg(square(50));    // drops it by distance
     EXPECT_EQ(q_shared_pixels(old, fresh), 1) << "both were dropped, and can still be compared";
     EXPECT_TRUE(is_overlap(fresh, old));
+    const unsigned long before = rasters.releases(5), elsewhere = rasters.releases(50);
     rasters.release_dropped();
+    EXPECT_NE(rasters.releases(5), before);
+    EXPECT_EQ(rasters.releases(50), elsewhere) << "none of its rasters is gone";
+}
+
+TEST(raster_cache, makes_the_rasters_of_a_time_point_in_their_order_and_each_once)
+{
+    q_roiimgdb rasters;
+    const roi first(1, 2, 0, 5, "2301"), second(7, 8, 0, 5, "2301"), third(3, 2, 0, 5, "2301");
+    q_roiimg* const there = rasters.qrimg(second);
+    const auto made = rasters.qrimgs({&third, &second, &first, &third});
+    EXPECT_EQ(made, (std::vector{rasters.qrimg(third), there, rasters.qrimg(first), made[0]}));
 }
 
 TEST(raster_cache, a_plane_is_read_on_whatever_becomes_of_its_rois_and_forgets_a_raster_that_is_removed)

@@ -17,8 +17,16 @@ QPoint middle_of(char letter)
     return {};
 }
 
+void press_button(Window& w, const QString& name)
+{
+    auto* const button = w.findChild<QPushButton*>(name);
+    w.tabWidget_control_panel->setCurrentWidget(button->parentWidget());
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
 // "< >": a time point back, forward; "U": that key; ".A": a click on unit A; "^", "-", "=": with Ctrl, or a
-// right click with Shift, with both; "@": on the place of a cut; "save_all": that button.
+// right click with Shift, with both; "+": with Ctrl and Shift; "@": on the place of a cut; "save_all": that
+// button.
 void do_input(Window& w, const QString& input)
 {
     const char kind = input[0].toLatin1();
@@ -32,6 +40,8 @@ void do_input(Window& w, const QString& input)
         return w.click_with(Qt::NoModifier, at);
     case '^':
         return w.click_with(Qt::ControlModifier, at);
+    case '+':
+        return w.click_with(Qt::ControlModifier | Qt::ShiftModifier, at);
     case '-':
         return w.click_with(Qt::ShiftModifier, at, Qt::RightButton);
     case '=':
@@ -39,7 +49,7 @@ void do_input(Window& w, const QString& input)
     case '@':
         return w.click_with(Qt::NoModifier, {22, 14});
     default:
-        input.size() == 1 ? w.press(input[0].unicode()) : w.findChild<QPushButton*>(input)->click();
+        input.size() == 1 ? w.press(input[0].unicode()) : press_button(w, input);
     }
 }
 
@@ -62,13 +72,14 @@ private slots:
             const char *before, *inputs, *after;
             int false_positives, count;
         } rows[] = {
-            {"link a dead end", 1, "KA LB", "^A > A .D", "KA LB AD", 0, 4},
-            {"link the dead end that is found", 4, "LB AD BS DC", "dead_end > A .A", "KA LB AD BS DC", 0, 4},
-            {"remove one of two parents", 2, "AD BD", "^D < U .B", "AD", 0, 4},
+            {"link a dead end", 1, "KA LB", "^A > +D", "KA LB AD", 0, 3},
+            {"link the dead end that is found", 4, "LB AD BS DC", "dead_end > +A", "KA LB AD BS DC", 0, 3},
+            {"remove one of two parents", 2, "AD BD", "^D < +B", "AD", 0, 3},
             {"merge", 2, "AD BS", "^D M .S", "AD BD", 0, 3},
-            {"false division", 1, "AD AS", "^A > U .S", "AD", 0, 4},
-            {"missed daughter", 1, "AD", "^A > A .S", "AD AS", 0, 4},
-            {"swap of two tracks", 2, "AS FD", "R .S R .D < A .A ^F > A .S", "AD FS", 0, 11},
+            {"false division", 1, "AD AS", "^A > +S", "AD", 0, 3},
+            {"false division, with a key", 1, "AD AS", "^A > U .S", "AD", 0, 4},
+            {"missed daughter", 1, "AD", "^A > +S", "AD AS", 0, 3},
+            {"swap of two tracks", 2, "AS FD", "^S O .D", "AD FS", 0, 3},
             {"false positive at four time points", 0, "KA AD DC", "=K", "KA AD DC", 8, 1},
             {"false positive at four time points, not linked", 0, "", "-K > -A > -D > -C", "", 8, 7},
             {"save all", 0, "KA", "save_all", "KA", 0, 1},

@@ -274,19 +274,24 @@ private slots:
         }
     }
 
-    // Planes 000-005 and 001-006 are there, 000-006 and 001-005 are not.
+    // Planes 000-005 and 001-006 are there, 000-006 and 001-005 are not. What is open has others.
     void aDatabaseIsBuiltFromTheFilesOfItsPlanes()
     {
         const temp_folder folder;
         (void)folder.with("000-005.fwd", "# x y outline\n\n1 2 2301\n0 0 2301\n0 7 2301\n");
         (void)folder.with("001-006.fwd", "9 8 22330011\nno record\n7 7 2301\n");
+        const SmallRecording recording;
+        (void)recording.folder.with("file.recording.json", R"({"focal_planes": [25, 30]})");
         ShownWindow w;
-        w.setMaxTimePoint(1), w.setMinFocalPlane(5), w.setMaxFocalPlane(6);
+        w.setMinFocalPlane(5), w.setMaxFocalPlane(6);
+        QVERIFY(w.openRoiFile(recording.file));
+        w.setMinTimePoint(0), w.setMaxTimePoint(1);
         w.m_roi_base = folder.path("");
         CapturedLines errors(std::cerr);
         w.pushButton_read_clicked();
         const QString missing = QString::fromStdString("Cannot open " + folder.path(""));
-        QCOMPARE(errors.take().first(2), QStringList({missing + "000-006.fwd", missing + "001-005.fwd"}));
+        QCOMPARE(errors.take().filter(".fwd").first(2),
+                 QStringList({missing + "000-006.fwd", missing + "001-005.fwd"}));
         QStringList keys;
         for (const auto& [key, roi] : w.m_roidb->db)
             keys << QString::fromStdString(key + ":" + roi.outline());

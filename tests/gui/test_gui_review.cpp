@@ -1,6 +1,7 @@
 // The page "Review": from finding to finding, decisions by one key each, and the walks.
 #include "../support/captured_lines.h"
 #include "../support/paged_window.h"
+#include "lineage_page.h"
 #include "review_page.h"
 
 namespace {
@@ -68,6 +69,12 @@ private slots:
         s.w.undo();
         QCOMPARE(s.w.links(), before);
         QTRY_VERIFY(s.page->remaining->text().startsWith("2 open"));
+        s.w.press(Qt::Key_N);    // what is on view may go: it has no place to be drawn at
+        s.w.set_false_positives(s.w.member(s.unit(140, 2)), true);
+        s.w.pushButton_drop_false_positive_clicked();
+        (void)s.w.seen();
+        s.w.press(Qt::Key_Return);
+        QVERIFY2(s.w.said().startsWith("Cannot be done any more"), qPrintable(s.w.said()));
     }
 
     void whatIsNoErrorIsNotListedAgain()
@@ -133,6 +140,73 @@ private slots:
         QTRY_COMPARE(table->model()->rowCount(), 1);
         emit table->clicked(table->model()->index(0, 0));
         QCOMPARE(s.w.chosen(), s.ends);
+    }
+
+    void whatIsListedCanBeChosen()
+    {
+        Row s;
+        s.wait_for_list();
+        ReviewWalk* const walk = ReviewWalk::of(s.w);
+        const auto type = [&](const char* text) {
+            s.page->times->setFocus();
+            s.page->times->clear();
+            QTest::keyClicks(s.page->times, text);
+            QTest::keyClick(s.page->times, Qt::Key_Return);
+        };
+        for (const auto& [text, left] : {std::pair("1", 1U), {"2-", 1}, {"0-2", 2}, {"-0", 0}, {"", 2}}) {
+            type(text);
+            QVERIFY2(walk->listed().size() == left && s.page->times->text() == text, text);
+        }
+        type("2-1");
+        QVERIFY(s.w.said().contains("3-7") && walk->listed().size() == 2);
+        s.w.choose(s.unit(100, 0));
+        s.page->lineage->click();
+        QVERIFY(walk->listed().empty());
+        QTRY_VERIFY(s.page->remaining->toolTip().contains("Nothing left, 0 % of this lineage's 3"));
+        s.w.press(Qt::Key_N);
+        QVERIFY(s.w.said().contains("2 others"));
+        s.page->lineage->click();
+        QCOMPARE(walk->listed().size(), 2U);
+    }
+
+    void aGapSettlesBothItsEnds()
+    {
+        Row s;
+        s.w.release_child(s.unit(140, 0), s.ends);
+        s.w.set_false_positives(s.w.member(s.ends), true);
+        s.wait_for_list();
+        const auto say_gap = [&s](int t) {
+            s.w.choose(s.unit(140, 0));
+            s.w.press(Qt::Key_J);
+            s.w.setCurrentTimePoint(t);
+            s.w.click_with(0, {145, 55});
+        };
+        say_gap(1);
+        QVERIFY(s.w.said().startsWith("There is no gap") && s.w.notes().empty());
+        say_gap(2);
+        QVERIFY(s.w.notes().contains("GAP " + s.unit(140, 0) + ' ' + s.unit(140, 2)));
+        QVERIFY2(s.w.said().contains("seen again"), qPrintable(s.w.said()));
+        QTRY_VERIFY(ReviewWalk::of(s.w)->listed().empty());
+        say_gap(2);
+        QTRY_COMPARE(ReviewWalk::of(s.w)->listed().size(), 2U);
+    }
+
+    void whatIsOnViewIsSplitFirstAndTheRestByItself()
+    {
+        Row s;
+        auto* const lineage = s.w.findChild<LineagePage*>();
+        for (int t = 1; t < 3; ++t)
+            s.w.link(s.unit(140, t - 1), s.unit(100, t));
+        s.w.choose(s.unit(100, 2));
+        s.w.setCurrentTimePoint(2);
+        const CapturedLines out(std::cout);
+        lineage->split->click();
+        QVERIFY(s.w.units(1).size() == 1 && s.w.units(0).size() == 2);
+        s.w.undo();
+        lineage->auto_split->click();
+        QVERIFY2(s.w.said().startsWith("No unit of time point 0 is elite"), qPrintable(s.w.said()));
+        QTRY_VERIFY(!lineage->auto_split->isChecked() && !s.w.is_busy());
+        QTRY_VERIFY2(s.w.said().endsWith("2 merged, 0 left"), qPrintable(s.w.said()));
     }
 
     void aReviewedNucleusIsCountedAndSaved()

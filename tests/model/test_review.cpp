@@ -148,12 +148,12 @@ TEST_F(review_of_a_recording, accepts_all_of_a_rule_in_one_step)
     for (unsigned seed = 1; seed <= 30; ++seed) {
         open(seed);
         const auto cut = first(proposal_kind::cut);
-        if (!cut || all.all_like(*cut).number < 2 || cut->rule != finding_rule::inner_cut)
+        if (!cut || all.all_like(*cut, all.ranked()).number < 2 || cut->rule != finding_rule::inner_cut)
             continue;
-        EXPECT_TRUE(all.all_like(*cut).is_offered());
-        const std::size_t number = all.all_like(*cut).number;
+        EXPECT_TRUE(all.all_like(*cut, all.ranked()).is_offered());
+        const std::size_t number = all.all_like(*cut, all.ranked()).number;
         const auto before = state_of(model);
-        const review_summary summary = all.accept_all_like(*cut);
+        const review_summary summary = all.accept_all_like(*cut, all.ranked());
         EXPECT_EQ(summary.accepted + summary.left, number);
         EXPECT_GT(summary.accepted, 1U);
         ASSERT_TRUE(model.work.undo());

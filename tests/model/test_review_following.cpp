@@ -87,7 +87,7 @@ private:
         if (pick(3) == 0)
             _all.dismiss(f);
         else if (pick(8) == 0)
-            (void)_all.accept_all_like(f);
+            (void)_all.accept_all_like(f, _all.ranked());
         else
             (void)_all.accept(f, pick(4) == 0 ? 2.0 : 0.0);
     }

@@ -216,7 +216,7 @@ private:
 
     void press_any_key()
     {
-        static const std::string letters = "ACDEFLMRSTWXZQ7 GHU[]+-01NPIVK,.";
+        static const std::string letters = "ACDEFLMRSTWXZQ7 GHUJO[]+-01NPIVK,.";
         const int other = chance(0.8) ? Qt::Key_Home + below(8) : Qt::Key_Escape + below(11);
         press(chance(0.5) ? any_of(letters) : other, chance(0.8) ? 0 : below(16) * Qt::ShiftModifier,
               chance(0.3) ? QApplication::focusWidget() : nullptr);
@@ -281,7 +281,7 @@ private:
     void take_steps()
     {
         static const QStringList series =
-            QString("L . > A .;L . R .;L . M .;L . > S . . .;L . > S . . .;drop;, , drop;"
+            QString("L . > A .;L . R .;L . M .;L . > J > .;L . > S . . .;L . > S . . .;drop;, , drop;"
                     ". ward_tracking;. ward_tracking;. auto$ ward_tracking;. (auto|stop|z|select_all|reset)$;"
                     "make_units make_links;make_units elite make_links;^split;^split;^auto_split;"
                     "^(pushButton_)?(read|save|restore);read_;save_;read_roifile;^undo$ ^undo$ "
