@@ -35,7 +35,8 @@ int main(int argc, char** argv)
     }
     const bench_data data{argv[1]};
     print_ratios(joined(split_comparisons(), picture_comparisons(data), view_comparisons(data),
-                        tracking_comparisons(data), file_comparisons(data), exchange_comparisons(data)));
+                        tracking_comparisons(data), review_comparisons(data), file_comparisons(data),
+                        exchange_comparisons(data)));
     std::puts("");
     print_memory(data);
     std::puts("");

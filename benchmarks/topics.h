@@ -18,6 +18,7 @@ struct bench_data {
 [[nodiscard]] std::vector<comparison> view_comparisons(const bench_data& data);        // bench_view.cpp
 [[nodiscard]] std::vector<comparison> tracking_comparisons(const bench_data& data);    // bench_tracking.cpp
 [[nodiscard]] std::vector<comparison> exchange_comparisons(const bench_data& data);    // bench_exchange.cpp
+[[nodiscard]] std::vector<comparison> review_comparisons(const bench_data& data);      // bench_review.cpp
 [[nodiscard]] std::vector<comparison> split_comparisons();                             // bench_split.cpp
 
 // The memory that reading a file took at its most, in bytes, printed for print_memory(). In a

@@ -19,7 +19,7 @@ constexpr const char* explanation =
     "volume      cubic micrometres\n"
     "n_planes    focal planes in which it is outlined\n"
     "n_rois      outlines\n"
-    "note        its name\n"
+    "note        what it is called\n"
     "key         its name in the lineage file\n";
 
 constexpr const char* explanation_of_links = "\nlinks.csv: a line for each link\n"
@@ -51,7 +51,6 @@ std::string units_text(const export_request& request, const export_graph& graph)
     text += ",key\n";
     for (std::size_t i = 0; i < graph.units.size(); ++i) {
         const export_unit& unit = graph.units[i];
-        const auto name = request.units.called.find(unit.head);
         text += std::to_string(unit.t);
         for (const double place : {unit.centre.z(), unit.centre.y(), unit.centre.x()})
             text += ',' + real_text(place);
@@ -61,7 +60,7 @@ std::string units_text(const export_request& request, const export_graph& graph)
                 std::to_string(unit.rois.size());
         for (const unit_flag& flag : unit_flags) {
             if (flag.name == first_own_flag)
-                text += ',' + (name != request.units.called.end() ? quoted(name->second) : "");
+                text += ',' + quoted(unit.name);
             text += flag.is_set(request, unit) ? ",1" : ",0";
         }
         text += ',' + unit.head + '\n';

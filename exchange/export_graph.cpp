@@ -1,6 +1,7 @@
 #include "export_graph.h"
 
 #include "keygen.h"
+#include "unit_names.h"
 
 #include <algorithm>
 #include <charconv>
@@ -40,6 +41,7 @@ private:
     void add_units()
     {
         const auto heads = heads_of_members(_request.units);
+        _names = names_of_all(_request.units);
         std::map<std::pair<int, std::string>, std::vector<const roi*>> members;
         for (const auto& [key, r] : _request.rois.db) {
             const auto head = heads.find(key);
@@ -88,6 +90,8 @@ private:
         if (!unit.is_false_positive)
             std::erase_if(rois, [this](const roi* r) { return is_false(r); });
         unit.rois = std::move(rois);
+        if (const auto name = _names.find(head); name != _names.end())
+            unit.name = name->second;
         _index.emplace(head, _graph.units.size());
         _graph.units.push_back(std::move(unit));
     }
@@ -204,6 +208,7 @@ private:
     false_units _how;
     loss_report& _report;
     export_graph _graph;
+    unit_name_table _names;
     std::map<std::string, std::size_t> _index;    // by head
 };
 
@@ -234,10 +239,9 @@ void report_notes(const export_request& request, notes_kept kept, loss_report& r
             report.add("mark", head, "edited");
         for (const std::string& head : units.reviewed)
             report.add("mark", head, "reviewed");
-    }
-    if (kept != notes_kept::marks_and_names)
         for (const auto& [head, name] : units.called)
             report.add("name", head, name);
+    }
     for (const dismissal& d : units.dismissed)
         report.add("dismissal", d.head, d.kind);
 }

@@ -11,6 +11,7 @@
 struct export_unit {
     std::string head;
     int t = 0;
+    std::string name = {};                // what it is called, inherited names included; or ""
     std::vector<const roi*> rois = {};    // in the order of their keys
     pos3d centre = {};                    // of its pixels, micrometres; pixel 0 and plane 0 lie at 0
     double volume = 0;                    // cubic micrometres: pixels times the distance of planes
@@ -40,8 +41,8 @@ enum class false_units { kept, left_out };
 [[nodiscard]] std::optional<export_graph> make_graph(const export_request& request, false_units how,
                                                      loss_report& report, const run_callbacks& callbacks);
 
-// What no format holds, or not this one: marks and dismissals.
-enum class notes_kept { none, marks, marks_and_names };
+// What no format holds, or not this one: dismissals, marks and names.
+enum class notes_kept { none, marks_and_names };
 void report_notes(const export_request& request, notes_kept kept, loss_report& report);
 
 using unit_images = std::vector<std::unique_ptr<q_roiimg>>;

@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <limits>
@@ -25,6 +26,10 @@ struct array_type<std::int64_t> {
 template <>
 struct array_type<std::uint64_t> {
     static constexpr const char *code = "<u8", *name = "uint64";
+};
+template <>
+struct array_type<std::uint8_t> {
+    static constexpr const char *code = "|u1", *name = "uint8";
 };
 template <>
 struct array_type<std::uint16_t> {
@@ -115,6 +120,8 @@ public:
         write_graph();
         write_properties();
         write_outlines();
+        if (std::ranges::any_of(_graph.units, [](const export_unit& u) { return !u.name.empty(); }))
+            write_names();
         _zarr.attributes({{"geff", description()}});
         return _zarr.is_ok();
     }
@@ -196,6 +203,21 @@ private:
         describe("outline", array_type<float>::name, "pixel", true);
     }
 
+    // Texts have no width of their own in these arrays: their bytes, and where those of each unit begin.
+    void write_names()
+    {
+        std::vector<std::uint8_t> bytes;
+        std::vector<std::uint64_t> places;
+        for (const export_unit& unit : _graph.units) {
+            places.insert(places.end(), {bytes.size(), unit.name.size()});
+            bytes.insert(bytes.end(), unit.name.begin(), unit.name.end());
+        }
+        _zarr.group("nodes/props/name");
+        _zarr.array("nodes/props/name/values", places, 2);
+        _zarr.array("nodes/props/name/data", bytes);
+        describe("name", "str", "", true);
+    }
+
     [[nodiscard]] QJsonObject description() const
     {
         QJsonObject time{{"name", "t"}, {"type", "time"}, {"unit", "frame"}};
@@ -225,6 +247,8 @@ private:
                              {"volume", "cubic micrometers"},
                              {"n_planes", "focal planes with an outline"},
                              {"n_rois", "outlines"}};
+        if (_properties.contains("name"))
+            meanings["name"] = "what it is called, in UTF-8";
         for (const unit_flag& flag : unit_flags)
             meanings[QLatin1String(flag.name)] = flag.meaning;
         return {{"dataset", QString::fromStdString(_request.rois.name())},
@@ -247,6 +271,6 @@ outcome write_geff(const export_request& request, const fs::path& folder, loss_r
     const auto graph = make_graph(request, false_units::kept, report, callbacks);
     if (!graph)
         return outcome::stopped;
-    report_notes(request, notes_kept::marks, report);
+    report_notes(request, notes_kept::marks_and_names, report);
     return geff_writer(request, *graph, folder).write() ? outcome::done : outcome::refused;
 }

@@ -130,11 +130,10 @@ private:
     void write_spot(std::size_t i)
     {
         const export_unit& unit = _graph.units[i];
-        const auto name = _request.units.called.find(unit.head);
         _xml.writeStartElement("Spot");
         _xml.writeAttribute("ID", QString::number(i));
-        _xml.writeAttribute("name", name != _request.units.called.end() ? QString::fromStdString(name->second)
-                                                                        : 'N' + QString::number(i));
+        _xml.writeAttribute("name",
+                            unit.name.empty() ? 'N' + QString::number(i) : QString::fromStdString(unit.name));
         _xml.writeAttribute("QUALITY", "1.0");
         _xml.writeAttribute("POSITION_X", text(unit.centre.x()));
         _xml.writeAttribute("POSITION_Y", text(unit.centre.y()));

@@ -8,8 +8,8 @@ GoToField::GoToField(ORVBrowser& window, Places& places)
     : QLineEdit(&window), _window(window), _places(places)
 {
     setObjectName("go_to");
-    setPlaceholderText(tr("ROI key, number of a unit, or time point and plane"));
-    setMaxLength(40);
+    setPlaceholderText(tr("ROI key, number or name of a unit, or time point and plane"));
+    setMaxLength(60);
     hide();
 }
 

@@ -163,7 +163,7 @@ bool Places::go_to_typed(const std::string& text)
         go_to({match.captured(1).toInt(), match.captured(2).toInt()});
         return true;
     }
-    const auto unit = match.hasMatch() ? unit_of_number(_window, match.captured(1).toUInt()) : std::nullopt;
+    const auto unit = find_unit(_window, key);
     if (unit)
         show_unit(*unit);
     return unit.has_value();

@@ -1,6 +1,7 @@
 #include "status_text.h"
 
 #include "keygen.h"
+#include "unit_names.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -16,12 +17,19 @@ QString number_of(ORVBrowser& window, const std::string& unit)
     return is_roi_key(unit) ? QString::number(window.ID(unit)) : QString::fromStdString(unit);
 }
 
-QString numbers_of(ORVBrowser& window, const std::set<std::string>& units)
+QString number_and_name_of(ORVBrowser& window, const std::string& unit, unit_name_table& known)
 {
-    QStringList numbers;
+    const std::string name = name_of(window, unit, known);
+    const QString number = number_of(window, unit);
+    return name.empty() ? number : number + " (" + QString::fromStdString(name) + ')';
+}
+
+QString numbers_and_names_of(ORVBrowser& window, const std::set<std::string>& units, unit_name_table& known)
+{
+    QStringList texts;
     for (const std::string& unit : units)
-        numbers << number_of(window, unit);
-    return numbers.isEmpty() ? tr("none") : numbers.join(' ');
+        texts << number_and_name_of(window, unit, known);
+    return texts.isEmpty() ? tr("none") : texts.join(' ');
 }
 
 struct step_text {
@@ -37,6 +45,7 @@ const step_text step_texts[] = {
     {"Gap", QT_TRANSLATE_NOOP("StatusText", "%1 is seen again as %2")},
     {"No gap", QT_TRANSLATE_NOOP("StatusText", "%1 is not seen again as %2")},
     {"Split", QT_TRANSLATE_NOOP("StatusText", "Split %1 %2")},
+    {"Name", QT_TRANSLATE_NOOP("StatusText", "Named %1 %2")},
     {"Elite", QT_TRANSLATE_NOOP("StatusText", "Marked %1 as elite %2")},
     {"Not elite", QT_TRANSLATE_NOOP("StatusText", "%1 is not elite any more %2")},
 };
@@ -86,8 +95,9 @@ QString text_of_step(ORVBrowser& window, const std::string& title)
         if (what != of)
             continue;
         keys.sort();
+        unit_name_table known;
         for (QString& key : keys)
-            key = number_of(window, key.toStdString());
+            key = number_and_name_of(window, key.toStdString(), known);
         return tr(text).arg(keys.value(0), keys.value(1)).trimmed();
     }
     return (QStringList{what} + keys).join(' ');
@@ -95,7 +105,9 @@ QString text_of_step(ORVBrowser& window, const std::string& title)
 
 QString text_of_choice(ORVBrowser& window, const std::string& unit)
 {
-    return is_roi_key(unit) ? tr("Chosen: %1").arg(number_of(window, unit)) : text_of_no_unit();
+    unit_name_table known;
+    return is_roi_key(unit) ? tr("Chosen: %1").arg(number_and_name_of(window, unit, known))
+                            : text_of_no_unit();
 }
 
 QString text_of_no_unit() { return tr("This ROI is in no unit: make units first (page Lineage)."); }
@@ -143,10 +155,11 @@ QString text_of_pixel(ORVBrowser& window, QPoint at)
         return parts.join("; ");
     const std::string unit = window.head(key);
     parts << tr("ROI %1").arg(QString::fromStdString(key));
+    unit_name_table known;    // in a deep lineage the way to where a name was typed is walked once
     if (is_roi_key(unit))
-        parts << tr("unit %1").arg(number_of(window, unit))
-              << tr("parents %1").arg(numbers_of(window, window.parents(unit)))
-              << tr("children %1").arg(numbers_of(window, window.children(unit)));
+        parts << tr("unit %1").arg(number_and_name_of(window, unit, known))
+              << tr("parents %1").arg(numbers_and_names_of(window, window.parents(unit), known))
+              << tr("children %1").arg(numbers_and_names_of(window, window.children(unit), known));
     else
         parts << tr("no unit");
     return parts.join("; ");

@@ -7,7 +7,7 @@
 // What the armed mode waits for; "" when none is armed.
 [[nodiscard]] QString text_of_mode(ORVBrowser& window);
 
-// What a step has done, from its title; units by their numbers.
+// What a step has done, from its title; units by their numbers and names.
 [[nodiscard]] QString text_of_step(ORVBrowser& window, const std::string& title);
 
 // That a unit is the chosen nucleus now; that a ROI is in none. That nothing is chosen.

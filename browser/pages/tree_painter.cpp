@@ -87,6 +87,27 @@ auto slanted_in(const lineage_tree& tree, row_range rows)
     return std::pair(from_row(rows.first), from_row(rows.last + 1));
 }
 
+bool is_straight_below(const tree_node& node, const tree_node& parent)
+{
+    return parent.column == node.column && parent.t + 1 == node.t;
+}
+
+bool goes_straight_on(const lineage_tree& tree, const tree_node& node)
+{
+    return std::ranges::any_of(node.children,
+                               [&](std::size_t child) { return is_straight_below(tree.nodes[child], node); });
+}
+
+// Where the line that runs straight down to the node begins, no earlier than just before time point t.
+const tree_node& top_of_branch(const lineage_tree& tree, const tree_node& node, int t)
+{
+    const tree_node* top = &node;
+    while (top->t >= t && is_straight_below(*top, tree.nodes[top->parent]))
+        top = &tree.nodes[top->parent];
+    return *top;
+}
+
+// A branch is one line, however long.
 void paint_branches(QPainter& painter, const lineage_tree& tree, const tree_view& view, const QRectF& area,
                     row_range rows)
 {
@@ -94,9 +115,11 @@ void paint_branches(QPainter& painter, const lineage_tree& tree, const tree_view
     QList<QLineF> lines;
     for (std::size_t row = rows.first; row < rows.last; ++row)
         for_each_in(tree, view, row, area.left(), area.right(), [&](const tree_node& node) {
-            const tree_node& parent = tree.nodes[node.parent];
-            if (parent.column == node.column && parent.t + 1 == node.t)
-                lines.append({view.place(tree, parent), view.place(tree, node)});
+            if (row + 1 < rows.last && goes_straight_on(tree, node))
+                return;
+            const tree_node& top = top_of_branch(tree, node, tree.first_t + static_cast<int>(rows.first));
+            if (&top != &node)
+                lines.append({view.place(tree, top), view.place(tree, node)});
         });
     const auto [first, last] = slanted_in(tree, rows);
     for (auto entry = first; entry != last; ++entry) {

@@ -21,7 +21,8 @@
 
 namespace {
 
-constexpr int follow_after_ms = 200;    // several changes in one go
+constexpr int follow_after_ms = 10;              // several changes in one go
+constexpr int follow_long_run_after_ms = 200;    // which has better things to do
 constexpr int button_height = 26;
 constexpr int drag_distance = 4;            // pixels; a shorter way is a click
 constexpr double largest_step = 200;        // pixels per column or time point
@@ -57,6 +58,7 @@ TreeWindow::TreeWindow(ORVBrowser& window) : QWidget(&window, Qt::Window), _wind
     new KeyboardRules(_window, *this, *this);
     _follow_soon.setSingleShot(true);
     connect(&_follow_soon, &QTimer::timeout, this, &TreeWindow::follow);
+    connect(&_slices, &QTimer::timeout, this, &TreeWindow::make_slice);
     connect(_window.slider_time_point, &QSlider::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
@@ -82,7 +84,7 @@ void TreeWindow::add_controls()
             [this] { save("png file (*.png)", "save png-file", ".png", [this] { return as_png(); }); });
     connect(save_newick, &QPushButton::clicked, this, [this] {
         save("newick file (*.nwk)", "save newick-file", ".nwk",
-             [this] { return QByteArray::fromStdString(newick(_tree)); });
+             [this] { return QByteArray::fromStdString(newick(tree())); });
     });
     connect(fit, &QPushButton::clicked, this, [this] {
         show_fitted(tree_view::smallest_step);
@@ -94,12 +96,7 @@ void TreeWindow::add_controls()
 void TreeWindow::state_changed()
 {
     if (!_follow_soon.isActive())
-        _follow_soon.start(follow_after_ms);
-}
-
-void TreeWindow::hear_of(const edit_step& step)
-{
-    _is_stale = _is_stale || step.concerns(kept_in::lineage) || step.concerns(kept_in::false_positives);
+        _follow_soon.start(_window.is_running() ? follow_long_run_after_ms : follow_after_ms);
 }
 
 void TreeWindow::showEvent(QShowEvent*) { follow(); }
@@ -109,9 +106,9 @@ std::string TreeWindow::unit_to_show() const
 {
     if (!one_lineage->isChecked())
         return {};
-    const bool stays =
-        _window.head_members().contains(_seen_head) && _tree.find(_window.chosen()) < _tree.nodes.size();
-    return stays ? _seen_head : _window.chosen();
+    const bool stays = _window.head_members().contains(_kept.lineage_shown()) &&
+                       tree().find(_window.chosen()) < tree().nodes.size();
+    return stays ? _kept.lineage_shown() : _window.chosen();
 }
 
 void TreeWindow::follow()
@@ -120,20 +117,32 @@ void TreeWindow::follow()
         state_changed();
     if (!isVisible() || _window.is_making_units())
         return;
-    const std::string head = unit_to_show();
-    const bool is_another_tree = _seen_recording != _window.recording() || _seen_head != head;
-    if (_seen_edits != _window.edits() || _is_stale || is_another_tree) {
-        _is_placed = _is_placed && !is_another_tree;
-        _is_stale = false;
-        _seen_edits = _window.edits();
-        _seen_recording = _window.recording();
-        _seen_head = head;
-        _tree = _window.isOpen() ? make_tree(_window, head) : lineage_tree();
-        for (QWidget* control : std::initializer_list<QWidget*>{save_svg, save_png, save_newick, fit, find})
-            control->setEnabled(_window.isOpen());
-        if (!_is_placed)
-            show_fitted(tree_view::readable_step);
-    }
+    const std::string unit = unit_to_show();
+    if (_seen_recording != _window.recording() || _kept.lineage_shown() != unit)
+        _is_placed = false;
+    _seen_recording = _window.recording();
+    _kept.show_lineage_of(unit);
+    for (QWidget* control : std::initializer_list<QWidget*>{save_svg, save_png, save_newick, fit, find})
+        control->setEnabled(_window.isOpen());
+    if (!_kept.is_current())
+        return make_slice();
+    follow_chosen();
+    update();
+}
+
+// A small tree is there at once; of a large one the window shows the old one until it is.
+void TreeWindow::make_slice()
+{
+    if (_kept.advance())
+        return _slices.start();
+    _slices.stop();
+    show_made();
+}
+
+void TreeWindow::show_made()
+{
+    if (!_is_placed)
+        show_fitted(tree_view::readable_step);
     follow_chosen();
     update();
 }
@@ -159,11 +168,11 @@ void TreeWindow::show_name()
 
 void TreeWindow::bring_into_view(const std::string& unit)
 {
-    const std::size_t node = _tree.find(unit);
-    if (node == _tree.nodes.size())
+    const std::size_t node = tree().find(unit);
+    if (node == tree().nodes.size())
         return;
     const QRectF part = tree_view::part_for_tree(paper());
-    const QPointF at = _view.place(_tree, _tree.nodes[node]);
+    const QPointF at = _view.place(tree(), tree().nodes[node]);
     if (!part.contains(at))
         _view.origin += part.center() - at;
 }
@@ -172,7 +181,7 @@ QRectF TreeWindow::paper() const { return QRectF(rect()).adjusted(0, button_heig
 
 void TreeWindow::show_fitted(double smallest_step)
 {
-    _view = tree_view::fitted(_tree, paper(), smallest_step);
+    _view = tree_view::fitted(tree(), paper(), smallest_step);
     update();
 }
 
@@ -182,7 +191,7 @@ void TreeWindow::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, _view.column_width > 6);
-    paint_tree(painter, _tree, _view, paper(), marks());
+    paint_tree(painter, tree(), _view, paper(), marks());
 }
 
 void TreeWindow::resizeEvent(QResizeEvent*)
@@ -228,14 +237,14 @@ void TreeWindow::mouseReleaseEvent(QMouseEvent* e)
 {
     if (_is_drag || e->button() != Qt::LeftButton)
         return;
-    if (const auto node = node_at(_tree, _view, e->position()))
-        go_to(_tree.nodes[*node].unit);
+    if (const auto node = node_at(tree(), _view, e->position()))
+        go_to(tree().nodes[*node].unit);
 }
 
 void TreeWindow::mouseDoubleClickEvent(QMouseEvent* e)
 {
     _is_drag = true;    // the click before has shown and chosen it
-    if (!node_at(_tree, _view, e->position()))
+    if (!node_at(tree(), _view, e->position()))
         return;
     name->setFocus();
     name->selectAll();
@@ -268,7 +277,7 @@ void TreeWindow::go_to_typed(const QString& text)
 QByteArray TreeWindow::as_svg() const
 {
     const tree_view view;
-    const QSizeF size = view.size_of(_tree);
+    const QSizeF size = view.size_of(tree());
     QBuffer buffer;
     QSvgGenerator svg;
     svg.setOutputDevice(&buffer);
@@ -277,7 +286,7 @@ QByteArray TreeWindow::as_svg() const
     svg.setTitle(QString::fromStdString(_window.dataset()));
     {
         QPainter painter(&svg);
-        paint_tree(painter, _tree, view, QRectF(QPointF(0, 0), size), marks());
+        paint_tree(painter, tree(), view, QRectF(QPointF(0, 0), size), marks());
     }
     return buffer.data();
 }
@@ -285,15 +294,15 @@ QByteArray TreeWindow::as_svg() const
 QByteArray TreeWindow::as_png() const
 {
     tree_view view;
-    const QSizeF full = view.size_of(_tree);
+    const QSizeF full = view.size_of(tree());
     const double scale = std::min(1.0, std::sqrt(largest_png_area / (full.width() * full.height())));
     view.column_width *= scale;
     view.row_height *= scale;
-    QImage image(view.size_of(_tree).toSize(), QImage::Format_RGB32);
+    QImage image(view.size_of(tree()).toSize(), QImage::Format_RGB32);
     {
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
-        paint_tree(painter, _tree, view, image.rect(), marks());
+        paint_tree(painter, tree(), view, image.rect(), marks());
     }
     QBuffer buffer;
     image.save(&buffer, "PNG");
@@ -309,11 +318,15 @@ void TreeWindow::save(const QString& filter, const char* object_name, const char
         default_file(_window.dataset(), suffix));
     if (filename.isEmpty() || !may_write(this, filename) || !self)
         return;
+    if (!_kept.is_current()) {
+        _kept.finish();
+        show_made();
+    }
     const QByteArray content = render();
     replacing_file file(native_name(filename));
     file.append({content.data(), static_cast<std::size_t>(content.size())});
     // A picture that could not be made must not take the place of an old one.
-    const bool is_made = !content.isEmpty() || _tree.nodes.empty();
+    const bool is_made = !content.isEmpty() || tree().nodes.empty();
     if (!is_made || !file.commit())
         error_line("Cannot open ", native_name(filename));
 }

@@ -1,5 +1,6 @@
 // tree_window.h - the lineage as a tree, in a window of its own that follows edits.
 #pragma once
+#include "following_tree.h"
 #include "orvbrowser.h"
 #include "tree_painter.h"
 
@@ -25,7 +26,7 @@ public:
     TypedField* find = nullptr;            // a ROI key, a unit's number or a name
     TypedField* name = nullptr;            // of the chosen nucleus
 
-    [[nodiscard]] const lineage_tree& tree() const noexcept { return _tree; }
+    [[nodiscard]] const lineage_tree& tree() const noexcept { return _kept.tree(); }
     [[nodiscard]] const tree_view& view() const noexcept { return _view; }
 
 protected:
@@ -41,12 +42,11 @@ protected:
 
 private:
     void state_changed() override;
-    void step_ended(edit_step& step) override { hear_of(step); }
-    void step_replayed(const edit_step& step, bool) override { hear_of(step); }
     void recording_changed() override { state_changed(); }
-    void hear_of(const edit_step& step);
     void add_controls();
     void follow();    // takes over what has changed in the main window
+    void make_slice();
+    void show_made();
     void follow_chosen();
     void show_name();
     [[nodiscard]] std::string unit_to_show() const;    // whose lineage is shown; "" for all
@@ -63,14 +63,12 @@ private:
 
     ORVBrowser& _window;
     const Observing _observing{_window, *this};
-    lineage_tree _tree;
+    following_tree _kept{_window};
     tree_view _view;
-    QTimer _follow_soon;    // runs while the tree is out of date
-    unsigned long _seen_edits = 0;
+    QTimer _follow_soon;    // runs when something has changed
+    QTimer _slices;         // runs while the tree is made
     unsigned long _seen_recording = 0;
-    bool _is_placed = false;     // the person has not moved or zoomed yet
-    bool _is_stale = false;      // what the tree shows beside units and links has changed
-    std::string _seen_head;      // whose lineage is shown
+    bool _is_placed = false;     // the person has moved or zoomed
     std::string _seen_chosen;    // the chosen nucleus
     QPointF _drag_from;
     bool _is_drag = false;

@@ -33,7 +33,9 @@ void move_to_edge(lineage_tree& tree, const indices& way, std::size_t i, bool is
     }
 }
 
-void join(lineage_tree& tree, indices& roots, const tree_link& link)
+}    // namespace
+
+void join_branches_of(const tree_link& link, lineage_tree& tree, indices& roots)
 {
     const indices one = way_to(tree, link.child);
     const indices other = way_to(tree, link.parent);
@@ -48,12 +50,4 @@ void join(lineage_tree& tree, indices& roots, const tree_link& link)
     move_to(moves, is_right ? stays + 1 : stays);
     move_to_edge(tree, one, i, is_right);
     move_to_edge(tree, other, i, !is_right);
-}
-
-}    // namespace
-
-void order_branches(lineage_tree& tree, std::vector<std::size_t>& roots)
-{
-    for (const tree_link& link : tree.slanted)
-        join(tree, roots, link);
 }

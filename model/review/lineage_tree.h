@@ -16,15 +16,20 @@ struct tree_node {
     bool is_dead_end = false;
     bool is_unlinked = false;
     bool is_reviewed = false;
+    bool is_false = false;     // all of its ROIs are false positives
     bool is_small = false;     // one ROI alone
     std::size_t parent = 0;    // the parent with the smallest key, under which it hangs; itself for a root
     std::vector<std::size_t> children;    // those that hang under it
+
+    bool operator==(const tree_node&) const = default;
 };
 
 // A link that does not follow a branch straight down: to a further parent, or from a division.
 struct tree_link {
     std::size_t child;
     std::size_t parent;
+
+    bool operator==(const tree_link&) const = default;
 };
 
 struct lineage_tree {
@@ -37,6 +42,8 @@ struct lineage_tree {
 
     // The node of a unit, or nodes.size().
     [[nodiscard]] std::size_t find(const std::string& unit) const;
+
+    bool operator==(const lineage_tree&) const = default;
 };
 
 // The tree of all units; with `chosen`, of its ancestors, itself and its descendants.

@@ -16,8 +16,14 @@
 // What a unit is called, or "". Costs one walk over the units of each time point back to where it was named.
 [[nodiscard]] std::string name_of(const curation& model, const std::string& unit);
 
+using unit_name_table = std::unordered_map<std::string, std::string>;    // by unit
+
+// The same for one unit after the other while nothing changes: `known` keeps what was found on the way.
+[[nodiscard]] std::string name_of(const curation& model, const std::string& unit, unit_name_table& known);
+
 // The same of all units that are called anything.
-[[nodiscard]] std::unordered_map<std::string, std::string> names_of_all(const curation& model);
+[[nodiscard]] unit_name_table names_of_all(const curation& model);
+[[nodiscard]] unit_name_table names_of_all(const lineage& units);
 
 // The unit with this number, as ID() gives them.
 [[nodiscard]] std::optional<std::string> unit_of_number(curation& model, unsigned number);

@@ -2,6 +2,7 @@
 
 #include "keygen.h"
 #include "meeting_boxes.h"
+#include "set_aside.h"
 
 #include <algorithm>
 
@@ -313,11 +314,10 @@ const std::set<std::string>& unit_scene::loose_at(int t) const
     return tp ? tp->loose : none;
 }
 
-// Only where a nucleus shows in several planes, and at several time points, is one ROI alone none.
 bool unit_scene::is_set_aside(const scene_unit& u) const noexcept
 {
-    return u.shape.rois.size() <= 1 && u.parent_entries == 0 && u.children.empty() && !is_flat() &&
-           _first_t < _last_t;
+    return ::is_set_aside({is_flat(), _first_t, _last_t}, u.shape.rois.size(),
+                          u.parent_entries > 0 || !u.children.empty());
 }
 
 bool unit_scene::is_live(const scene_unit& u) const noexcept

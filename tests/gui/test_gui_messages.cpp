@@ -45,6 +45,13 @@ private slots:
         QCOMPARE(w.said(), QString("x 11, y 6; grey %1; ROI %2; unit %3; parents %4; children none")
                                .arg(SmallRecording::grey(1, 20))
                                .arg(family.large.c_str(), name(family.large), name(family.mother)));
+        w.call(family.mother, "P1 (left)");
+        QCOMPARE(w.said(), "Named " + name(family.mother) + " (P1 (left))");
+        move_pointer(w, 41, 21);
+        move_pointer(w, 11, 6);
+        QVERIFY2(w.said().endsWith("unit " + name(family.large) + " (P1 (left)a); parents " +
+                                   name(family.mother) + " (P1 (left)); children none"),
+                 qPrintable(w.said()));
         w.press(Qt::Key_S);
         click(w, 11, 6);
         QVERIFY(w.said().startsWith("Split: click the second parent."));

@@ -105,6 +105,9 @@ private slots:
         go(QString::number(w.ID(family.large)));
         QCOMPARE(w.here(), (place{1, 21}));
         QCOMPARE(w.marks().ringed(), family.large);
+        w.call(family.mother, "AB");
+        go(" ABa ");
+        QCOMPARE(w.marks().ringed(), family.large);
         go("001022010005");    // of the same unit
         QCOMPARE(w.here(), (place{1, 22}));
         QCOMPARE(w.marks().ringed(), family.large);

@@ -245,7 +245,7 @@ private slots:
         s.page->tree->click();
         auto* const tree = s.w.findChild<TreeWindow*>();
         QVERIFY(tree && QTest::qWaitForWindowExposed(tree));
-        QCOMPARE(tree->tree().nodes.size(), 6U);
+        QTRY_COMPARE(tree->tree().nodes.size(), 6U);
         const auto& node = tree->tree().nodes[tree->tree().find("002020122050")];
         QTest::mouseClick(tree, Qt::LeftButton, {}, tree->view().place(tree->tree(), node).toPoint());
         QCOMPARE(s.w.m_time_point, 2);

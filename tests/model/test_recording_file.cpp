@@ -53,7 +53,7 @@ TEST(recording_file, what_is_wrong_is_one_line_and_the_defaults)
                                  R"({"focal_planes": 4})",
                                  R"({"time_points": [2, 1]})",
                                  R"({"image_size": [0, 5]})",
-                                 "{}" + std::string(1 << 17, ' '),
+                                 "{}" + std::string(1 << 21, ' '),
                                  std::string(5000, '[')};
     for (const std::string& text : cases) {
         const std::string path = folder.with("x.recording.json", text);

@@ -55,8 +55,11 @@ public:
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         const char* rule = _window ? _window->broken_rule() : nullptr;
+        if (_window && !rule && action % 100 == 90)
+            make_in_peace();
         if (_window && !rule && action % 100 == 99)
-            rule = broken_rule_of_history();
+            rule = _window->lists_what_is_found() ? broken_rule_of_history()
+                                                  : "a list of findings made anew is the one that is shown";
         if (_window)
             _window->remember_start();
         return rule;
@@ -95,6 +98,17 @@ private:
         while (afresh.work.undo())
             ;
         return state_of(afresh) == start ? nullptr : "undoing steps from the journal leads to one start";
+    }
+
+    // So that there is something to find.
+    void make_in_peace()
+    {
+        note("make");
+        for (QTimer& timer : _timers)
+            timer.stop();
+        _window->make_units_and_links();
+        for (QTimer& timer : _timers)
+            timer.start(0);
     }
 
     void act_once()

@@ -3,10 +3,13 @@
 #include "../support/curation_probe.h"
 #include "../support/editing.h"
 #include "canvas_view.h"
+#include "edit_scope.h"
 #include "history_page.h"
 #include "lineage_page.h"
+#include "link_making.h"
 #include "pages.h"
 #include "review_page.h"
+#include "review_walk.h"
 
 #include <algorithm>
 
@@ -38,6 +41,38 @@ public:
         return !is_start                ? "undoing everything gives the state of the start"
                : now != state_of(*this) ? "redoing everything gives the state of the end"
                                         : nullptr;
+    }
+
+    void make_units_and_links()
+    {
+        if (!isOpen() || is_busy())
+            return;
+        const EditScope step(*this, "Make");
+        for (int t = m_min_time_point; t <= m_max_time_point; ++t)
+            curation::make_units(t, making());
+        link_making links(*this, making());
+        for (int t = m_min_time_point + 1; t <= m_max_time_point; ++t)
+            links.step(t);
+        ReviewWalk::of(*this)->begin();
+    }
+
+    // What the list of findings has made of all edits so far is what a list made anew finds. It may still be
+    // in the making.
+    [[nodiscard]] bool lists_what_is_found()
+    {
+        ReviewWalk* const walk = ReviewWalk::of(*this);
+        walk->begin();
+        if (!walk->is_made())
+            return true;
+        review anew(*this);
+        anew.finish();
+        const review_counts &followed = walk->counts(), &counted = anew.counts();
+        return followed.open == counted.open && followed.units == counted.units &&
+               followed.reviewed == counted.reviewed && followed.kinds == counted.kinds &&
+               std::ranges::all_of(walk->listed(), [&](const finding* f) {
+                   const finding* const found = anew.of(f->unit);
+                   return found && *found == *f;
+               });
     }
 
     void remember_start()
