@@ -203,6 +203,12 @@ private slots:
         lineage->split->click();
         QVERIFY(s.w.units(1).size() == 1 && s.w.units(0).size() == 2);
         s.w.undo();
+        s.w.choose(s.unit(100, 0));    // which is not doubtful; what comes first is false
+        s.w.set_false_positives(s.w.member(s.unit(100, 1)), true);
+        lineage->split->click();
+        QVERIFY(s.w.units(1).size() == 1 && s.w.units(0).size() == 2);
+        s.w.undo();
+        s.w.undo();
         lineage->auto_split->click();
         QVERIFY2(s.w.said().startsWith("No unit of time point 0 is elite"), qPrintable(s.w.said()));
         QTRY_VERIFY(!lineage->auto_split->isChecked() && !s.w.is_busy());

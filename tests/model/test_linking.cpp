@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <list>
+#include <random>
 
 namespace {
 
@@ -91,6 +92,28 @@ TEST_F(linking, takes_out_the_drift_where_enough_units_tell_it)
         now.push_back({7, 30, 15, 10});
         const bool is_linked = link(before, now).front() == unit_link{0, 0};
         EXPECT_EQ(is_linked, others > 7) << others;
+    }
+}
+
+// A second run over what is linked already, whatever the first has left free.
+TEST_F(linking, adds_nothing_to_what_it_has_made)
+{
+    std::mt19937 random(3);
+    const auto place = [&random](int width) {
+        return static_cast<int>(random() % static_cast<unsigned>(width));
+    };
+    for (int i = 0; i < 60; ++i) {
+        std::vector<cube> before, now;
+        for (int n = 0; n < 30; ++n) {
+            before.push_back({place(90), place(90), place(90), 6 + place(8)});
+            now.push_back({before.back().x + place(9) + 3, before.back().y + place(9),
+                           before.back().z - place(9), 5 + place(9)});
+        }
+        const links made = link(before, now);
+        unit_linker again({1, 1});
+        (void)again.link(units(before));
+        EXPECT_EQ(again.link(units(now), {}, {made}), links()) << i;
+        EXPECT_GT(made.size(), 8U);
     }
 }
 

@@ -31,6 +31,13 @@ TEST(recording_file, what_is_written_reads_back)
     ASSERT_TRUE(write_recording_file(path, told));
     EXPECT_NE(folder.contents("a.b.recording.json").find("scope"), std::string::npos) << "others' members";
     EXPECT_EQ(read_recording_file(path), told);
+    std::string numbers = "0";    // indented, they take five times the room
+    for (int i = 1; i < 300000; ++i)
+        numbers += ",1";
+    const recording_info long_one =
+        read_recording_file(folder.with("y", "{\"of_others\": [" + numbers + "]}"));
+    ASSERT_TRUE(!long_one.further.empty() && write_recording_file(path, long_one));
+    EXPECT_EQ(read_recording_file(path), long_one);
 }
 
 TEST(recording_file, what_is_wrong_is_one_line_and_the_defaults)

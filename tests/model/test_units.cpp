@@ -1,6 +1,7 @@
 // Units, the links between them, and merging.
 #include "../support/captured_lines.h"
 #include "../support/open_curation.h"
+#include "link_making.h"
 
 #include <gtest/gtest.h>
 
@@ -97,4 +98,57 @@ TEST(units, a_merged_unit_takes_over_the_links_of_both)
                              "mergeUnits: N/A %1|Cannot merge N/A and %1: not two units";
     EXPECT_EQ(lines.take().join('|'), refusals.arg(low.c_str(), c.c_str()));
     EXPECT_TRUE(w.m_linkage_multimap.size() == 4 && w.member(low) == members && w.head(c) == c);
+}
+
+// Of two planes each; one lies in the corner, where a unit's key is the key of its time point.
+TEST(units, made_again_what_is_the_same_stays_with_all_that_is_known_of_it)
+{
+    OpenCuration w;
+    for (const int t : {0, 1})
+        for (const int x : {0, 20, 24})
+            for (const int z : {0, 1})
+                put_roi(w, {x, 0, z, t}, 4, 4);
+    const making anew{.spares = spared::nothing};
+    const auto make_all = [&](const making& how) {
+        for (const int t : {0, 1})
+            w.make_units(t, how);
+    };
+    make_all(anew);
+    ASSERT_EQ(w.m_head_members.size(), 12U);
+    const std::string corner = "000000000000", left = "000000020000", right = "000000024000";
+    ASSERT_TRUE(w.call(left, "AB"));
+    for (const int x : {20, 24})
+        w.link(keygen({x, 0, 0, 0}), keygen({x, 0, 0, 1}));
+    const auto [state, notes] = std::pair(state_of(w), w.notes());
+    EXPECT_TRUE(w.units_after_making(0, anew)->gone.empty());
+    make_all(anew);
+    EXPECT_TRUE(state_of(w) == state && w.notes() == notes);
+
+    // What a person has only named is spared, what is otherwise goes with its links.
+    w.mergeUnits(corner, right);
+    const auto after = w.units_after_making(0, {.spares = spared::touched});
+    EXPECT_TRUE(after && after->number == 3 && after->gone == keys({corner}));
+    EXPECT_EQ(w.links_of(after->gone, {}, 1), 1U);
+    w.mergeUnits(keygen({0, 0, 0, 1}), keygen({20, 0, 0, 1}));
+    make_all({.spares = spared::touched});
+    EXPECT_TRUE(w.m_head_members.size() == 12 && w.m_linkage_multimap.empty() && w.notes() == notes);
+    EXPECT_TRUE(broken_state_rule(w) == nullptr);
+}
+
+TEST(units, false_positives_are_not_linked_by_the_nearest)
+{
+    OpenCuration w;
+    for (const int t : {0, 1})
+        for (const int z : {20, 21})
+            put_roi(w, {30, 30, z, t}, 9, 9);
+    w.m_removed_roi_set.insert(keygen({30, 30, 20, 0}));
+    const auto links_of_all = [&] {
+        w.make_units(0, making());
+        w.make_units(1, making());
+        (void)link_making(w, {.spares = spared::nothing}).step(1);
+        return w.m_linkage_multimap.size();
+    };
+    EXPECT_EQ(links_of_all(), 1U);
+    w.m_removed_roi_set.insert(keygen({30, 30, 21, 0}));
+    EXPECT_EQ(links_of_all(), 0U);
 }
