@@ -72,22 +72,25 @@ comparison step_at(const char* work, const window_pointer& window, int zoom, con
             [=] { return at(0, {}); }};
 }
 
-// 1,000 circles of about 900 pixels on a plane of 1200 x 1200 pixels: a diamond for each.
+// 1,000 circles of about 900 pixels on each of the planes 10 to 30, of 1200 x 1200 pixels: a diamond for
+// each.
 std::string crowded_canvas(const std::string& folder)
 {
     const std::string filename = folder + "/canvas.roi";
     std::filesystem::create_directories(folder + "/canvas");
     QImage image(1200, 1200, QImage::Format_Grayscale8);
     image.fill(Qt::gray);
-    (void)image.save(QString::fromStdString(folder + "/canvas/000-020.jpg"));
     std::ofstream file(filename);
     file << "canvas\n";
     std::string outline;
     for (const char* stair : {"23", "03", "01", "21"})
         for (int i = 0; i < 17; ++i)
             outline += stair;
-    for (int i = 0; i < 1000; ++i)
-        file << 2 + i % 32 * 37 << ' ' << 20 + i / 32 * 37 << " 20 0 " << outline << '\n';
+    for (int z = 10; z <= 30; ++z) {
+        (void)image.save(QString("%1/canvas/000-0%2.jpg").arg(QString::fromStdString(folder)).arg(z));
+        for (int i = 0; i < 1000; ++i)
+            file << 2 + i % 32 * 37 << ' ' << 20 + i / 32 * 37 << ' ' << z << " 0 " << outline << '\n';
+    }
     return filename;
 }
 
@@ -120,7 +123,8 @@ std::vector<comparison> view_comparisons(const bench_data& data)
             step_at("step at 1:1.4", demo, -1, {}),
             step_at("step at 1:2", demo, -2, {}),
             step_at("step at 1:1, in a range", demo, 0, narrow),
-            step_at("step at 4:1, in a range, canvas of 1200 x 1200", demo, 4, narrow, large_window),
+            step_at("step at 4:1, in a range, 1200 x 1200", crowded, 4, narrow, large_window),
+            step_at("step at 1:1.4, in a range, 1200 x 1200", crowded, -1, narrow, large_window),
             step_at("step at 1:1.4, canvas half as high", demo, -1, {}, small_window),
             event("zoom about 1,000 outlines", crowded,
                   [](CanvasView& view, int i) {
