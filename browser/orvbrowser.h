@@ -79,6 +79,7 @@ public:
     [[nodiscard]] int time_point() const noexcept { return m_time_point; }
     [[nodiscard]] int focal_plane() const noexcept { return m_focal_plane; }
     [[nodiscard]] QColor color_of(int state) const { return color[state]; }    // an OR of roi_colors.h
+    [[nodiscard]] string roi_under_pointer() const;                            // its key; "" for none
     void link_by_hand(const string& a, const string& b);                       // and notes both as edited
     void split_shown(const string& doubt);           // the same as the button does, with this unit
     void change_info(const recording_info& info);    // sizes and focal planes of the recording, a step

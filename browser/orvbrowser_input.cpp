@@ -312,6 +312,11 @@ void ORVBrowser::click_in_lineage_modes(const string& key)
     }
 }
 
+std::string ORVBrowser::roi_under_pointer() const
+{
+    return m_mouse_over_roi_set.empty() ? string() : *m_mouse_over_roi_set.begin();
+}
+
 void ORVBrowser::link_by_hand(const string& a, const string& b)
 {
     const EditScope edit(*this, "Link", a, b);

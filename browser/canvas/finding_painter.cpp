@@ -63,6 +63,24 @@ void paint_unit(QPainter& painter, ORVBrowser& window, const view_transform& vie
     });
 }
 
+// Where another unit lies on this plane, be it at another time point.
+void paint_other(QPainter& painter, ORVBrowser& window, const view_transform& view, const std::string& unit)
+{
+    painter.setPen(QPen(other_color, 2, Qt::DotLine));
+    painter.setBrush(Qt::NoBrush);
+    for (const std::string& key : window.member(unit)) {
+        const auto found = window.rois().db.find(key);
+        if (found == window.rois().db.end() || found->second.z() != window.focal_plane())
+            continue;
+        q_roiimg raster(found->second);
+        raster.map();
+        QPolygonF outline;
+        for (const QPoint p : raster.qpointarray())
+            outline << view.screen_point(p);
+        painter.drawPolygon(outline);
+    }
+}
+
 }    // namespace
 
 QImage picture_of(const roi_parting& part)
@@ -92,7 +110,9 @@ void paint_finding(QPainter& painter, ORVBrowser& window, const view_transform& 
         paint_unit(painter, window, view, f.unit);
         for (const std::string& other : f.with)
             paint_unit(painter, window, view, other);
-    }
+    } else
+        for (const std::string& other : f.with)
+            paint_other(painter, window, view, other);
     const bool is_about_link = f.proposal == proposal_kind::link || f.proposal == proposal_kind::unlink;
     const auto& units = window.head_members();    // an edit may have taken away what is on view
     for (const std::string& other : f.with) {

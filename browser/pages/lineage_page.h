@@ -90,7 +90,8 @@ private:
     QTimer _count_soon;    // runs while the numbers are out of date
     std::map<int, tally> _tallies;
     bool _stop_asked = false;
-    int _splits = 0;    // of this run of the automatic split
+    QString _split_warning;    // of this run of the automatic split
+    int _splits = 0;           // likewise
     int _merges = 0;
     QPointer<TreeWindow> _tree_window;
     QPointer<HelpWindow> _help_window;

@@ -34,19 +34,20 @@ void LineagePage::split_shown()
 // Parents without elite ancestors count as one nucleus: all that follows rests on the first time point.
 void LineagePage::warn_of_first_time_point()
 {
-    MessageLine* const line = MessageLine::of(_window);
     ReviewWalk* const walk = ReviewWalk::of(_window);
     const int first = _window.min_time_point();
     const std::set<std::string> units = _window.units(first);
     const bool has_elite = std::ranges::any_of(
         units, [this](const std::string& unit) { return _window.elite().contains(unit); });
     const std::size_t open = walk ? walk->open_at(first) : 0;
-    if (line && !has_elite)
-        line->say_error(tr("No unit of time point %1 is elite: all of them are taken for right").arg(first));
-    else if (line && open > 0)
-        line->say_error(tr("%1 findings are open at time point %2, whose units are taken for right")
-                            .arg(open)
-                            .arg(first));
+    _split_warning.clear();
+    if (!has_elite)
+        _split_warning = tr("No unit of time point %1 is elite: all of them are taken for right").arg(first);
+    else if (open > 0)
+        _split_warning =
+            tr("%1 findings are open at time point %2, whose units are taken for right").arg(open).arg(first);
+    if (MessageLine* const line = MessageLine::of(_window))
+        line->say_error(_split_warning);
 }
 
 // The passes begin once the switch itself is done: what goes on meanwhile may delete it.
@@ -105,6 +106,7 @@ void LineagePage::tell_splits()
     MessageLine* const line = MessageLine::of(_window);
     if (!line)
         return;
-    line->forget_error();    // what was warned of
-    line->say(tr("%1 split, %2 merged, %3 left").arg(_splits).arg(_merges).arg(left.size()));
+    const QString done = tr("%1 split, %2 merged, %3 left").arg(_splits).arg(_merges).arg(left.size());
+    line->forget_error();
+    line->say(_split_warning.isEmpty() ? done : done + ". " + _split_warning);
 }

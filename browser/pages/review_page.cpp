@@ -252,7 +252,7 @@ void ReviewPage::update_controls()
     const std::optional<::finding>& current = _walk.current();
     for (QLabel* const label : {finding, proposal, remaining})    // where there is no strip it is theirs
         label->resize(_walk.parting() ? label_width : page_width - label->x(), label->height());
-    show_fitting(*finding, current ? QString::fromStdString(reason_of(*current)) : QString());
+    show_fitting(*finding, QString::fromStdString(_walk.reason()));
     show_fitting(*proposal, current ? QString::fromStdString(proposal_of(*current)) : QString());
     show_fitting(*remaining, text_of_counts());
     lineage->setChecked(!_walk.chosen().lineage.empty());

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -25,12 +26,43 @@ ReviewWalk::ReviewWalk(ORVBrowser& window) : QObject(&window), _window(window), 
     connect(&_making, &QTimer::timeout, this, &ReviewWalk::make_on);
     _tell_soon.setSingleShot(true);
     connect(&_tell_soon, &QTimer::timeout, this, &ReviewWalk::list_changed);
+    _look_soon.setSingleShot(true);
+    connect(&_look_soon, &QTimer::timeout, this, &ReviewWalk::look_whether_left);
     _review.on_change = [this] { _tell_soon.start(0); };
 }
 
 ReviewWalk* ReviewWalk::of(const ORVBrowser& window)
 {
     return window.findChild<ReviewWalk*>("reviewWalk", Qt::FindDirectChildrenOnly);
+}
+
+// Called after each single change.
+void ReviewWalk::state_changed()
+{
+    if (_current)
+        _look_soon.start(0);
+}
+
+void ReviewWalk::waiting_changed()
+{
+    if (!_window.is_waited_for() && std::exchange(_is_making_put_off, false))
+        begin();
+}
+
+// Another nucleus was chosen, or what the finding is about has gone.
+bool ReviewWalk::is_left() const
+{
+    if (!_current)
+        return false;
+    if (_window.head_members().contains(_current->unit))
+        return _window.chosen() != _current->unit;
+    return _current->kind != finding_kind::no_unit || !_window.rois().db.contains(_current->unit);
+}
+
+void ReviewWalk::look_whether_left()
+{
+    if (is_left())
+        show(std::nullopt);
 }
 
 void ReviewWalk::recording_changed()
@@ -53,8 +85,11 @@ void ReviewWalk::begin()
 
 void ReviewWalk::make_on()
 {
-    if (_window.is_busy())    // what goes on makes it stale
+    if (_window.is_busy()) {    // what goes on makes it stale, and would look for us at each of its steps
+        _is_making_put_off = true;
+        _making.stop();
         return;
+    }
     if (!_window.isOpen() || !_review.advance())
         _making.stop();
     emit list_changed();
@@ -92,6 +127,14 @@ void ReviewWalk::update_list()
         return (_choice.kind && f->kind != *_choice.kind) || f->t < _choice.first_t ||
                f->t > _choice.last_t || (!_choice.lineage.empty() && !lineage.contains(f->unit));
     });
+    put_in_order();
+    const auto found = std::ranges::find_if(_listed, [this](const finding* f) { return _current == *f; });
+    if (found != _listed.end())
+        _row = static_cast<int>(found - _listed.begin());
+}
+
+void ReviewWalk::put_in_order()
+{
     if (_choice.by == order::time)
         std::ranges::stable_sort(_listed, {}, [](const finding* f) { return f->unit; });
     if (_choice.by != order::lineage)
@@ -106,7 +149,7 @@ void ReviewWalk::update_list()
 std::size_t ReviewWalk::open_at(int t)
 {
     if (!is_made())
-        return 0;
+        _review.finish();
     return static_cast<std::size_t>(
         std::ranges::count_if(_review.ranked(), [t](const finding* f) { return f->t == t; }));
 }
@@ -119,6 +162,20 @@ const review_counts& ReviewWalk::counts()
 
 // ---- The finding on view
 
+bool ReviewWalk::is_listed()
+{
+    const auto& all = listed();
+    return _row >= 0 && _row < static_cast<int>(all.size()) &&
+           _current == *all[static_cast<std::size_t>(_row)];
+}
+
+std::string ReviewWalk::reason() const
+{
+    if (!_current)
+        return {};
+    return _is_by_hand ? tr("As you have asked").toStdString() : reason_of(*_current);
+}
+
 void ReviewWalk::go_to(int row)
 {
     if (row < 0 || row >= static_cast<int>(listed().size()))
@@ -130,10 +187,7 @@ void ReviewWalk::go_to(int row)
 void ReviewWalk::next()
 {
     begin();
-    const auto& all = listed();
-    const bool is_there = _row >= 0 && _row < static_cast<int>(all.size()) && _current &&
-                          *all[static_cast<std::size_t>(_row)] == *_current;
-    show_next_after(is_there ? _row : _row - 1);    // where it is settled, the next has its row
+    show_next_after(is_listed() ? _row : _row - 1);    // where it is settled, the next has its row
 }
 
 void ReviewWalk::previous()
@@ -161,20 +215,30 @@ void ReviewWalk::show(std::optional<finding> f)
     _current = std::move(f);
     _parting.reset();
     _offset = 0;
-    if (_current) {
+    _is_by_hand = false;
+    if (_current)
         lead_to(*_current);
-        show_cut();
-    }
-    emit shown();
+    else
+        emit shown();
 }
 
-void ReviewWalk::lead_to(const finding& f)
+// Events are served on the way: they may show another one, or delete the window.
+void ReviewWalk::lead_to(finding f)
 {
+    const QPointer<ReviewWalk> self(this);
     if (_window.head_members().contains(f.unit))
         _window.choose(f.unit);
     lead_to_unit(_window, f.unit);
-    if (f.proposal == proposal_kind::cut_outline || f.proposal == proposal_kind::cut_between)
+    if (!self || _current != f)
+        return;
+    const bool has_plane = f.proposal == proposal_kind::cut_outline ||
+                           f.proposal == proposal_kind::cut_between || f.kind == finding_kind::two_pieces;
+    if (has_plane)
         _window.setCurrentFocalPlane(f.plane);
+    if (!self || _current != f)
+        return;
+    show_cut();
+    emit shown();
     const bool may_be_gap = f.proposal == proposal_kind::none &&
                             (f.kind == finding_kind::dead_end || f.kind == finding_kind::unlinked);
     say(QString::fromStdString(reason_of(f) + ". " + proposal_of(f)) + tr("? Return") +
@@ -191,108 +255,20 @@ void ReviewWalk::move_cut(double pixels)
 {
     if (!_parting)
         return;
+    auto moved = _review.preview(*_current, _offset + pixels);
+    if (!moved)    // all of it would lie on one side
+        return;
     _offset += pixels;
-    show_cut();
+    _parting = std::move(moved);
     emit shown();
-}
-
-// ---- Decisions
-
-void ReviewWalk::accept()
-{
-    if (!_current)
-        return say(tr("No finding is shown. N: the next one"));
-    const finding f = *_current;
-    if (!_review.accept(f, _offset))    // which says why
-        return;
-    _window.show_changes();
-    next();
-}
-
-void ReviewWalk::dismiss()
-{
-    if (!_current)
-        return say(tr("No finding is shown. N: the next one"));
-    const finding f = *_current;
-    _review.dismiss(f);
-    next();
-}
-
-review::alike ReviewWalk::alike()
-{
-    return _current ? _review.all_like(*_current, listed()) : review::alike();
-}
-
-void ReviewWalk::accept_all()
-{
-    if (!_current || !alike().is_offered())
-        return;
-    const finding f = *_current;
-    const QPointer<ReviewWalk> self(this);
-    const review_summary summary = _review.accept_all_like(f, listed());
-    if (!self)
-        return;
-    _window.show_changes();
-    next();
-    say(tr("%1 accepted, %2 left").arg(summary.accepted).arg(summary.left));
-}
-
-std::string ReviewWalk::unit_on_view()
-{
-    return _current && _window.head_members().contains(_current->unit) ? _current->unit : _window.chosen();
-}
-
-bool ReviewWalk::toggle_gap(const std::string& earlier, const std::string& later)
-{
-    return _review.is_gap(earlier, later) ? _review.take_back_gap(earlier, later)
-                                          : _review.acknowledge_gap(earlier, later);
-}
-
-void ReviewWalk::toggle_reviewed()
-{
-    const std::string unit = unit_on_view();
-    if (!_window.head_members().contains(unit))
-        return say(tr("No nucleus is chosen"));
-    _review.set_reviewed(unit, !_review.is_reviewed(unit));
-    _window.show_changes();
-}
-
-void ReviewWalk::cut_unit()
-{
-    const std::string unit = unit_on_view();
-    if (!_window.head_members().contains(unit))
-        return say(tr("No nucleus is chosen"));
-    show(_review.cut_by_hand(unit));
-    say(_parting ? tr("Cut it here? Return; comma and full stop move the cut; Esc: no")
-                 : tr("There are no two sides to it"));
-    if (!_parting)
-        show(std::nullopt);
-}
-
-void ReviewWalk::walk(finding_kind kind, bool forth)
-{
-    begin();
-    if (!is_made())
-        _review.finish();
-    const std::set<std::string>& units = _review.units_with(kind);
-    if (units.empty())
-        return say(tr("%1: none").arg(QString::fromUtf8(name_of(kind))));
-    const std::string chosen = _window.chosen();
-    const bool is_here = is_roi_key(chosen) && decode(chosen).t() == _window.time_point();
-    const std::string from = is_here ? chosen : time_key(_window.time_point());
-    auto found = forth ? units.upper_bound(from) : units.lower_bound(from);
-    if (forth && found == units.end())
-        found = units.begin();
-    if (!forth)
-        found = std::prev(found == units.begin() ? units.end() : found);
-    const std::string unit = *found;
-    _window.choose(unit);
-    lead_to_unit(_window, unit);
-    say(tr("%1: unit %2").arg(QString::fromUtf8(name_of(kind))).arg(_window.ID(unit)));
 }
 
 bool ReviewWalk::take_key(int key)
 {
+    if (_is_accepting) {
+        _is_stop_asked |= key == Qt::Key_Escape;
+        return true;
+    }
     switch (key) {
     case Qt::Key_N:
         return next(), true;

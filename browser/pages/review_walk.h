@@ -42,14 +42,15 @@ public:
     [[nodiscard]] const choice& chosen() const noexcept { return _choice; }
     void choose(choice wanted);
     [[nodiscard]] const std::vector<const finding*>& listed();
-    // Open findings of a time point; none until the list is made.
-    [[nodiscard]] std::size_t open_at(int t);
+    [[nodiscard]] std::size_t open_at(int t);       // makes the list where it is not made
     [[nodiscard]] const review_counts& counts();    // of the lineage where one is chosen
 
     // ---- The finding on view
     [[nodiscard]] const std::optional<finding>& current() const noexcept { return _current; }
     // The row that it has in the list, or had until it was settled; -1: none.
     [[nodiscard]] int row() const noexcept { return _row; }
+    [[nodiscard]] bool is_listed();              // it is, in that row
+    [[nodiscard]] std::string reason() const;    // in words; "" for no finding
     void go_to(int row);
     void next();
     void previous();
@@ -83,11 +84,16 @@ signals:
     void shown();    // the finding on view, or its preview, is another
 
 private:
+    void state_changed() override;
+    void waiting_changed() override;
     void recording_changed() override;
+    [[nodiscard]] bool is_left() const;
+    void look_whether_left();
     void make_on();
     void update_list();
+    void put_in_order();
     void show(std::optional<finding> f);
-    void lead_to(const finding& f);
+    void lead_to(finding f);
     void show_cut();
     void show_next_after(int row);
     void say(const QString& text);
@@ -97,6 +103,11 @@ private:
     const Observing _observing{_window, *this};
     QTimer _making;
     QTimer _tell_soon;
+    QTimer _look_soon;
+    bool _is_making_put_off = false;
+    bool _is_by_hand = false;      // the cut on view
+    bool _is_accepting = false;    // all of a class
+    bool _is_stop_asked = false;
     choice _choice;
     std::vector<const finding*> _listed;
     review_counts _lineage_counts;

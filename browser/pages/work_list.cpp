@@ -87,6 +87,11 @@ void WorkList::update()
 {
     if (!isVisible())
         return;
+    _walk.begin();
+    setWindowTitle(
+        _walk.is_made()
+            ? tr("Work list -- ORVBrowser")
+            : tr("Work list, being made: %1 % -- ORVBrowser").arg(static_cast<int>(100 * _walk.progress())));
     _table.update();
     follow();
 }
@@ -95,7 +100,7 @@ void WorkList::follow()
 {
     if (!isVisible())
         return;
-    _walk.current() ? _view->selectRow(_walk.row()) : _view->clearSelection();
+    _walk.is_listed() ? _view->selectRow(_walk.row()) : _view->clearSelection();
 }
 
 void WorkList::keyPressEvent(QKeyEvent* e) { QCoreApplication::sendEvent(&_window, e); }

@@ -155,7 +155,11 @@ lineage curation::current_lineage() const
             units.elite.insert(units.elite.end(), head);
     put_notes(m_unit_notes, units);
     const auto is_gone = [this](const string& key) { return !key.empty() && !m_roidb->db.contains(key); };
-    std::erase_if(units.dismissed, [&](const dismissal& d) { return is_gone(d.head) || is_gone(d.other); });
+    std::set<dismissal> dismissed;
+    for (const dismissal& d : units.dismissed)
+        if (!is_gone(d.head))
+            dismissed.insert({d.kind, d.head, is_gone(d.other) ? string() : d.other});
+    units.dismissed = std::move(dismissed);
     return units;
 }
 

@@ -231,6 +231,10 @@ std::optional<two_sides> find_two_ellipsoids(std::span<const pos3d> pixels,
         return best;
     if (auto other = parting_pixels(pixels).part(from); other && (!best || other->gain > best->gain))
         best = std::move(other);
+    if (best && !best->boundary && inner_product(best->normal, from->first - from->second) < 0) {
+        std::swap(best->plus, best->minus);
+        best->normal = best->normal * -1;
+    }
     return best;
 }
 

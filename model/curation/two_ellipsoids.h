@@ -42,6 +42,7 @@ constexpr double least_gain_of_two = 0.1;    // a lower gain: one nucleus
 
 // The best cut, from the longest axis on, or from two points of which one lies in each nucleus. Where one
 // between two planes is about as good, it is that. Nothing when either side would have too few pixels.
+// The first of the two points lies on the plus side, but for a cut between planes.
 // Of many pixels a fixed part is looked at: the time does not grow with their number.
 [[nodiscard]] std::optional<two_sides>
 find_two_ellipsoids(std::span<const pos3d> pixels,

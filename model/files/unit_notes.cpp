@@ -63,6 +63,8 @@ std::string about_another(const std::string& note, const std::string& from, cons
     std::string changed;
     std::string word;
     for (int i = 0; (i < 2 || !has_name) && text >> word; ++i) {
+        if (i > 2 && word == from && to.empty() && note.starts_with("DISMISSED "))
+            continue;    // it is about the first of the two
         if (i > 0 && word == from && to.empty())
             return {};
         changed += (i > 0 ? " " : "") + (i > 0 && word == from ? to : word);

@@ -179,13 +179,20 @@ private:
         return before ? before : nearest_free(false, reach, of_similar_volume);
     }
 
+    // A person has looked at both, and they are not linked.
+    [[nodiscard]] bool was_parted_from(const scene_unit& other) const
+    {
+        return _u.is_reviewed && other.is_reviewed;
+    }
+
     [[nodiscard]] scene_unit* nearest_free(bool is_before, double reach, bool of_similar_volume) const
     {
         scene_unit* found = nullptr;
         double least = reach;
         _scene.for_each_near(_u, _u.t + (is_before ? -1 : 1), reach, [&](scene_unit& other, double d) {
-            const bool is_free = is_before ? other.children.empty() : other.parent_entries == 0;
-            if (!is_free || !_scene.is_live(other) ||
+            const bool is_free = is_before ? other.children.empty() && !other.is_before_gap
+                                           : other.parent_entries == 0 && !other.is_behind_gap;
+            if (!is_free || !_scene.is_live(other) || was_parted_from(other) ||
                 (of_similar_volume && ratio(_u, other) > volume_of_link))
                 return;
             if (d > least || (found && d == least && found->head < other.head))
@@ -256,7 +263,7 @@ private:
         const scene_unit* mother = nullptr;
         double least = reach_of_daughter;
         _scene.for_each_near(_u, _u.t - 1, reach_of_daughter, [&](const scene_unit& other, double d) {
-            if (other.children.size() != 1 || !_scene.is_live(other) || d >= least)
+            if (other.children.size() != 1 || !_scene.is_live(other) || was_parted_from(other) || d >= least)
                 return;
             const scene_unit& sister = *other.children.front();
             const pos3d middle = (_u.shape.centre + sister.shape.centre) / 2;

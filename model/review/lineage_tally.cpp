@@ -55,9 +55,8 @@ void count_units(const curation& model, std::map<int, tally>& tallies)
         const bool has_child = parents.contains(unit);
         const bool has_parent = model.links().contains(unit);
         const auto rois = static_cast<std::size_t>(std::distance(first, last));
-        const bool is_false = std::all_of(first, last, [&](const auto& entry) {
-            return model.false_positives().contains(entry.second);
-        });
+        const bool is_false = std::all_of(
+            first, last, [&](const auto& entry) { return model.false_positives().contains(entry.second); });
         if (is_false || is_set_aside(span, rois, has_child || has_parent))
             return;
         at.dead_ends += t < span.last_t && !has_child;

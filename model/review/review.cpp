@@ -163,13 +163,9 @@ bool review::is_dismissed(const finding& f) const
 
 bool review::is_in_gap(const finding& f) const
 {
-    if (f.kind == finding_kind::dead_end)
-        return has_note(_model.notes(), "GAP " + f.unit);
-    if (f.kind != finding_kind::unlinked)
-        return false;
-    const auto first = _model.notes().lower_bound("GAP ");
-    const auto last = _model.notes().lower_bound("GAP!");    // behind all of them
-    return std::any_of(first, last, [&](const std::string& note) { return note.ends_with(' ' + f.unit); });
+    const scene_unit* const u = _scene.find(f.unit);
+    return u && ((f.kind == finding_kind::dead_end && u->is_before_gap) ||
+                 (f.kind == finding_kind::unlinked && u->is_behind_gap));
 }
 
 void review::has_changed()

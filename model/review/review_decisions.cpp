@@ -46,6 +46,7 @@ bool review::carry_out(const finding& f, double offset)
 {
     if (f.proposal == proposal_kind::none) {
         _model.set_dismissed(dismissal_of(f), true);
+        _model.set_reviewed(f.unit, true);
         return true;
     }
     std::set<std::string> rois = _model.member(f.unit);

@@ -168,6 +168,11 @@ void unit_scene::mark(scene_unit& u) const
 {
     u.is_false = _model.is_false(u.head);
     u.is_reviewed = _model.is_reviewed(u.head);
+    u.is_before_gap = u.is_behind_gap = false;
+    for (const auto& [earlier, later] : notes_of_kind(_model.notes(), "GAP")) {
+        u.is_before_gap |= earlier == u.head;
+        u.is_behind_gap |= later == u.head;
+    }
 }
 
 void unit_scene::remove_unit(scene_unit& u)

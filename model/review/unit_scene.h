@@ -37,6 +37,8 @@ struct scene_unit {
 
     bool is_false = false;         // all of its ROIs are false positives
     bool is_reviewed = false;      // or elite: no proposal contradicts it
+    bool is_before_gap = false;    // it is seen again some time points later
+    bool is_behind_gap = false;
     std::optional<double> gain;    // of two ellipsoids, once it was asked for
 };
 

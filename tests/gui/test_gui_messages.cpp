@@ -91,10 +91,10 @@ private slots:
         w.press(Qt::Key_BracketRight);
         QCOMPARE(w.said(), "Chosen: " + name(family.large));
         find("dead_end");
-        QCOMPARE(w.said(), "Dead end: unit " + name(family.small));    // the one behind it
+        QVERIFY(w.said().startsWith("It has no child.") && w.chosen() == family.small);    // behind it
         w.release_child(family.mother, family.large);
         find("unlinked");
-        QCOMPARE(w.said(), "Unlinked: unit " + name(family.large));
+        QVERIFY(w.said().startsWith("It has no parent") && w.chosen() == family.large);
         find("doubtful");
         QVERIFY(w.said().endsWith(": none"));
         w.link(family.large, family.mother);    // in whichever order
