@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
+#include <QSlider>
 
 #include <algorithm>
 
@@ -47,12 +48,14 @@ QRect text_place(const QPainter& painter, QPoint corner, const QString& text, co
 
 }    // namespace
 
-std::map<int, int> rois_by_plane(const roidb_plus& rois, int t)
+std::map<int, int> rois_by_plane(const ORVBrowser& window)
 {
     std::map<int, int> found;
-    const auto [first, last] = at_time_point(rois.tz_xy_db, t);
+    const QSlider& planes = *window.slider_focal_plane;
+    const auto [first, last] = at_time_point(window.rois().tz_xy_db, window.time_point());
     for (auto entry = first; entry != last; ++entry)
-        ++found[decode(entry->first).z()];
+        if (const int z = decode(entry->first).z(); planes.minimum() <= z && z <= planes.maximum())
+            ++found[z];
     return found;
 }
 
@@ -236,18 +239,25 @@ void CanvasMarks::paint_scale_bar(QPainter& painter)
     painter.drawText(back.adjusted(-20, 0, 20, -8), Qt::AlignCenter, text);
 }
 
+QString CanvasMarks::where_rois_lie()
+{
+    const std::map<int, int> planes = rois_by_plane(_window);
+    if (!planes.empty())
+        return tr("ROIs lie on planes %1 to %2: press Home.")
+            .arg(planes.begin()->first)
+            .arg(planes.rbegin()->first);
+    const auto [first, last] = at_time_point(_window.rois().tz_xy_db, _window.time_point());
+    return first == last ? tr("No ROIs at this time point.")
+                         : tr("ROIs lie on other planes: page Lineage, Scale: last focal plane.");
+}
+
 QString CanvasMarks::notice()
 {
     if (!_window.isOpen() || _window.image_on_view())
         return {};
     QStringList lines;
-    const std::map<int, int> planes = rois_by_plane(_window.rois(), _window.time_point());
-    if (!planes.contains(_window.focal_plane()))
-        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' +
-                     (planes.empty() ? tr("No ROIs at this time point.")
-                                     : tr("ROIs lie on planes %1 to %2: press Home.")
-                                           .arg(planes.begin()->first)
-                                           .arg(planes.rbegin()->first));
+    if (!rois_by_plane(_window).contains(_window.focal_plane()))
+        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' + where_rois_lie();
     const QString folder = QFileInfo(QFile::decodeName(_window.image_filename().c_str())).path();
     if (!QDir(folder).exists())
         lines << tr("There is no image folder %1").arg(folder)

@@ -11,8 +11,9 @@
 #include <string>
 #include <vector>
 
-// How many ROIs each focal plane of a time point has, of those that have any.
-[[nodiscard]] std::map<int, int> rois_by_plane(const roidb_plus& rois, int t);
+// How many ROIs each focal plane of the time point on view has, of those that have any and that one can go
+// to.
+[[nodiscard]] std::map<int, int> rois_by_plane(const ORVBrowser& window);
 
 enum class tail_choice { none, of_chosen, of_near };
 
@@ -51,6 +52,7 @@ public:
 
 private:
     void state_changed() override { _view.update_canvas(); }
+    void waiting_changed() override { _view.update_canvas(); }    // tails are not drawn during a run
     void recording_changed() override { clear_rings(); }
 
     void paint(QPainter& painter);
@@ -61,6 +63,7 @@ private:
     void paint_tails(QPainter& painter);
     void paint_scale_bar(QPainter& painter);
     void paint_notice(QPainter& painter);
+    [[nodiscard]] QString where_rois_lie();
     void paint_label(QPainter& painter, const std::string& unit, const QString& text);
     void follow_split_parents();
 
