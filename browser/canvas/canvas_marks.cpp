@@ -10,6 +10,7 @@
 #include <QSlider>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -207,19 +208,30 @@ void CanvasMarks::paint_ring(QPainter& painter, const std::string& unit, const Q
         draw_text(painter, text_place(painter, ring.topLeft(), letter, canvas), letter);
 }
 
+// Found anew when anything has changed that they depend on, rather than for each painting.
+const std::vector<tail_segment>& CanvasMarks::segments()
+{
+    tail_origin now{_choice,         _window.chosen(),    _window.time_point(),     _window.focal_plane(),
+                    _window.edits(), _window.recording(), _window.rois().revision()};
+    if (now == _segments_of)
+        return _segments;
+    _segments_of = std::move(now);
+    const std::string& chosen = _segments_of.chosen;
+    std::set<std::string> units;
+    if (_choice.tails == tail_choice::of_near)
+        units = _tails.near_plane(_segments_of.t, _segments_of.z, near_planes);
+    else if (is_roi_key(chosen))
+        units = {chosen};
+    _segments = _tails.of(units, _choice.tail_steps, _segments_of.t);
+    return _segments;
+}
+
 void CanvasMarks::paint_tails(QPainter& painter)
 {
     if (_choice.tails == tail_choice::none || _window.links().empty() || _window.is_running())
         return;
-    const std::string chosen = _window.chosen();
-    const int t = _window.time_point();
-    std::set<std::string> units;
-    if (_choice.tails == tail_choice::of_near)
-        units = _tails.near_plane(t, _window.focal_plane(), near_planes);
-    else if (is_roi_key(chosen))
-        units = {chosen};
     const auto place = [this](pos3d p) { return _view.view().screen_point({p.x() + 0.5, p.y() + 0.5}); };
-    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps, t)) {
+    for (const tail_segment& segment : segments()) {
         const QColor color(segment.of == tail_segment::part::before  ? "#60a0ff"
                            : segment.of == tail_segment::part::after ? "#ff9040"
                                                                      : "#ffff60");

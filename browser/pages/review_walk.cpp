@@ -23,6 +23,7 @@ ReviewWalk::ReviewWalk(ORVBrowser& window) : QObject(&window), _window(window), 
 {
     setObjectName("reviewWalk");
     connect(&_making, &QTimer::timeout, this, &ReviewWalk::make_on);
+    connect(&_cutting, &QTimer::timeout, this, &ReviewWalk::cut_anew);
     _tell_soon.setSingleShot(true);
     connect(&_tell_soon, &QTimer::timeout, this, &ReviewWalk::list_changed);
     _review.on_change = [this] { _tell_soon.start(0); };
@@ -160,6 +161,7 @@ void ReviewWalk::show(std::optional<finding> f)
 {
     _current = std::move(f);
     _parting.reset();
+    _cutting.stop();
     _offset = 0;
     if (_current) {
         lead_to(*_current);
@@ -194,6 +196,46 @@ void ReviewWalk::move_cut(double pixels)
     _offset += pixels;
     show_cut();
     emit shown();
+}
+
+// ---- What was edited meanwhile
+
+void ReviewWalk::follow(const scene_changes& changes)
+{
+    if (!_current)
+        return;
+    const auto is_reshaped = [&](const std::string& unit) { return changes.reshaped.contains(unit); };
+    if (!stands(*_current))
+        show(std::nullopt);
+    else if (is_cut(*_current) &&
+             (is_reshaped(_current->unit) || std::ranges::any_of(_current->with, is_reshaped)))
+        _cutting.start(0);    // this is called in the middle of the edit
+}
+
+// Whether its unit, or ROI in none, is there, and no link was made or removed by hand.
+bool ReviewWalk::stands(const finding& f)
+{
+    const bool is_free =
+        _window.has_rois() && _window.rois().db.contains(f.unit) && !is_roi_key(_window.head(f.unit));
+    if (!_window.head_members().contains(f.unit) && !is_free)
+        return false;
+    if (f.with.empty() || (f.proposal != proposal_kind::link && f.proposal != proposal_kind::unlink))
+        return true;
+    const auto [parent, child] = std::minmax(f.unit, f.with.front());
+    return _window.parents(child).contains(parent) == (f.proposal == proposal_kind::unlink);
+}
+
+void ReviewWalk::cut_anew()
+{
+    if (_window.is_busy())
+        return;
+    _cutting.stop();
+    _offset = 0;
+    show_cut();
+    if (_parting)
+        emit shown();
+    else
+        show(std::nullopt);
 }
 
 // ---- Decisions

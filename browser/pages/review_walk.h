@@ -84,6 +84,11 @@ signals:
 
 private:
     void recording_changed() override;
+    void step_ended(edit_step& step) override { follow(changes_in(step)); }
+    void step_replayed(const edit_step& step, bool forth) override { follow(changes_in(step, forth)); }
+    void follow(const scene_changes& changes);
+    [[nodiscard]] bool stands(const finding& f);
+    void cut_anew();
     void make_on();
     void update_list();
     void show(std::optional<finding> f);
@@ -96,6 +101,7 @@ private:
     review _review;
     const Observing _observing{_window, *this};
     QTimer _making;
+    QTimer _cutting;    // runs while the preview is out of date
     QTimer _tell_soon;
     choice _choice;
     std::vector<const finding*> _listed;
