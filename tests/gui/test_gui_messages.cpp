@@ -2,8 +2,10 @@
 #include "../support/captured_lines.h"
 #include "../support/mother_and_daughters.h"
 #include "../support/paged_window.h"
+#include "busy_run.h"
 
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTabBar>
 
 #include <functional>
@@ -160,6 +162,23 @@ private slots:
             QVERIFY(w.said() != "Something is wrong");
             QCOMPARE(w.marks().ringed().empty(), &input == &inputs[0]);
         }
+    }
+
+    void aRunKeepsItsPointerAndLeavesTheKeyboardInAField()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        auto* const page = w.findChild<QWidget*>("viewPage");
+        w.tabWidget_control_panel->setCurrentWidget(page);
+        auto* const field = page->findChild<QSpinBox*>();
+        field->setFocus();
+        {
+            const BusyRun run(w);
+            w.disarm();
+            QCOMPARE(w.cursor().shape(), Qt::WaitCursor);
+        }
+        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        QVERIFY(field->hasFocus());
     }
 
     void whatLiesUnderThePointerFollowsTheWheel()
