@@ -1,5 +1,7 @@
 #include "busy_run.h"
 
+#include "keyboard_rules.h"
+
 BusyRun::BusyRun(ORVBrowser& window) : LongRun(window), _window(&window)
 {
     if (window.m_busy_runs++ > 0)
@@ -13,10 +15,10 @@ BusyRun::~BusyRun()
 {
     if (!_window || --_window->m_busy_runs > 0)
         return;
-    _window->show_mode_cursor();
+    _window->show_fitting_cursor();
     _window->setTrackingButtonsEnabled(_window->has_rois());
     // A disabled button hands the keyboard to another one: it belongs to the canvas.
-    if (!qobject_cast<QLineEdit*>(_window->focusWidget()))
+    if (!is_field(_window->focusWidget()))
         _window->frame_canvas->setFocus();
     _window->announce_waiting();
 }

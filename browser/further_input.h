@@ -17,9 +17,8 @@ public:
     [[nodiscard]] virtual bool take_press(QMouseEvent& e) = 0;
     [[nodiscard]] virtual bool take_move(QMouseEvent& e) = 0;
 
-    // A key or a press begins to be served, and has been; the pointer points at something else, or the wheel
-    // has turned. Whoever it was for.
-    virtual void input_begins() {}
+    // A key or a press has been served; the pointer points at something else, or the wheel has turned.
+    // Whoever it was for.
     virtual void input_served() {}
     virtual void pointer_moved() {}
 

@@ -12,12 +12,12 @@
 #include <QSpinBox>
 #include <QTabBar>
 
-namespace {
-
 bool is_field(const QObject* widget)
 {
     return qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget);
 }
+
+namespace {
 
 // What a person uses with the pointer, and only now and then with keys.
 bool is_tool(const QObject* widget)

@@ -11,6 +11,9 @@ class ORVBrowser;
 class QKeyEvent;
 class QWidget;
 
+// True iff what is typed goes into this widget. Null is none.
+[[nodiscard]] bool is_field(const QObject* widget);
+
 class KeyboardRules : public QObject {
 public:
     // For `root` and all it holds now or later, up to windows of their own. `home` has the keyboard

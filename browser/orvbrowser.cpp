@@ -133,9 +133,3 @@ void ORVBrowser::finish()
     show_changes();
     processEvents();
 }
-
-void ORVBrowser::end_waiting()
-{
-    if (m_busy_runs == 0)    // else a run around this operation is still waited for
-        show_mode_cursor();
-}

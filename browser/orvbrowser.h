@@ -84,9 +84,10 @@ public:
     void split_shown(const string& doubt);           // the same as the button does, with this unit
     void change_info(const recording_info& info);    // sizes and focal planes of the recording, a step
     [[nodiscard]] bool is_waited_for() const noexcept { return m_busy_runs > 0; }
-    void highlight(const string& unit);    // shows its ROIs as if the pointer were on them, until it moves
-    void show_changes();                   // marks the picture as out of date and paints it at once
-    void finish();                         // the same, and lets pending events be processed
+    void highlight(const string& unit);     // shows its ROIs as if the pointer were on them, until it moves
+    void light_roi_at(QPoint on_canvas);    // the one that is shown there alone, if there is one
+    void show_changes();                    // marks the picture as out of date and paints it at once
+    void finish();                          // the same, and lets pending events be processed
 
     // ---- Undo, redo, and what is kept of the work (orvbrowser_history.cpp)
     void undo();
@@ -278,7 +279,6 @@ private:
     void processEvents();
     [[nodiscard]] bool can_process_events() const noexcept;
     bool process_events_of_run(QEventLoop::ProcessEventsFlags flags);    // false when there were none
-    void end_waiting();                                                  // shows the cursor of before a wait
 
     // ---- Navigation
     struct position_controls {
@@ -305,7 +305,7 @@ private:
 
     // ---- Input
     void set_mode(bool& flag, QCursor& before, bool on);
-    void show_mode_cursor();
+    void show_fitting_cursor();
     bool press_mode_key(int key);    // true iff it is one
     void press_other_key(int key);
     void toggle_lineage_mode();

@@ -61,7 +61,7 @@ bool ORVBrowser::openRoiFile(const string& filename)
         m_work.opened(filename);
         take_focal_planes();
     }
-    end_waiting();
+    show_fitting_cursor();
     return was_read;
 }
 
@@ -134,7 +134,7 @@ void ORVBrowser::save_rois(const string& filename)
     setCursor(Qt::WaitCursor);
     const kept_work::Writing writing(*this);
     m_roidb->write(filename);    // says so itself when it fails
-    end_waiting();
+    show_fitting_cursor();
 }
 
 void ORVBrowser::pushButton_drop_false_positive_clicked()
@@ -146,5 +146,5 @@ void ORVBrowser::pushButton_drop_false_positive_clicked()
     drop_false_positives();
     finish();
     if (self)
-        end_waiting();
+        show_fitting_cursor();
 }

@@ -17,7 +17,7 @@ bool ORVBrowser::save_all()
 {
     setCursor(Qt::WaitCursor);
     const bool is_saved = m_work.save_all();
-    end_waiting();
+    show_fitting_cursor();
     return is_saved;
 }
 

@@ -44,10 +44,12 @@ void ORVBrowser::set_mode(bool& flag, QCursor& before, bool on)
     setCursor(on ? QCursor(Qt::PointingHandCursor) : before);
 }
 
-// After a wait cursor: a mode that is armed shows its hand again.
-void ORVBrowser::show_mode_cursor()
+// After a wait, unless a run is still waited for: a mode that is armed shows its hand again.
+void ORVBrowser::show_fitting_cursor()
 {
-    setCursor(armed_mode() != armed::none ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    setCursor(m_busy_runs > 0               ? Qt::WaitCursor
+              : armed_mode() != armed::none ? Qt::PointingHandCursor
+                                            : Qt::ArrowCursor);
 }
 
 // The first that is armed, in the order in which a click asks them.
@@ -70,7 +72,7 @@ void ORVBrowser::disarm()
     setAddLineageMode(false);
     setMergeMode(false);
     setSplitMode(false);
-    show_mode_cursor();
+    show_fitting_cursor();
 }
 
 void ORVBrowser::setManualEliteMode(bool on) { set_mode(m_manual_elite, m_cursor_before[elite_mode], on); }
@@ -131,8 +133,6 @@ bool ORVBrowser::press_mode_key(int key)
 void ORVBrowser::keyPressEvent(QKeyEvent* e)
 {
     const QPointer<ORVBrowser> self(this);
-    if (m_further_input)
-        m_further_input->input_begins();
     const bool is_taken = m_further_input && m_further_input->take_key(*e);
     if (!is_taken && !press_mode_key(e->key()))
         press_other_key(e->key());
@@ -223,11 +223,16 @@ void ORVBrowser::mouseMoveEvent(QMouseEvent* e)
     const QPoint on_canvas = e->position().toPoint() - frame_canvas->pos();
     if (!frame_canvas->rect().contains(on_canvas))
         return;
-    const QPoint at = frame_canvas->picture_pixel(on_canvas);
-    light_roi(xyROI(at.x(), at.y()));
+    light_roi_at(on_canvas);
     if (m_further_input)
         m_further_input->pointer_moved();
     processEvents();
+}
+
+void ORVBrowser::light_roi_at(QPoint on_canvas)
+{
+    const QPoint at = frame_canvas->picture_pixel(on_canvas);
+    light_roi(xyROI(at.x(), at.y()));
 }
 
 // That one alone; none when the key is empty.
@@ -249,8 +254,6 @@ void ORVBrowser::mousePressEvent(QMouseEvent* e)
     if (!m_roidb)
         return;
     const QPointer<ORVBrowser> self(this);    // what a press starts may let handlers run, which may delete it
-    if (m_further_input)
-        m_further_input->input_begins();
     if (!m_further_input || !m_further_input->take_press(*e))
         press_canvas(*e);
     if (self)

@@ -105,7 +105,7 @@ void ORVBrowser::pushButton_restore_clicked()
         setCursor(Qt::WaitCursor);
         if (restore_rois(filename, m_time_point))
             take_time_bounds();
-        end_waiting();
+        show_fitting_cursor();
     }
     finish();
 }

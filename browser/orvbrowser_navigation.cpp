@@ -251,7 +251,7 @@ void ORVBrowser::reset_recording_state()
     // A button or a cursor that still showed a flag would now tell a lie.
     const QSignalBlocker quiet(pushButton_auto);
     pushButton_auto->setChecked(false);
-    end_waiting();
+    show_fitting_cursor();
 }
 
 void ORVBrowser::close_common()

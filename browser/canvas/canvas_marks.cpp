@@ -7,8 +7,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
+#include <QSlider>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -47,12 +49,14 @@ QRect text_place(const QPainter& painter, QPoint corner, const QString& text, co
 
 }    // namespace
 
-std::map<int, int> rois_by_plane(const roidb_plus& rois, int t)
+std::map<int, int> rois_by_plane(const ORVBrowser& window)
 {
     std::map<int, int> found;
-    const auto [first, last] = at_time_point(rois.tz_xy_db, t);
+    const QSlider& planes = *window.slider_focal_plane;
+    const auto [first, last] = at_time_point(window.rois().tz_xy_db, window.time_point());
     for (auto entry = first; entry != last; ++entry)
-        ++found[decode(entry->first).z()];
+        if (const int z = decode(entry->first).z(); planes.minimum() <= z && z <= planes.maximum())
+            ++found[z];
     return found;
 }
 
@@ -204,19 +208,30 @@ void CanvasMarks::paint_ring(QPainter& painter, const std::string& unit, const Q
         draw_text(painter, text_place(painter, ring.topLeft(), letter, canvas), letter);
 }
 
+// Found anew when anything has changed that they depend on, rather than for each painting.
+const std::vector<tail_segment>& CanvasMarks::segments()
+{
+    tail_origin now{_choice,         _window.chosen(),    _window.time_point(),     _window.focal_plane(),
+                    _window.edits(), _window.recording(), _window.rois().revision()};
+    if (now == _segments_of)
+        return _segments;
+    _segments_of = std::move(now);
+    const std::string& chosen = _segments_of.chosen;
+    std::set<std::string> units;
+    if (_choice.tails == tail_choice::of_near)
+        units = _tails.near_plane(_segments_of.t, _segments_of.z, near_planes);
+    else if (is_roi_key(chosen))
+        units = {chosen};
+    _segments = _tails.of(units, _choice.tail_steps, _segments_of.t);
+    return _segments;
+}
+
 void CanvasMarks::paint_tails(QPainter& painter)
 {
     if (_choice.tails == tail_choice::none || _window.links().empty() || _window.is_running())
         return;
-    const std::string chosen = _window.chosen();
-    const int t = _window.time_point();
-    std::set<std::string> units;
-    if (_choice.tails == tail_choice::of_near)
-        units = _tails.near_plane(t, _window.focal_plane(), near_planes);
-    else if (is_roi_key(chosen))
-        units = {chosen};
     const auto place = [this](pos3d p) { return _view.view().screen_point({p.x() + 0.5, p.y() + 0.5}); };
-    for (const tail_segment& segment : _tails.of(units, _choice.tail_steps, t)) {
+    for (const tail_segment& segment : segments()) {
         const QColor color(segment.of == tail_segment::part::before  ? "#60a0ff"
                            : segment.of == tail_segment::part::after ? "#ff9040"
                                                                      : "#ffff60");
@@ -236,18 +251,25 @@ void CanvasMarks::paint_scale_bar(QPainter& painter)
     painter.drawText(back.adjusted(-20, 0, 20, -8), Qt::AlignCenter, text);
 }
 
+QString CanvasMarks::where_rois_lie()
+{
+    const std::map<int, int> planes = rois_by_plane(_window);
+    if (!planes.empty())
+        return tr("ROIs lie on planes %1 to %2: press Home.")
+            .arg(planes.begin()->first)
+            .arg(planes.rbegin()->first);
+    const auto [first, last] = at_time_point(_window.rois().tz_xy_db, _window.time_point());
+    return first == last ? tr("No ROIs at this time point.")
+                         : tr("ROIs lie on other planes: page Lineage, Scale: last focal plane.");
+}
+
 QString CanvasMarks::notice()
 {
     if (!_window.isOpen() || _window.image_on_view())
         return {};
     QStringList lines;
-    const std::map<int, int> planes = rois_by_plane(_window.rois(), _window.time_point());
-    if (!planes.contains(_window.focal_plane()))
-        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' +
-                     (planes.empty() ? tr("No ROIs at this time point.")
-                                     : tr("ROIs lie on planes %1 to %2: press Home.")
-                                           .arg(planes.begin()->first)
-                                           .arg(planes.rbegin()->first));
+    if (!rois_by_plane(_window).contains(_window.focal_plane()))
+        lines << tr("Nothing on focal plane %1.").arg(_window.focal_plane()) + ' ' + where_rois_lie();
     const QString folder = QFileInfo(QFile::decodeName(_window.image_filename().c_str())).path();
     if (!QDir(folder).exists())
         lines << tr("There is no image folder %1").arg(folder)

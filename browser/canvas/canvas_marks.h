@@ -11,8 +11,9 @@
 #include <string>
 #include <vector>
 
-// How many ROIs each focal plane of a time point has, of those that have any.
-[[nodiscard]] std::map<int, int> rois_by_plane(const roidb_plus& rois, int t);
+// How many ROIs each focal plane of the time point on view has, of those that have any and that one can go
+// to.
+[[nodiscard]] std::map<int, int> rois_by_plane(const ORVBrowser& window);
 
 enum class tail_choice { none, of_chosen, of_near };
 
@@ -50,7 +51,21 @@ public:
     [[nodiscard]] QString notice();
 
 private:
+    // What tails are found from.
+    struct tail_origin {
+        mark_choice choice;
+        std::string chosen;
+        int t = 0;
+        int z = 0;
+        unsigned long edits = 0;
+        unsigned long recording = 0;
+        unsigned long revision = 0;
+
+        bool operator==(const tail_origin&) const = default;
+    };
+
     void state_changed() override { _view.update_canvas(); }
+    void waiting_changed() override { _view.update_canvas(); }    // tails are not drawn during a run
     void recording_changed() override { clear_rings(); }
 
     void paint(QPainter& painter);
@@ -58,9 +73,11 @@ private:
     void paint_numbers(QPainter& painter);
     void paint_rings(QPainter& painter);
     void paint_ring(QPainter& painter, const std::string& unit, const QString& letter);
+    [[nodiscard]] const std::vector<tail_segment>& segments();
     void paint_tails(QPainter& painter);
     void paint_scale_bar(QPainter& painter);
     void paint_notice(QPainter& painter);
+    [[nodiscard]] QString where_rois_lie();
     void paint_label(QPainter& painter, const std::string& unit, const QString& text);
     void follow_split_parents();
 
@@ -68,6 +85,8 @@ private:
     CanvasView& _view;
     const Observing _observing{_window, *this};
     tails _tails{_window};
+    tail_origin _segments_of;
+    std::vector<tail_segment> _segments;
     mark_choice _choice;
     std::string _ringed;
     std::vector<std::string> _picked;    // parents for a split

@@ -13,7 +13,8 @@ namespace {
 
 constexpr int bar_width = 9;             // the margin beside the canvas
 constexpr int largest_side = 1 << 14;    // of a picture: an ROI beyond is a slip in the file
-constexpr int margin = 40;               // screen pixels around what is well within view
+constexpr QRect possible_area(0, 0, largest_side, largest_side);
+constexpr int margin = 40;    // screen pixels around what is well within view
 
 QRect rect_of(const pixel_box& box) { return {QPoint(box.left, box.top), QPoint(box.right, box.bottom)}; }
 
@@ -57,8 +58,12 @@ CanvasView::CanvasView(ORVBrowser& window)
     setObjectName("canvas_view");
     _canvas->set_layer(this);
     _canvas->installEventFilter(this);
-    for (QScrollBar* const bar : {_across, _down})
-        connect(bar, &QScrollBar::valueChanged, this, &CanvasView::follow_scroll_bars);
+    // Along the bar that has moved alone: the other one cannot tell where a picture smaller than the canvas
+    // is.
+    connect(_across, &QScrollBar::valueChanged, this,
+            [this](int x) { pan_by(QPointF(-x - _view.corner().x(), 0).toPoint()); });
+    connect(_down, &QScrollBar::valueChanged, this,
+            [this](int y) { pan_by(QPointF(0, -y - _view.corner().y()).toPoint()); });
 }
 
 CanvasView::~CanvasView()
@@ -111,6 +116,7 @@ void CanvasView::pan_by(QPoint way)
 
 void CanvasView::reveal(const QRect& picture)
 {
+    grow_to(picture);    // nobody may have seen that plane yet
     const QRect wanted = _view.screen_area(picture).adjusted(-margin, -margin, margin, margin) &
                          _view.screen_area({QPoint(0, 0), _extent});
     if (picture.isEmpty() || _canvas->rect().contains(wanted))
@@ -164,10 +170,15 @@ void CanvasView::picture_changed()
 {
     const QPixmap* const image = _window.image_on_view();
     _plane_area = image ? image->rect() : QRect();
-    const QRect possible(0, 0, largest_side, largest_side);
     _window.visit_shown_rois(
-        [&](const plane_roi& r, const QColor&) { _plane_area |= rect_of(r.box) & possible; });
-    const QSize extent = _extent.expandedTo(extent_of(_plane_area));
+        [&](const plane_roi& r, const QColor&) { _plane_area |= rect_of(r.box) & possible_area; });
+    grow_to(_plane_area);
+    emit picture_made();
+}
+
+void CanvasView::grow_to(const QRect& picture)
+{
+    const QSize extent = _extent.expandedTo(extent_of(picture & possible_area));
     if (extent == _extent)
         return;
     _extent = extent;
@@ -281,10 +292,4 @@ void CanvasView::place_scroll_bars()
     const QSizeF picture = QSizeF(_extent) * _view.scale();
     place_scroll_bar(*_across, picture.width(), canvas.width(), _view.corner().x());
     place_scroll_bar(*_down, picture.height(), canvas.height(), _view.corner().y());
-}
-
-void CanvasView::follow_scroll_bars()
-{
-    const QPointF to(-_across->value(), -_down->value());
-    pan_by((to - _view.corner()).toPoint());
 }

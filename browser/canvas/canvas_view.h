@@ -56,6 +56,7 @@ public:
 signals:
     void opened_or_closed();
     void range_changed();
+    void picture_made();    // anew, of this plane or another
 
 protected:
     bool eventFilter(QObject* watched, QEvent* e) override;
@@ -68,7 +69,7 @@ private:
     void view_changed();
     void place_scroll_bar(QScrollBar& bar, double picture, double canvas, double corner);
     void place_scroll_bars();
-    void follow_scroll_bars();
+    void grow_to(const QRect& picture);
     void paint_lineage(QPainter& painter);
 
     ORVBrowser& _window;

@@ -42,24 +42,30 @@ void paint_arrow(QPainter& painter, QPointF from, QPointF to)
 
 void paint_parting(QPainter& painter, const view_transform& view, int z, const unit_parting& parting)
 {
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     for (const roi_parting& part : parting.rois)
         if (part.z == z)
             painter.drawImage(view.screen_area(box_of(part)), picture_of(part));
 }
 
-// The outlines of a unit on this plane, filled in one colour.
+QImage picture_of(const q_roiimg& raster, const QColor& color)
+{
+    QImage image(raster.width(), raster.height(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (raster.value(x, y) > 0)
+                image.setPixelColor(x, y, color);
+    return image;
+}
+
+// What a unit has on this plane, in one colour.
 void paint_unit(QPainter& painter, ORVBrowser& window, const view_transform& view, const std::string& unit)
 {
     window.visit_shown_rois([&](const plane_roi& r, const QColor&) {
         if (*r.key != unit && window.head(*r.key) != unit)
             return;
-        QPolygonF outline;
-        for (const QPoint p : r.raster->qpointarray())
-            outline << view.screen_point(p);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(plus_color);
-        painter.drawPolygon(outline);
+        const QRect box(QPoint(r.box.left, r.box.top), QPoint(r.box.right, r.box.bottom));
+        painter.drawImage(view.screen_area(box), picture_of(*r.raster, plus_color));
     });
 }
 
@@ -104,6 +110,7 @@ QImage picture_of(const roi_parting& part)
 void paint_finding(QPainter& painter, ORVBrowser& window, const view_transform& view, const finding& f,
                    const unit_parting* parting)
 {
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     if (parting && f.t == window.time_point())
         paint_parting(painter, view, window.focal_plane(), *parting);
     if (f.proposal == proposal_kind::merge) {

@@ -61,7 +61,7 @@ void outline_painter::draw_lines(const QPolygon& polygon, const QColor& color)
 
 void outline_painter::draw_mask(const q_roiimg& raster, QRgb color)
 {
-    const QRect seen = _view.picture_area(_area);
+    const QRect seen = _view.picture_area(_area.adjusted(-_width, -_width, _width, _width));
     const pixel_box box = raster.box();
     const int first = std::max(0, seen.left() - box.left);
     const int last = std::min(box.right, seen.right()) - box.left;

@@ -1,6 +1,7 @@
 #include "exchange_dialog.h"
 
 #include "error_line.h"
+#include "keygen.h"
 #include "message_line.h"
 #include "places.h"
 
@@ -48,6 +49,10 @@ ExchangeDialog::ExchangeDialog(ORVBrowser& window, const char* name, const QStri
     stop->setEnabled(false);
     progress = new QProgressBar(this);
     progress->setObjectName("progress");
+    QSizePolicy keeps_its_place = progress->sizePolicy();
+    keeps_its_place.setRetainSizeWhenHidden(true);
+    progress->setSizePolicy(keeps_its_place);
+    progress->hide();
     result = new QLabel(this);
     result->setObjectName("result");
     result->setTextFormat(Qt::PlainText);    // a file name is no markup
@@ -56,6 +61,7 @@ ExchangeDialog::ExchangeDialog(ORVBrowser& window, const char* name, const QStri
     losses = new QListView(this);
     losses->setObjectName("losses");
     losses->setUniformItemSizes(true);
+    losses->setFocusPolicy(Qt::TabFocus);
     losses->setModel(&_losses);
     losses->setToolTip(tr("A click leads to the nucleus"));
 
@@ -135,6 +141,7 @@ void ExchangeDialog::set_working(bool on)
     start->setEnabled(!on);
     stop->setEnabled(on);
     progress->reset();
+    progress->setVisible(on);
 }
 
 outcome ExchangeDialog::work(const std::function<outcome(const run_callbacks&)>& job)
@@ -188,9 +195,12 @@ void ExchangeDialog::lead_to(const QModelIndex& row)
     Places* const places = Places::of(_window);
     if (key.empty() || !places)
         return;
-    const QPointer<ORVBrowser> window(&_window);
+    const bool is_here =
+        _window.recording() == _recording && _window.has_rois() && _window.rois().db.contains(key);
+    const std::string unit = _window.head(key);
     places->settle();
-    const bool is_shown = _window.recording() == _recording && _window.has_rois() && places->go_to_typed(key);
-    if (MessageLine* const line = window && !is_shown ? MessageLine::of(*window) : nullptr)
+    if (is_here)
+        places->show_unit(is_roi_key(unit) ? unit : key);
+    else if (MessageLine* const line = MessageLine::of(_window))
         line->say(tr("%1 is not here any more").arg(QString::fromStdString(key)));
 }

@@ -17,6 +17,7 @@ ExportDialog::ExportDialog(ORVBrowser& window)
 {
     format = new QComboBox(this);
     format->setObjectName("format");
+    format->setFocusPolicy(Qt::TabFocus);
     format->addItems({tr("Cell Tracking Challenge (masks and table of tracks)"), tr("GEFF (graph, zarr)"),
                       tr("TrackMate (XML)"), tr("Tables (CSV)")});
     form().addRow(tr("Format"), format);

@@ -32,6 +32,9 @@ void GoToField::close_field()
     _window.frame_canvas->setFocus();
 }
 
+// To another field, or to another window: coming back from there one is on the canvas.
+void GoToField::give_way() { _window.focusWidget() == this ? close_field() : hide(); }
+
 void GoToField::go()
 {
     close_field();
@@ -43,11 +46,14 @@ void GoToField::go()
 
 bool GoToField::eventFilter(QObject* watched, QEvent* e)
 {
-    if (e->type() == QEvent::FocusOut)
-        hide();
+    if (e->type() == QEvent::FocusOut && static_cast<QFocusEvent*>(e)->reason() != Qt::PopupFocusReason)
+        give_way();
     if (e->type() != QEvent::KeyPress)
         return QLineEdit::eventFilter(watched, e);
-    switch (static_cast<QKeyEvent*>(e)->key()) {
+    const auto* const key = static_cast<QKeyEvent*>(e);
+    switch (key->key()) {
+    case Qt::Key_G:    // that opened the field is still held
+        return key->isAutoRepeat();
     case Qt::Key_Return:
     case Qt::Key_Enter:
         go();

@@ -17,6 +17,7 @@ protected:
 
 private:
     void close_field();
+    void give_way();
     void go();
 
     ORVBrowser& _window;

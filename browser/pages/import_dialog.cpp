@@ -41,6 +41,7 @@ ImportDialog::ImportDialog(ORVBrowser& window)
 {
     kind = new QComboBox(this);
     kind->setObjectName("kind");
+    kind->setFocusPolicy(Qt::TabFocus);
     kind->addItems({tr("Label images (TIFF)"), tr("Cell Tracking Challenge (masks and table of tracks)")});
     form().addRow(tr("Format"), kind);
     source = add_path("source", tr("Label images"), wanted::file_or_folder, QFileDialog::AcceptOpen);

@@ -5,6 +5,8 @@
 #include "keygen.h"
 #include "status_text.h"
 
+#include <utility>
+
 void InputReport::begins()
 {
     _was_armed = _window.armed_mode();
@@ -22,7 +24,7 @@ void InputReport::served(const QString& mode)
     if (!result.isEmpty())
         _line.say(result);
     _line.say_mode(mode.isEmpty() ? text_of_mode(_window) : mode);
-    say_what_lies_there();
+    _under = say_what_lies_there();
 }
 
 // What a click in a mode has led to, unless a step tells.
@@ -58,22 +60,21 @@ void InputReport::recording_changed()
     _line.say_pointer({});
 }
 
-void InputReport::say_what_lies_there()
+std::string InputReport::say_what_lies_there()
 {
     const CanvasView* const view = CanvasView::of(_window);
     if (!_pointer_at || !view || !_window.isOpen()) {
         _line.say_pointer({});
-        return;
+        return _under;
     }
     const QPoint pixel = view->view().picture_pixel(*_pointer_at);
     _line.say_pointer(text_of_pixel(_window, pixel));
-    _under = _window.xyROI(pixel.x(), pixel.y());
+    return _window.xyROI(pixel.x(), pixel.y());
 }
 
 void InputReport::pointer_moved()
 {
-    const std::string before = _under;
-    say_what_lies_there();
+    const std::string before = std::exchange(_under, say_what_lies_there());
     if (_under != before && !_under.empty())
         _line.forget_result();
 }

@@ -27,19 +27,20 @@ public:
     // action stays until another ROI is pointed at.
     void point_at(std::optional<QPoint> canvas_point) { _pointer_at = canvas_point; }
     void pointer_moved();
+    [[nodiscard]] const std::optional<QPoint>& pointer_at() const noexcept { return _pointer_at; }
+    std::string say_what_lies_there();    // the ROI
 
 private:
     void step_ended(edit_step& step) override;
     void recording_changed() override;
 
     [[nodiscard]] QString text_of_end() const;
-    void say_what_lies_there();
 
     ORVBrowser& _window;
     MessageLine& _line;
     const Observing _observing{_window, *this};
     std::optional<QPoint> _pointer_at;
-    std::string _under;                                        // the ROI there when it was said last
+    std::string _under;    // the ROI there when the input or the way of the pointer ended
     ORVBrowser::armed _was_armed = ORVBrowser::armed::none;    // when the input began
     std::string _was_chosen;
     std::set<std::string> _were_parents;    // of a split

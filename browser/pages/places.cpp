@@ -91,7 +91,7 @@ void Places::go_to_fullest_plane()
 {
     std::vector<int> fullest{_window.focal_plane()};
     int most = 0;
-    for (const auto& [z, rois] : rois_by_plane(_window.rois(), _window.time_point())) {
+    for (const auto& [z, rois] : rois_by_plane(_window)) {
         if (rois > most)
             fullest.clear();
         if (rois >= most)
@@ -103,7 +103,7 @@ void Places::go_to_fullest_plane()
 
 void Places::go_to_next_plane(int step)
 {
-    const auto planes = rois_by_plane(_window.rois(), _window.time_point());
+    const auto planes = rois_by_plane(_window);
     const int z = _window.focal_plane();
     const auto above = planes.upper_bound(z);
     const auto from = planes.lower_bound(z);

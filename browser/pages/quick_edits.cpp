@@ -29,7 +29,7 @@ std::set<std::string> QuickEdits::rois_of(const std::string& key, bool with_desc
 {
     const std::string unit = _window.head(key);
     if (!is_roi_key(unit))
-        return _window.reached_across_planes(key);
+        return _window.reached_across_planes(key, _window.false_positives().contains(key));
     std::set<std::string> rois = _window.member(unit);
     if (with_descendants)
         for (const std::string& descendant : _window.descendants(unit))
@@ -101,6 +101,7 @@ void QuickEdits::swap_parents(const std::string& key)
         all.insert(of_unit.begin(), of_unit.end());
         for (const std::string& each : all)
             _window.note_edited(each);
+        _window.choose(chosen);    // releasing parents chooses
     }
     _window.show_changes();
 }

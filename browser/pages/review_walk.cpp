@@ -24,6 +24,7 @@ ReviewWalk::ReviewWalk(ORVBrowser& window) : QObject(&window), _window(window), 
 {
     setObjectName("reviewWalk");
     connect(&_making, &QTimer::timeout, this, &ReviewWalk::make_on);
+    connect(&_cutting, &QTimer::timeout, this, &ReviewWalk::cut_anew);
     _tell_soon.setSingleShot(true);
     connect(&_tell_soon, &QTimer::timeout, this, &ReviewWalk::list_changed);
     _look_soon.setSingleShot(true);
@@ -50,13 +51,10 @@ void ReviewWalk::waiting_changed()
 }
 
 // Another nucleus was chosen, or what the finding is about has gone.
-bool ReviewWalk::is_left() const
+bool ReviewWalk::is_left()
 {
-    if (!_current)
-        return false;
-    if (_window.head_members().contains(_current->unit))
-        return _window.chosen() != _current->unit;
-    return _current->kind != finding_kind::no_unit || !_window.rois().db.contains(_current->unit);
+    return _current && (!stands(*_current) || (_window.head_members().contains(_current->unit) &&
+                                               _window.chosen() != _current->unit));
 }
 
 void ReviewWalk::look_whether_left()
@@ -214,6 +212,7 @@ void ReviewWalk::show(std::optional<finding> f)
 {
     _current = std::move(f);
     _parting.reset();
+    _cutting.stop();
     _offset = 0;
     _is_by_hand = false;
     if (_current)
@@ -261,6 +260,47 @@ void ReviewWalk::move_cut(double pixels)
     _offset += pixels;
     _parting = std::move(moved);
     emit shown();
+}
+
+// ---- What was edited meanwhile
+
+void ReviewWalk::follow(const scene_changes& changes)
+{
+    if (!_current || _is_accepting)
+        return;
+    const auto is_reshaped = [&](const std::string& unit) { return changes.reshaped.contains(unit); };
+    if (!stands(*_current))
+        show(std::nullopt);
+    else if (is_cut(*_current) &&
+             (is_reshaped(_current->unit) || std::ranges::any_of(_current->with, is_reshaped)))
+        _cutting.start(0);    // this is called in the middle of the edit
+}
+
+// Whether its units, or ROI in none, are there, and no link was made or removed by hand.
+bool ReviewWalk::stands(const finding& f)
+{
+    const bool is_free =
+        _window.has_rois() && _window.rois().db.contains(f.unit) && !is_roi_key(_window.head(f.unit));
+    const auto is_unit = [this](const std::string& unit) { return _window.head_members().contains(unit); };
+    if ((!is_unit(f.unit) && !is_free) || !std::ranges::all_of(f.with, is_unit))
+        return false;
+    if (f.with.empty() || (f.proposal != proposal_kind::link && f.proposal != proposal_kind::unlink))
+        return true;
+    const auto [parent, child] = std::minmax(f.unit, f.with.front());
+    return _window.parents(child).contains(parent) == (f.proposal == proposal_kind::unlink);
+}
+
+void ReviewWalk::cut_anew()
+{
+    if (_window.is_busy())
+        return;
+    _cutting.stop();
+    _offset = 0;
+    show_cut();
+    if (_parting)
+        emit shown();
+    else
+        show(std::nullopt);
 }
 
 bool ReviewWalk::take_key(int key)

@@ -87,8 +87,13 @@ private:
     void state_changed() override;
     void waiting_changed() override;
     void recording_changed() override;
-    [[nodiscard]] bool is_left() const;
+    [[nodiscard]] bool is_left();
     void look_whether_left();
+    void step_ended(edit_step& step) override { follow(changes_in(step)); }
+    void step_replayed(const edit_step& step, bool forth) override { follow(changes_in(step, forth)); }
+    void follow(const scene_changes& changes);
+    [[nodiscard]] bool stands(const finding& f);
+    void cut_anew();
     void make_on();
     void update_list();
     void put_in_order();
@@ -102,6 +107,7 @@ private:
     review _review;
     const Observing _observing{_window, *this};
     QTimer _making;
+    QTimer _cutting;    // runs while the preview is out of date
     QTimer _tell_soon;
     QTimer _look_soon;
     bool _is_making_put_off = false;

@@ -84,6 +84,8 @@ QString text_of_mode(ORVBrowser& window)
 QString text_of_step(ORVBrowser& window, const std::string& title)
 {
     QStringList words = QString::fromStdString(title).split(' ');
+    if (words.contains("N/A"))
+        return text_of_no_unit();
     QStringList keys;
     while (!words.isEmpty() && (is_roi_key(words.last().toStdString()) || words.last() == "and")) {
         if (words.last() != "and")

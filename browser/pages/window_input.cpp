@@ -25,6 +25,7 @@ WindowInput::WindowInput(ORVBrowser& window, CanvasView& view, CanvasMarks& mark
     window.set_further_input(this);
     qApp->installEventFilter(this);    // keys may come from the tree, and clicks go to any control
     connect(qApp, &QApplication::focusChanged, this, &WindowInput::let_go_of_all);
+    connect(&view, &CanvasView::picture_made, this, [this] { (void)_report.say_what_lies_there(); });
 }
 
 QPoint WindowInput::canvas_point(QPointF at) const { return at.toPoint() - _canvas->pos(); }
@@ -34,9 +35,12 @@ QPoint WindowInput::canvas_point(QPointF at) const { return at.toPoint() - _canv
 bool WindowInput::take_key(QKeyEvent& e)
 {
     const int key = e.key();
+    const bool begins = !is_idle_repeat(&e);
+    if (begins)
+        begin();
     if (is_typing())
         return false;
-    if (!is_looking(key))
+    if (begins && !is_looking(key))
         _marks.clear_rings();
     if ((key == Qt::Key_Left || key == Qt::Key_Right) &&
         (e.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier) {
@@ -47,8 +51,10 @@ bool WindowInput::take_key(QKeyEvent& e)
     if (arms_a_mode(key))
         put_away_click();
     explain_key(key);
-    if (!_window.isOpen() || (e.modifiers() & command_modifiers))
+    if (e.modifiers() & command_modifiers)
         return false;
+    if (!_window.isOpen())
+        return key == Qt::Key_Escape && press_once(key);
     const bool is_plain = !(e.modifiers() & Qt::ShiftModifier);
     const bool is_bracket = key == Qt::Key_BracketLeft || key == Qt::Key_BracketRight;
     if ((is_plain || is_bracket) && press_stepping_key(key))
@@ -80,19 +86,21 @@ bool WindowInput::press_sign(int key)
     switch (key) {
     case Qt::Key_Plus:
         _view.zoom_by(1);
-        return true;
+        break;
     case Qt::Key_Minus:
         _view.zoom_by(-1);
-        return true;
+        break;
     case Qt::Key_0:
         _view.show_original();
-        return true;
+        break;
     case Qt::Key_1:
         _view.fit();
-        return true;
+        break;
     default:
         return false;
     }
+    light_what_is_pointed_at();
+    return true;
 }
 
 bool WindowInput::press_stepping_key(int key)
@@ -159,7 +167,6 @@ void WindowInput::cancel()
     if (_window.armed_mode() == ORVBrowser::armed::none)
         return;
     _window.disarm();
-    _view.update_canvas();
     _report.forget_mode();
 }
 
@@ -228,7 +235,7 @@ bool WindowInput::eventFilter(QObject* watched, QEvent* e)
             _marks.clear_rings();
         [[fallthrough]];
     case QEvent::KeyPress:
-        if (is_widget) {
+        if (is_widget && !is_idle_repeat(e)) {
             _line.forget_error();
             _line.forget_result();
         }
@@ -251,27 +258,29 @@ bool WindowInput::take_wheel(QWheelEvent& e)
     const bool is_on_canvas = _canvas->rect().contains(at);
     if (is_on_canvas)
         _report.point_at(at);
-    if (e.modifiers() == Qt::ShiftModifier) {
+    if (e.modifiers() == Qt::ShiftModifier)
         _view.pan_by(e.angleDelta() / 2);
-        return true;
-    }
-    if (e.modifiers() != Qt::ControlModifier)
+    else if (e.modifiers() == Qt::ControlModifier)
+        zoom_by_wheel(e.angleDelta().y(), is_on_canvas ? at : _canvas->rect().center());
+    else
         return false;
-    _wheel_turn += e.angleDelta().y();
+    light_what_is_pointed_at();
+    return true;
+}
+
+void WindowInput::zoom_by_wheel(int turn, QPoint about)
+{
+    _wheel_turn += turn;
     const int steps = _wheel_turn / turn_of_step;
     _wheel_turn %= turn_of_step;
-    if (steps == 0)
-        return true;
-    if (is_on_canvas)
-        _view.zoom_by(steps, at);
-    else
-        _view.zoom_by(steps);
-    return true;
+    if (steps != 0)
+        _view.zoom_by(steps, about);
 }
 
 // While a cut waits for its place, every press without modifiers is it.
 bool WindowInput::take_press(QMouseEvent& e)
 {
+    begin();
     const bool is_cut = _window.is_cut_waiting() && e.modifiers() == Qt::NoModifier;
     const QPoint at = canvas_point(e.position());
     const bool is_on_canvas = _canvas->rect().contains(at);
@@ -349,9 +358,24 @@ void WindowInput::point_at(std::optional<QPoint> at)
         _line.say_pointer({});
 }
 
-void WindowInput::input_begins() { _report.begins(); }
+void WindowInput::light_what_is_pointed_at()
+{
+    if (const std::optional<QPoint> at = _report.pointer_at())
+        _window.light_roi_at(*at);
+}
 
-void WindowInput::input_served() { _report.served(_click.text()); }
+void WindowInput::begin()
+{
+    _report.begins();
+    _were_parents = _window.split_parents();
+}
+
+void WindowInput::input_served()
+{
+    _report.served(_click.text());
+    if (_were_parents != _window.split_parents())    // which are numbered on the canvas
+        _view.update_canvas();
+}
 
 void WindowInput::pointer_moved() { _report.pointer_moved(); }
 

@@ -17,6 +17,8 @@
 #include <QPointer>
 
 #include <optional>
+#include <set>
+#include <string>
 
 class WindowInput : public QObject, public FurtherInput, private curation_observer {
     Q_OBJECT
@@ -28,7 +30,6 @@ public:
     bool take_wheel(QWheelEvent& e) override;
     bool take_press(QMouseEvent& e) override;
     bool take_move(QMouseEvent& e) override;
-    void input_begins() override;
     void input_served() override;
     void pointer_moved() override;
     void step_shows() override;
@@ -56,6 +57,9 @@ private:
     [[nodiscard]] bool take_click(const QMouseEvent& e, const std::string& key);
     void point_at(std::optional<QPoint> at);
     void show_cursor();
+    void begin();    // a key or a press
+    void light_what_is_pointed_at();
+    void zoom_by_wheel(int turn, QPoint about);    // eighths of a degree
     [[nodiscard]] QPoint canvas_point(QPointF at) const;
 
     ORVBrowser& _window;
@@ -72,5 +76,6 @@ private:
     bool _is_space_held = false;
     bool _is_panning = false;
     QPoint _pan_from;
-    int _wheel_turn = 0;    // eighths of a degree that are no whole step yet
+    std::set<std::string> _were_parents;    // of a split, when the input began
+    int _wheel_turn = 0;                    // eighths of a degree that are no whole step yet
 };

@@ -142,8 +142,8 @@ public:
     virtual void forwardTracking(int t);
     virtual void backwardTracking(int start_time_point);
     virtual void zTracking(int t);
-    // The ROI and those that z tracking would reach from it, were none a false positive.
-    [[nodiscard]] set<string> reached_across_planes(const string& key);
+    // The ROI and those that z tracking would reach from it; also through false positives where asked for.
+    [[nodiscard]] set<string> reached_across_planes(const string& key, bool passes_false_positives);
     virtual void checkAdjacentFocalPlane(roi& r_from, int t, int z, set<string>* roiset, double mor_t,
                                          double mor_z);
 

@@ -162,7 +162,7 @@ void curation::zTracking(int t)
     });
 }
 
-std::set<std::string> curation::reached_across_planes(const string& key)
+std::set<std::string> curation::reached_across_planes(const string& key, bool passes_false_positives)
 {
     if (!has_rois() || !m_roidb->db.contains(key))
         return {};
@@ -174,7 +174,8 @@ std::set<std::string> curation::reached_across_planes(const string& key)
         for (const int z : {from->z() - 1, from->z() + 1}) {
             const auto plane = m_q_roiimgdb->plane(*m_roidb, from->t(), z);
             for (plane_roi& r : plane->rois)
-                if (shared_ratio(from, m_q_roiimgdb->raster_of(r)) > z_tracking_share &&
+                if ((passes_false_positives || !m_removed_roi_set.contains(*r.key)) &&
+                    shared_ratio(from, m_q_roiimgdb->raster_of(r)) > z_tracking_share &&
                     found.insert(*r.key).second)
                     to_visit.push_back(*r.key);
         }

@@ -1,6 +1,7 @@
-// What the canvas shows beside the picture: the range of grey, the scale bar, tails.
+// What the canvas shows: the range of grey, outlines, the scale bar, tails.
 #include "display_range.h"
 #include "keygen.h"
+#include "outline_painter.h"
 #include "scale_bar.h"
 #include "tails.h"
 
@@ -34,6 +35,24 @@ TEST(display_range, leaves_out_the_few_darkest_and_brightest)
     image.fill(Qt::white);
     EXPECT_EQ(range_of(image), (display_range{254, 255, 1}));
     EXPECT_TRUE(range_of({}).is_plain());
+}
+
+// As wide lines are where hovering paints a part of the canvas.
+TEST(outline_painter, draws_in_parts_what_it_draws_at_once)
+{
+    q_roiimg square({pos4i(10, 5, 0, 0), "222333000111"});
+    square.map();
+    for (const int steps : {1, 2, 4}) {
+        view_transform view;
+        view.zoom_by(steps, {0, 0});
+        QImage all(70, 50, QImage::Format_RGB32);
+        all.fill(Qt::black);
+        QImage parts = all.copy();
+        outline_painter(all, all.rect(), view, 5).draw(square, Qt::white);
+        for (int x = 0; x < all.width(); ++x)
+            outline_painter(parts, {x, 0, 1, all.height()}, view, 5).draw(square, Qt::white);
+        EXPECT_EQ(parts, all) << steps;
+    }
 }
 
 TEST(scale_bar, is_a_round_length_that_fits)

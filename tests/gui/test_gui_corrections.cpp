@@ -105,6 +105,7 @@ private slots:
         for (const QString& input : all)
             do_input(w, input);
         QCOMPARE(w.links(), after);
+        QVERIFY(!inputs.contains('O') || w.chosen() == w.at('S'));
         QCOMPARE(w.m_removed_roi_set.size(), static_cast<std::size_t>(false_positives));
         QCOMPARE(all.size(), count);
         QVERIFY(inputs != "save_all" || w.unsaved_edits() == 0);

@@ -68,6 +68,7 @@ private slots:
         w.link(one, other);
         QVERIFY(w.unsaved_edits() > 0);
         ExportDialog* const dialog = export_dialog(w);
+        QVERIFY(!dialog->progress->isVisible());
         for (int format = 0; format < 4; ++format) {
             dialog->format->setCurrentIndex(format);
             dialog->start->click();

@@ -2,11 +2,26 @@
 #include "../support/captured_lines.h"
 #include "../support/mother_and_daughters.h"
 #include "../support/paged_window.h"
+#include "busy_run.h"
 
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTabBar>
 
 #include <functional>
+
+namespace {
+
+struct PaintCount : QObject {
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* e) override
+    {
+        paints += e->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+}    // namespace
 
 class TestGuiMessages : public QObject {
     Q_OBJECT
@@ -55,12 +70,25 @@ private slots:
         w.press(Qt::Key_S);
         click(w, 11, 6);
         QVERIFY(w.said().startsWith("Split: click the second parent."));
+        const auto paints = [&w](int key) {
+            PaintCount count;
+            QCoreApplication::processEvents();
+            w.frame_canvas->installEventFilter(&count);
+            w.press(key);
+            QCoreApplication::processEvents();
+            return count.paints > 0;
+        };
+        QVERIFY(paints(Qt::Key_S));    // the number of the first is gone
+        QVERIFY(!paints(Qt::Key_S));
+        click(w, 11, 6);
+        QVERIFY(paints(Qt::Key_U));
+        w.press(Qt::Key_S);
         w.press(Qt::Key_Escape);
         QVERIFY(w.armed_mode() == ORVBrowser::armed::none && w.m_split_parents.empty());
         QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
         w.setCurrentFocalPlane(40);
         QVERIFY(w.said().startsWith("Cannot find "));
-        w.press(Qt::Key_0);
+        w.press(Qt::Key_H);
         QVERIFY(!w.said().startsWith("Cannot find "));
     }
 
@@ -72,6 +100,9 @@ private slots:
         const CapturedLines out(std::cout), err(std::cerr);
         const auto name = [&w](const std::string& unit) { return QString::number(w.ID(unit)); };
         const auto find = [&w](const char* walk) { w.findChild<QPushButton*>(walk)->click(); };
+        w.press(Qt::Key_E);
+        click(w, 30, 25);
+        QVERIFY2(w.said().contains("in no unit"), qPrintable(w.said()));
         w.press(Qt::Key_M);
         for (const Qt::Key key : {Qt::Key_A, Qt::Key_S}) {
             w.press(key);
@@ -95,10 +126,19 @@ private slots:
         w.release_child(family.mother, family.large);
         find("unlinked");
         QVERIFY(w.said().startsWith("It has no parent") && w.chosen() == family.large);
+        const QString said = w.said();
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_N, {}, "n", true);
+        QCoreApplication::sendEvent(&w, &held);
+        QCOMPARE(w.said(), said);
+        QCOMPARE(w.marks().ringed(), family.large);
         find("doubtful");
         QVERIFY(w.said().endsWith(": none"));
         w.link(family.large, family.mother);    // in whichever order
         QCOMPARE(w.said(), "Linked " + name(family.mother) + " -> " + name(family.large));
+        w.close_common();
+        w.press(Qt::Key_M);
+        w.press(Qt::Key_Escape);
+        QVERIFY(w.armed_mode() == ORVBrowser::armed::none);
     }
 
     // Whatever the next press or key is meant for.
@@ -123,6 +163,23 @@ private slots:
             QVERIFY(w.said() != "Something is wrong");
             QCOMPARE(w.marks().ringed().empty(), &input == &inputs[0]);
         }
+    }
+
+    void aRunKeepsItsPointerAndLeavesTheKeyboardInAField()
+    {
+        const SmallRecording recording;
+        PagedWindow w(recording);
+        auto* const page = w.findChild<QWidget*>("viewPage");
+        w.tabWidget_control_panel->setCurrentWidget(page);
+        auto* const field = page->findChild<QSpinBox*>();
+        field->setFocus();
+        {
+            const BusyRun run(w);
+            w.disarm();
+            QCOMPARE(w.cursor().shape(), Qt::WaitCursor);
+        }
+        QCOMPARE(w.cursor().shape(), Qt::ArrowCursor);
+        QVERIFY(field->hasFocus());
     }
 
     void whatLiesUnderThePointerFollowsTheWheel()
@@ -151,6 +208,9 @@ private slots:
         QCOMPARE(w.marks().notice(), QString());
         w.setCurrentFocalPlane(40);
         QCOMPARE(w.marks().notice(), "Nothing on focal plane 40. ROIs lie on planes 20 to 20: press Home.");
+        w.setMaxFocalPlane(10);
+        QVERIFY2(w.marks().notice().contains("Scale: last focal plane"), qPrintable(w.marks().notice()));
+        w.setMaxFocalPlane(55);
         put_roi(w, {1, 1, 41, 0});
         w.setCurrentFocalPlane(41);
         w.press(Qt::Key_T);    // hides it

@@ -69,6 +69,11 @@ private slots:
         s.w.undo();
         QCOMPARE(s.w.links(), before);
         QTRY_VERIFY(s.page->remaining->text().startsWith("2 open"));
+        s.w.press(Qt::Key_N);
+        s.w.link_by_hand(s.ends, s.unit(140, 2));
+        QVERIFY(!ReviewWalk::of(s.w)->current());
+        s.w.undo();
+        QTRY_VERIFY(s.page->remaining->text().startsWith("2 open"));
         s.w.press(Qt::Key_N);    // what is on view may go: it has no place to be drawn at
         s.w.set_false_positives(s.w.member(s.unit(140, 2)), true);
         s.w.pushButton_drop_false_positive_clicked();
@@ -117,8 +122,22 @@ private slots:
         QCOMPARE(moved(), 1.0);
         s.w.press(Qt::Key_Escape);
         QVERIFY(!walk->current() && s.w.units(0).size() == 2);
-        s.w.press(Qt::Key_K);
         const CapturedLines out(std::cout);
+        s.w.press(Qt::Key_K);
+        const auto rois = [&] { return walk->parting() ? walk->parting()->rois.size() : 0; };
+        const std::size_t before = rois();
+        s.w.mergeUnits(s.unit(100, 0), s.unit(140, 0));    // the preview is of both
+        QTRY_COMPARE(rois(), 2 * before);
+        s.w.undo();
+        QTRY_COMPARE(rois(), before);
+        s.w.choose(s.unit(140, 0));
+        s.w.press(Qt::Key_Escape);
+        s.w.press(Qt::Key_K);
+        s.w.mergeUnits(s.unit(100, 0), s.unit(140, 0));
+        QVERIFY(!walk->current());    // its unit is gone
+        s.w.undo();
+        s.w.choose(s.unit(100, 0));
+        s.w.press(Qt::Key_K);
         s.w.press(Qt::Key_Return);
         QCOMPARE(s.w.units(0).size(), 3U);
         s.w.undo();

@@ -111,13 +111,18 @@ private slots:
             const auto r = std::next(w.m_roidb->db.begin(), below(2) ? 1 : below(4));
             w.canvas().reveal({r->second.x(), r->second.y(), 2, 2});
             const QPoint at = w.shown_by().screen_pixel({r->second.x() + below(3), r->second.y() + below(3)});
-            const QPoint p = w.shown_by().picture_pixel(at);
-            const std::string key = w.xyROI(p.x(), p.y());
+            const auto shown_there = [&] {
+                const QPoint p = w.shown_by().picture_pixel(at);
+                const std::string key = w.xyROI(p.x(), p.y());
+                return key.empty() ? keys() : keys{key};
+            };
             move_pointer(w, at.x(), at.y());
             if (!w.frame_canvas->rect().contains(at))
                 continue;
-            hits += !key.empty();
-            QCOMPARE(w.m_mouse_over_roi_set, key.empty() ? keys() : keys{key});
+            hits += !shown_there().empty();
+            QCOMPARE(w.m_mouse_over_roi_set, shown_there());
+            i % 2 ? w.press(zooming[below(5)]) : turn_wheel(w, at, 120, Qt::ShiftModifier);
+            QCOMPARE(w.m_mouse_over_roi_set, shown_there());
         }
         QVERIFY(hits > 50);
         w.m_mouse_over_roi_set.clear();
@@ -142,6 +147,10 @@ private slots:
         QVERIFY(w.m_selected_roi_set.contains("000020900020"));
         drag(w, Qt::MiddleButton, {100, 100}, {300, 100});
         QCOMPARE(across->value(), across->maximum() - 200);
+        drag(w, Qt::MiddleButton, {100, 100}, {100, 150});    // lower than the canvas needs it to be
+        across->setValue(40);
+        QCOMPARE(w.shown_by().corner(), QPointF(-40, 50));
+        w.canvas().pan_by({0, -50});
         QTest::keyPress(&w, Qt::Key_Space);
         drag(w, Qt::LeftButton, {100, 100}, {5000, 100});
         QTest::keyRelease(&w, Qt::Key_Space);
