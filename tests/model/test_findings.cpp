@@ -161,6 +161,16 @@ TEST_F(findings, never_propose_to_undo_what_a_person_decided)
     model.toggle_elite(head(2));
     EXPECT_EQ(of(2), texts());
 
+    add({{0, 5, 5, 0}, {1, 7, 5, 0}}, {});    // parted by a person, or one of them before a gap
+    ASSERT_EQ(of(1).front(), "unlinked link 0");
+    model.set_reviewed(head(1), true);
+    EXPECT_EQ(of(1).front(), "unlinked link 0");
+    model.set_reviewed(head(0), true);
+    EXPECT_EQ(of(1), (texts{"unlinked none"}));
+    model.set_reviewed(head(0), false);
+    model.set_gap(head(0), head(1), true);
+    EXPECT_EQ(of(1), (texts{"unlinked none"}));
+
     add({{0, 5, 5, 0}, {1, 17, 5, 0, 5, 5, 4}}, {{1, 0}});
     model.set_reviewed(head(0), true);
     EXPECT_EQ(of(1), texts()) << "nor the link to it";

@@ -124,6 +124,19 @@ TEST(unit_parting, keeps_an_roi_whole_that_lies_to_four_fifths_on_one_side)
     ASSERT_TRUE(cut);
     EXPECT_TRUE(cut->rois[3].is_divided);
     EXPECT_TRUE(cut->rois[0].is_plus && cut->rois[1].is_plus && cut->rois[2].is_plus) << "the others stay";
+
+    // The unit's own part is plus, on whichever side of it the neighbour lies.
+    for (const pos2i way : {pos2i(24, 0), pos2i(-24, 0), pos2i(0, 24), pos2i(0, -24)}) {
+        std::vector<pos3d> pixels;
+        for (int x = -9; x <= 9; ++x)
+            for (int y = -9; y <= 9; ++y)
+                for (const pos3d to : {pos3d(0, 0, 0), pos3d(way.x(), way.y(), 0)})
+                    if (x * x + y * y < 90)
+                        pixels.push_back(to + pos3d(50 + x, 50 + y, 0));
+        const pos3d own(50, 50, 0), others(50 + way.x(), 50 + way.y(), 0);
+        const auto sides = find_two_ellipsoids(pixels, std::pair(own, others));
+        EXPECT_TRUE(sides && sides->is_plus(own) && !sides->is_plus(others)) << way.x() << ' ' << way.y();
+    }
 }
 
 }    // namespace
