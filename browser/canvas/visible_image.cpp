@@ -201,8 +201,6 @@ void interpolate(const QImage& image, QPoint corner, QSize whole, QSize size, co
         columns[static_cast<std::size_t>(at.quarters)].from.push_back(at.before - corner.x());
         columns[static_cast<std::size_t>(at.quarters)].to.push_back(x);
     }
-    if (smaller.size() != area.size())    // else its memory is used again, which costs less than new one
-        smaller = QImage(area.size(), QImage::Format_RGB32);
     const auto width = static_cast<std::size_t>(image.width());
     const auto blend_row = [&](int y, std::vector<QRgb>& row) {
         const sample at = sample_of(area.top() + y, size.height(), whole.height());
@@ -228,6 +226,13 @@ void interpolate(const QImage& image, QPoint corner, QSize whole, QSize size, co
     }
 }
 
+// The same of one that is written to. REQUIRES: nobody else holds the image
+QImage part_of(QImage& image, const QRect& area)
+{
+    return {image.scanLine(area.top()) + static_cast<qsizetype>(area.left()) * 4, area.width(), area.height(),
+            image.bytesPerLine(), image.format()};
+}
+
 // An area of an image without a copy of it.
 QImage part_of(const QImage& image, const QRect& area)
 {
@@ -235,7 +240,7 @@ QImage part_of(const QImage& image, const QRect& area)
             area.height(), image.bytesPerLine(), image.format()};
 }
 
-// Whole halves by means of four, the rest between neighbours.
+// Whole halves by means of four, the rest between neighbours. REQUIRES: `smaller` has the size of the area
 void shrink(const QImage& image, double scale, QSize size, const QRect& area, QImage& smaller)
 {
     int unit = 1;    // pixels of the image that are halved into one
@@ -250,7 +255,8 @@ void shrink(const QImage& image, double scale, QSize size, const QRect& area, QI
     if (scale * unit < 1)
         interpolate(part, needed.topLeft(), whole, size, area, smaller);
     else
-        smaller = part;
+        for (int y = 0; y < smaller.height(); ++y)
+            std::copy_n(row_of(std::as_const(part), y), smaller.width(), row_of(smaller, y));
 }
 
 // As much of it as the canvas shows; its top-left corner lies at `corner` of the canvas. The screen pixels
@@ -293,18 +299,27 @@ QRect visible_image::show(const QPixmap& image, const view_transform& view)
     const QRect area = _shown.rect().translated(-corner) & QRect({0, 0}, size);
     if (area.isEmpty())
         return {};
-    make_smaller(image, view.scale(), size, area);
-    return copy_part(_smaller, corner + _smaller_area.topLeft(), _in_range, _shown);
+    // Who steps needs what is seen; who pans over an image will need all of it.
+    if (std::exchange(_smaller_of, {image.cacheKey(), view.scale()}) !=
+        std::pair(image.cacheKey(), view.scale())) {
+        _smaller = {};
+        return show_smaller(image, view.scale(), size, area, corner);
+    }
+    if (_smaller.isNull()) {
+        _smaller = QImage(size, QImage::Format_RGB32);
+        shrink(as_rgb(image), view.scale(), size, _smaller.rect(), _smaller);
+    }
+    return copy_part(_smaller, corner, _in_range, _shown);
 }
 
-// Who steps needs what is seen; who pans over an image will need all of it.
-void visible_image::make_smaller(const QPixmap& image, double scale, QSize size, const QRect& area)
+// Straight onto the canvas.
+QRect visible_image::show_smaller(const QPixmap& image, double scale, QSize size, const QRect& area,
+                                  QPoint corner)
 {
-    const std::pair wanted(image.cacheKey(), scale);
-    const bool is_same = wanted == _smaller_of;
-    if (is_same && _smaller_area.contains(area))
-        return;
-    _smaller_area = is_same ? QRect({0, 0}, size) : area;
-    shrink(as_rgb(image), scale, size, _smaller_area, _smaller);
-    _smaller_of = wanted;
+    const QRect covered = area.translated(corner);
+    QImage part = part_of(_shown, covered);
+    shrink(as_rgb(image), scale, size, area, part);
+    for (int y = 0; y < part.height(); ++y)
+        _in_range.copy(row_of(part, y), part.width(), row_of(part, y));
+    return covered;
 }

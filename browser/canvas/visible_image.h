@@ -29,13 +29,13 @@ private:
     };
 
     [[nodiscard]] QRect show(const QPixmap& image, const view_transform& view);
-    void make_smaller(const QPixmap& image, double scale, QSize size, const QRect& area);
+    [[nodiscard]] QRect show_smaller(const QPixmap& image, double scale, QSize size, const QRect& area,
+                                     QPoint corner);
 
     request _made_for;
     display_range _range_shown;
     range_painter _in_range{display_range{}};
     QImage _shown;
-    QImage _smaller;                          // an area of the image, made smaller
-    QRect _smaller_area;                      // in its own pixels
-    std::pair<qint64, double> _smaller_of;    // its image and scale
+    std::pair<qint64, double> _smaller_of;    // the image and scale that were shown smaller last
+    QImage _smaller;                          // all of it, once more than one part was shown
 };

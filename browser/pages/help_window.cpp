@@ -73,7 +73,7 @@ const help_row view_keys[] = {
     {"Ctrl+Left &nbsp; Ctrl+Right", QT_TRANSLATE_NOOP("HelpWindow", "the first and the last time point")},
     {"G",
      QT_TRANSLATE_NOOP("HelpWindow",
-                       "go to a ROI key, the number of a unit, or \"time point, plane\" as two numbers")},
+                       "go to a ROI key, the number or name of a unit, or \"time point, plane\" as two numbers")},
     {QT_TRANSLATE_NOOP("HelpWindow", "Backspace, back and forward buttons"),
      QT_TRANSLATE_NOOP("HelpWindow", "through the places one has been to")},
 };

@@ -55,9 +55,6 @@ in_order(const std::multimap<std::string, std::string>& pairs);
 // The same, but for the ROIs: what was saved beside ROIs that are not there yet, or not any more.
 [[nodiscard]] std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset);
 
-// The same, but for the ROIs: what was saved beside ROIs that are not there yet, or not any more.
-[[nodiscard]] std::optional<lineage> read_lineage(const std::string& filename, const std::string& dataset);
-
 // True iff CALLED can keep the name: not empty, no blank at its ends, no control characters.
 [[nodiscard]] bool is_unit_name(const std::string& name) noexcept;
 
