@@ -71,9 +71,9 @@ const help_row view_keys[] = {
     {"PageUp &nbsp; PageDown",
      QT_TRANSLATE_NOOP("HelpWindow", "the next plane with ROIs: with a lower number, with a higher one")},
     {"Ctrl+Left &nbsp; Ctrl+Right", QT_TRANSLATE_NOOP("HelpWindow", "the first and the last time point")},
-    {"G",
-     QT_TRANSLATE_NOOP("HelpWindow",
-                       "go to a ROI key, the number or name of a unit, or \"time point, plane\" as two numbers")},
+    {"G", QT_TRANSLATE_NOOP(
+              "HelpWindow",
+              "go to a ROI key, the number or name of a unit, or \"time point, plane\" as two numbers")},
     {QT_TRANSLATE_NOOP("HelpWindow", "Backspace, back and forward buttons"),
      QT_TRANSLATE_NOOP("HelpWindow", "through the places one has been to")},
 };
