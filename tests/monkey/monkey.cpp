@@ -11,6 +11,7 @@
 
 #include <QComboBox>
 #include <QCommandLineParser>
+#include <QDateTime>
 #include <QRegularExpression>
 #include <QTimer>
 #include <QWheelEvent>
@@ -70,6 +71,7 @@ private:
     const char* broken_rule_of_history()
     {
         note("history");
+        const std::string begun = QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString();
         if (const char* const rule = _window->broken_rule_of_undo())
             return rule;
         if (!_window->isOpen() || _window->work().roi_file() != _files.path("demo.roi") || chance(0.5))
@@ -79,8 +81,8 @@ private:
         _window.reset();
         CurationProbe afresh;
         if (!afresh.work.open(_files.path("demo.roi")) || afresh.work.offers().empty() || unsaved == 0 ||
-            afresh.work.offers().front().edits != unsaved)    // its file is another now
-            return nullptr;
+            afresh.work.offers().front().edits != unsaved || afresh.work.offers().front().time < begun)
+            return nullptr;    // its file is another now, and what is offered is older work
         if (!afresh.work.take_up())
             return "what is offered can be taken up";
         if (state_of(afresh) != now)
