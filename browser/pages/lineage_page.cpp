@@ -12,10 +12,8 @@
 #include "tree_window.h"
 
 #include <QLineEdit>
-#include <QSignalBlocker>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 

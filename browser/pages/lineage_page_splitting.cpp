@@ -54,10 +54,10 @@ void LineagePage::warn_of_first_time_point()
 void LineagePage::toggle_auto_split(bool on)
 {
     _window.pushButton_auto_split_toggled(on);
-    if (on)
-        warn_of_first_time_point();
-    if (on)
-        QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
+    if (!on)
+        return;
+    warn_of_first_time_point();
+    QMetaObject::invokeMethod(this, &LineagePage::split_all, Qt::QueuedConnection);
 }
 
 // Until none is left that anything can be done for, or the switch is off.

@@ -146,8 +146,7 @@ void ReviewWalk::put_in_order()
 
 std::size_t ReviewWalk::open_at(int t)
 {
-    if (!is_made())
-        _review.finish();
+    _review.finish();
     return static_cast<std::size_t>(
         std::ranges::count_if(_review.ranked(), [t](const finding* f) { return f->t == t; }));
 }

@@ -105,9 +105,7 @@ void ReviewWalk::cut_unit()
 
 void ReviewWalk::walk(finding_kind kind, bool forth)
 {
-    begin();
-    if (!is_made())
-        _review.finish();
+    _review.finish();
     const std::set<std::string>& units = _review.units_with(kind);
     if (units.empty())
         return say(tr("%1: none").arg(QString::fromUtf8(name_of(kind))));
